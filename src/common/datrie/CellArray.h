@@ -1,0 +1,86 @@
+// Helper, not installed: the cells of a double array under construction, with their growth, the
+// marks in them and the search for a base. Nothing in it knows about keys.
+
+#ifndef DICTIONARY_CELL_ARRAY_H
+#define DICTIONARY_CELL_ARRAY_H
+
+#include <cstdint>
+#include <vector>
+
+#include "FreeCells.h"
+#include "ImageFormat.h"
+
+namespace Dictionary {
+
+// Cells 0 to alphabetSize belong to the children of the root, each at the cell of its code; all
+// other nodes lie above.
+//
+// The capacity is the number of cells that the array counts as allocated. It grows by doubling,
+// while storage follows the cells that are in use.
+class CellArray {
+public:
+    explicit CellArray(std::int32_t alphabetSize);
+
+    // Drops all cells. Capacity, free hint and highest index stay.
+    void clear();
+
+    std::int64_t capacity() const { return m_capacity; }
+    std::int64_t highest() const { return m_highest; }
+    bool isFree(std::int64_t index) const { return cellAt(index).check == kFreeCheck; }
+
+    // The cell as it stands; a free one beyond the capacity.
+    Cell cellAt(std::int64_t index) const {
+        return index < static_cast<std::int64_t>(m_cells.size())
+                   ? m_cells[static_cast<std::size_t>(index)]
+                   : kFreeCell;
+    }
+
+    // Raises the capacity by doublings to at least `size` cells.
+    void reserve(std::int64_t size);
+    // The first free cell at or after `index`, to which the capacity is raised.
+    std::int64_t firstFreeFrom(std::int64_t index);
+
+    // From here on no cell at or beyond `limit` is given out.
+    void limitTo(std::int64_t limit) { m_limit = limit; }
+
+    // Takes the cell of a child of the root. False when `code` has no such cell.
+    bool takeRoot(std::int32_t code);
+    // Takes the cell of a child of `parent`, which placeChildren of a base made sure is free.
+    void takeChild(std::int64_t index, std::int64_t parent);
+
+    // Marks a cell where keys end: the smallest of their numbers stands in for the base that a
+    // leaf has not.
+    void markTerminal(std::int64_t index, std::int32_t smallestKey, std::int32_t feature);
+    // Gives a cell its base and keeps the mark of a terminal one.
+    void setBase(std::int64_t index, std::int64_t base);
+
+    // The base that puts the child `leading` on the first free cell from the free hint on for
+    // which all children fit; negative when there is none below the limit. Moves the hint to the
+    // first free cell.
+    std::int64_t findBase(std::int32_t leading, const std::vector<std::int32_t>& labels);
+
+    // The same for a node with the one child `label`.
+    std::int64_t findBaseOfOne(std::int32_t label);
+
+    // To be called when only nodes with one child are left to place.
+    void endWideSearches() { m_free.dropCopies(); }
+
+    // Counts one more cell, as long as an image can hold it, and returns the new highest index.
+    std::int64_t countOneMore();
+
+private:
+    Cell& use(std::int64_t index);
+
+    std::int32_t m_alphabetSize;
+    std::int64_t m_capacity;
+    std::int64_t m_hint;  // no cell before it is free
+    std::int64_t m_highest = 0;
+    std::int64_t m_limit;
+    std::vector<Cell> m_cells;
+    FreeCells m_free;
+    std::vector<std::int64_t> m_offsets;  // scratch of findBase
+};
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,163 @@
+#include "DATDictionarySample.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "DATReader.h"
+#include "Diagnostics.h"
+#include "EncodedText.h"
+#include "ImageFormat.h"
+#include "RecordReader.h"
+#include "ResultText.h"
+#include "SourceTable.h"
+#include "TextSearch.h"
+
+namespace Dictionary {
+
+namespace {
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+// Reads all records of a source into `table` and says what each made of its key's data. False at
+// a record with fewer than two fields.
+bool gather(CRecordReader& source, SourceTable& table) {
+    MessageBlock messages(stderr);
+    std::vector<char*> fields;
+    while (char* record = source.next()) {
+        if (source.splitRecord(record, fields) <= 1) {
+            messages << "Wrong format of file : " << record << "\n";
+            return false;
+        }
+        const std::uint32_t number = table.add(fields);
+        table.forEachPiece(number, [&](std::string_view piece) { messages << piece; });
+        messages << "\n";
+    }
+    return true;
+}
+
+// The key that stands in the source as a backslash and an n is the newline character.
+std::string_view keyFromSource(std::string_view text) {
+    return text == "\\n" ? "\n" : text;
+}
+
+void addAll(const SourceTable& table, CDATWriter& writer) {
+    MessageBlock messages(stderr);
+    std::string joined;
+    for (const std::uint32_t number : table.sorted()) {
+        const std::string key(keyFromSource(table.key(number)));
+        if (!writer.addKeys(key.c_str(), std::string(table.data(number, joined)))) {
+            messages << "wrong add a key : " << key << "\n";
+        }
+    }
+}
+
+}  // namespace
+
+int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
+                            const char* recordSeparator) {
+    // Kept: a writer from an earlier build is lost.
+    m_writer = new CDATWriter(m_coder, false);
+    auto source = std::make_unique<CRecordReader>();
+    source->init(fileName, recordSeparator, fieldSeparator);
+    {
+        SourceTable table;
+        if (!gather(*source, table)) {
+            // Kept: the reader with its descriptor is left as it is.
+            source.release();
+            return 0;
+        }
+        addAll(table, *m_writer);
+    }
+    source.reset();
+    m_writer->buildDAT();
+    std::fputs("Build OK\n", stderr);
+    return 1;
+}
+
+int CDictionayApp::writeBinaryDic(const char* fileName) {
+    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(fileName, "wb"));
+    if (file == nullptr) return 0;
+    const std::unique_ptr<char[]> image(m_writer->write());
+    const int size = m_writer->imageSize();
+    (StreamMessage() << "size of dictionary : " << std::to_string(size).c_str()).print(stderr);
+    // Kept: neither this result nor that of closing the file is looked at.
+    std::fwrite(image.get(), 1, static_cast<std::size_t>(size), file.get());
+    return 1;
+}
+
+int CDictionayApp::loadBinaryDic(const char* fileName) {
+    const int file = open(fileName, O_RDONLY);
+    if (file == -1) {
+        (StreamMessage() << "Error open binary dic : " << fileName << " " << std::strerror(errno))
+            .print(stderr);
+        return 0;
+    }
+    const off_t length = lseek(file, 0, SEEK_END);
+    m_image = mmap(nullptr, static_cast<std::size_t>(length), PROT_READ, MAP_PRIVATE, file, 0);
+    if (m_image == MAP_FAILED) {
+        (StreamMessage() << "Error Mapping file : " << fileName << " " << std::strerror(errno))
+            .print(stderr);
+        // Kept: the marker stays in m_image, and the descriptor stays open.
+        return 0;
+    }
+    m_imageLength = length;
+    close(file);
+    return 1;
+}
+
+void CDictionayApp::allMatch(const char* text, Matches& result) {
+    if (m_image == nullptr) return;
+    CDATReader(m_coder, m_image, false).allMatch(text, result, false, -1);
+}
+
+char* CDictionayApp::returnListStr(const char* text, Matches& result, bool withFeatures) {
+    ResultText list(withFeatures);
+    for (std::size_t position = 0; position < result.size(); ++position) {
+        if (result[position].empty()) continue;
+        const auto& [length, feature] = result[position].back();
+        list.add({text + position, static_cast<std::size_t>(length)}, position, feature);
+    }
+    return list.release();
+}
+
+char* CDictionayApp::searchText(const char* text, bool withFeatures) const {
+    ResultText list(withFeatures);
+    if (m_image == nullptr || text == nullptr) return list.release();
+    const ImageView image(m_image);
+    const EncodedText encoded(*m_coder, text, -1, false);
+    const TextSearch search(image.cells(), encoded);
+    search.forEachLongestKey(
+        m_coder->getNumOfSingleWord(), [&](std::size_t from, std::size_t to, std::int32_t feature) {
+            const SPOS span = encoded.span(from, to, feature);
+            const auto position = static_cast<std::size_t>(span.start);
+            const auto length = static_cast<std::size_t>(span.end + 1 - span.start);
+            list.add({text + position, length}, position, image.featureText(feature));
+        });
+    return list.release();
+}
+
+void CDictionayApp::showAllMatch(const char* text, Matches& result) {
+    for (std::size_t position = 0; position < result.size(); ++position) {
+        for (const auto& [length, feature] : result[position]) {
+            std::fprintf(stderr, "%.*s : %s\n", length, text + position, feature.c_str());
+        }
+    }
+}
+
+void CDictionayApp::showExactMatch(const char* key, std::string& feature) {
+    CDATReader(m_coder, m_image, false).exactMatch(key, feature);
+    (StreamMessage() << "EXACT MATCH" << key << " : " << feature.c_str()).print(stderr);
+}
+
+}  // namespace Dictionary

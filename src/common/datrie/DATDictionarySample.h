@@ -1,0 +1,100 @@
+// CDictionayApp ties one coder, one writer and one loaded image together.
+
+#ifndef DICTIONARY_DAT_DICTIONARY_SAMPLE_H
+#define DICTIONARY_DAT_DICTIONARY_SAMPLE_H
+
+#include <sys/mman.h>
+
+#include <cstddef>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "DATWriter.h"
+#include "DictionaryExport.h"
+#include "UTF8Coder.h"
+
+namespace Dictionary {
+
+// An object is either built (buildDic, writeBinaryDic, destroyed) or loaded (loadBinaryDic, any
+// number of queries, destroyed), each once.
+//
+// Queries only read the object, so several threads may query one loaded object at once. Building,
+// loading and destroying must not overlap with any other use of the same object.
+class DICTIONARY_EXPORT CDictionayApp {
+public:
+    typedef std::vector<std::vector<std::pair<int, std::string> > > Matches;
+
+    CDictionayApp() : m_coder(nullptr), m_writer(nullptr), m_image(nullptr), m_imageLength(0) {
+        m_coder = new CUTF8Coder;
+    }
+
+    ~CDictionayApp() {
+        delete m_writer;
+        // The coder holds no state: releasing its storage is all there is to destroy.
+        ::operator delete(static_cast<void*>(m_coder));
+        m_coder = nullptr;
+        m_writer = nullptr;
+        if (m_image != nullptr) munmap(m_image, static_cast<std::size_t>(m_imageLength));
+    }
+
+    CDictionayApp(const CDictionayApp&) = delete;
+    CDictionayApp& operator=(const CDictionayApp&) = delete;
+
+    // Builds the trie from the text file `fileName`: records end with `recordSeparator`, and
+    // their fields, of which the first is the key, are set apart by `fieldSeparator`, both in the
+    // notation of getEscapeSeparator. A key's data text is every further field followed by a tab;
+    // data of a repeated key is joined with ";". The key written as a backslash and an n stands
+    // for the newline character.
+    //
+    // Writes a line a record and "Build OK" to standard error, and the progress line to standard
+    // output. Returns 1 when the build ran to its end. Returns 0, after "Wrong format of file : ",
+    // at a record with fewer than two fields; the record reader with its descriptor and its
+    // buffers stays allocated then. Ends the process when the file cannot be opened. A last
+    // record without its separator is lost. A key that the coder refuses is reported and left
+    // out.
+    int buildDic(const char* fileName, const char* fieldSeparator, const char* recordSeparator);
+
+    // Writes the built image to `fileName` and its size to standard error. Returns 0, without a
+    // message, when the file cannot be opened, else 1: write errors go unnoticed. Only after
+    // buildDic.
+    int writeBinaryDic(const char* fileName);
+
+    // Maps the image file `fileName` read-only and private; it is not checked. Returns 1, or 0
+    // after a message on standard error. After a failed mapping (as opposed to a failed open) the
+    // object must not be queried.
+    int loadBinaryDic(const char* fileName);
+
+    // Appends to `result` one list for every byte position of `text`: the keys that start there,
+    // shortest first, each as its length in bytes and its feature text. Does nothing when no
+    // image is loaded.
+    void allMatch(const char* text, Matches& result);
+
+    // The longest key at every position of a match result of `text`, in order, each followed by a
+    // tab: the key alone, or, with `withFeatures`, key, "/", byte position, ":", feature text. The
+    // caller releases the string with free(). Never null.
+    char* returnListStr(const char* text, Matches& result, bool withFeatures);
+
+    // Writes a line for every match of a match result of `text` to standard error.
+    void showAllMatch(const char* text, Matches& result);
+
+    // Sets `feature` to the feature text of `key`, or to the empty string, and writes both to
+    // standard error. Only on a loaded object.
+    void showExactMatch(const char* key, std::string& feature);
+
+private:
+    friend struct EntryPoints;
+
+    // What returnListStr makes of the result of allMatch, without the lists in between.
+    DICTIONARY_LOCAL char* searchText(const char* text, bool withFeatures) const;
+
+    ICoderInterface* m_coder;  // owned, always a CUTF8Coder
+    CDATWriter* m_writer;      // owned, null until buildDic
+    void* m_image;             // the mapping; MAP_FAILED after a mapping that failed
+    long m_imageLength;        // in bytes
+};
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,232 @@
+#include "DATWriter.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <iostream>
+#include <string_view>
+
+#include "ImageFormat.h"
+#include "TrieBuilder.h"
+
+namespace Dictionary {
+
+namespace {
+
+// The progress line on standard output. It ends in a carriage return, so that on a terminal each
+// one overwrites the one before.
+class ProgressLine : public PlacementListener {
+public:
+    void report(std::uint64_t running, std::uint64_t total) override {
+        constexpr double kTicksPerSecond = 1000000.0;
+        m_seconds = static_cast<double>(std::clock() - m_start) / kTicksPerSecond;
+        // Kept: with no passing keys at all this is 0/0 and prints as a NaN.
+        const float fraction = static_cast<float>(running) / static_cast<float>(total);
+        std::printf("percent :%.2f cost time: %f seconds ALL STATE: %d\r",
+                    static_cast<double>(fraction), m_seconds, static_cast<int>(total));
+        std::fflush(stdout);
+    }
+
+    // Kept: the last line repeats the seconds of the one before it.
+    void finish(std::uint64_t total) const {
+        std::printf("percent :1.00 cost time: %f seconds ALL STATE: %d\r", m_seconds,
+                    static_cast<int>(total));
+        std::fflush(stdout);
+        std::putchar('\n');
+    }
+
+private:
+    std::clock_t m_start = std::clock();
+    double m_seconds = 0;
+};
+
+char* store(char* out, std::int32_t value) {
+    std::memcpy(out, &value, sizeof value);
+    return out + sizeof value;
+}
+
+// The codes that follow a node, each once.
+std::vector<std::int32_t> labelsBelow(const KeyPool& keys, const SInnerDATWUnit& unit) {
+    const auto next = static_cast<std::uint32_t>(unit.depth) + 1;
+    std::set<std::int32_t> labels;
+    for (const int key : unit.passingKeys) {
+        labels.insert(keys[static_cast<std::uint32_t>(key)][next]);
+    }
+    return {labels.begin(), labels.end()};
+}
+
+// The codes on the way from the root to a cell.
+std::vector<int> codesTo(const CellArray& cells, std::int64_t index) {
+    std::vector<int> codes;
+    for (Cell cell = cells.cellAt(index); cell.check != kRootCheck; cell = cells.cellAt(index)) {
+        const Cell parent = cells.cellAt(cell.check);
+        codes.push_back(static_cast<int>(index - childIndex(parent, 0)));
+        index = cell.check;
+    }
+    codes.push_back(static_cast<int>(index));
+    std::reverse(codes.begin(), codes.end());
+    return codes;
+}
+
+std::string textOf(const std::vector<int>& codes, ICoderInterface& coder) {
+    constexpr int kRoom = 9;
+    std::string text;
+    for (const int code : codes) {
+        char character[kRoom + 1] = {};
+        if (coder.decode(code, character, kRoom) > 0) text += character;
+    }
+    return text;
+}
+
+}  // namespace
+
+CDATWriter::CDATWriter(ICoderInterface* coder, bool reverse)
+    : m_coder(coder),
+      m_builder(new TrieBuilder(coder == nullptr ? 0 : coder->getNumOfSingleWord())),
+      m_imageSize(0),
+      m_reverse(reverse) {}
+
+CDATWriter::~CDATWriter() = default;
+
+bool CDATWriter::addKeys(const char* key, std::string feature) {
+    if (key == nullptr || m_coder == nullptr) return false;
+    std::vector<int> codes;
+    std::vector<SPOS> positions;
+    if (m_coder->encodeString(key, codes, positions, -1) == 0) return false;
+    if (m_reverse) std::reverse(codes.begin(), codes.end());
+    m_builder->addKey(codes, feature);
+    return true;
+}
+
+void CDATWriter::putFeature(std::string feature, int keyIndex) {
+    m_builder->attachFeature(feature, keyIndex);
+}
+
+bool CDATWriter::buildDAT() {
+    clear(false);
+    writeFeature();
+    buildPrefix();
+    ProgressLine progress;
+    switch (m_builder->place(progress)) {
+        case Placement::kNothingToPlace:
+            return false;
+        case Placement::kNoRoom:
+            std::cout << m_builder->runningCount() << "wrong !!!!!\n";
+            return false;
+        case Placement::kPlaced:
+            break;
+    }
+    progress.finish(m_builder->totalPassing());
+    return true;
+}
+
+// Cells take up storage only when they are used, so a final clear leaves as little as any other.
+void CDATWriter::clear(bool) {
+    m_builder->clear();
+}
+
+int CDATWriter::writeFeature() {
+    m_builder->storeFeatures();
+    return 0;
+}
+
+void CDATWriter::buildPrefix() {
+    m_builder->makeTrie();
+}
+
+bool CDATWriter::buildDATWUnit(SInnerDATWUnit* unit) {
+    CellArray& cells = m_builder->cells();
+    std::int64_t index = unit->prefix.front();
+    for (std::size_t i = 1; i < unit->prefix.size(); ++i) {
+        index = childIndex(cells.cellAt(index), unit->prefix[i]);
+    }
+    if (unit->depth == 0 && !cells.takeRoot(unit->prefix.front())) return false;
+    if (!unit->endingKeys.empty()) {
+        cells.markTerminal(index, *unit->endingKeys.begin(), unit->featureOffset);
+    }
+    if (unit->passingKeys.empty()) return true;
+
+    const int base = getConsistentBasePos(unit);
+    if (base < 0) return false;
+    cells.setBase(index, base);
+    for (const std::int32_t label : labelsBelow(m_builder->keys(), *unit)) {
+        cells.takeChild(std::int64_t{base} + label, index);
+    }
+    return true;
+}
+
+int CDATWriter::getConsistentBasePos(SInnerDATWUnit* unit) {
+    const KeyPool& keys = m_builder->keys();
+    const KeyCodes firstKey = keys[static_cast<std::uint32_t>(*unit->passingKeys.begin())];
+    const std::int32_t leading = firstKey[static_cast<std::uint32_t>(unit->depth) + 1];
+    return static_cast<int>(m_builder->cells().findBase(leading, labelsBelow(keys, *unit)));
+}
+
+void CDATWriter::nextFreePos(int& position) {
+    position = static_cast<int>(m_builder->cells().firstFreeFrom(position));
+}
+
+void CDATWriter::reallocBC(int size) {
+    m_builder->cells().reserve(size);
+}
+
+char* CDATWriter::write() {
+    CellArray& cells = m_builder->cells();
+    // Kept: every call counts one cell more.
+    const std::int64_t count = cells.countOneMore();
+    const CFeatureDataContainer& area = m_builder->featureArea();
+    const std::int64_t cellBytes = count * kCellBytes;
+    m_imageSize = static_cast<int>(cellBytes + area.size());
+
+    std::unique_ptr<char[]> image(new char[static_cast<std::size_t>(m_imageSize)]);
+    char* out = image.get();
+    const auto put = [&out](const Cell& cell) {
+        std::memcpy(out, &cell, sizeof cell);
+        out += sizeof cell;
+    };
+    const auto imageCheck = [](const Cell& cell) {
+        return cell.check == kFreeCheck ? kFreeImageCheck : cell.check;
+    };
+    put(headerCell(area.size(), imageCheck(cells.cellAt(0)), static_cast<std::int32_t>(cellBytes)));
+    for (std::int64_t i = 1; i < count; ++i) {
+        Cell cell = cells.cellAt(i);
+        cell.check = imageCheck(cell);
+        put(cell);
+    }
+    std::copy_n(area.data(), area.size(), out);
+    return image.release();
+}
+
+void* CDATWriter::write(void* output, bool withFeatures) {
+    CellArray& cells = m_builder->cells();
+    // Kept: every call counts one cell more.
+    const std::int64_t count = cells.countOneMore();
+    char* out = static_cast<char*>(output);
+    for (std::int64_t i = 0; i < count; ++i) {
+        const Cell cell = cells.cellAt(i);
+        out = store(out, cell.base);
+        // Kept: the word of a free cell's check stays as it was.
+        out = cell.check == kFreeCheck ? out + sizeof cell.check : store(out, cell.check);
+        if (withFeatures) out = store(out, cell.feature);
+    }
+    return out;
+}
+
+int CDATWriter::show(std::vector<std::pair<std::string, std::string> >& entries) {
+    const CellArray& cells = m_builder->cells();
+    int shown = 0;
+    for (std::int64_t i = 0; i <= cells.highest(); ++i) {
+        const Cell cell = cells.cellAt(i);
+        if (!endsKey(cell)) continue;
+        const std::string_view feature =
+            featureTextAt(m_builder->featureArea().data(), cell.feature);
+        entries.emplace_back(textOf(codesTo(cells, i), *m_coder), std::string(feature));
+        ++shown;
+    }
+    return shown;
+}
+
+}  // namespace Dictionary

@@ -1,0 +1,58 @@
+#include "EncodedText.h"
+
+#include <typeinfo>
+#include <vector>
+
+#include "Utf8Decoder.h"
+
+namespace Dictionary {
+
+EncodedText::EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse) {
+    // The UTF-8 coder itself, but none derived from it, is known to give what the decoder gives.
+    if (!reverse && typeid(coder) == typeid(CUTF8Coder)) {
+        encodeUtf8(text, length);
+    } else {
+        encodeBy(coder, text, length, reverse);
+    }
+}
+
+std::int32_t* EncodedText::roomFor(std::size_t integers) {
+    if (integers <= sizeof m_inline / sizeof *m_inline) return m_inline;
+    m_heap.reset(new std::int32_t[integers]);
+    return m_heap.get();
+}
+
+void EncodedText::encodeUtf8(const char* text, int length) {
+    const std::size_t bytes = encodedSize(text, length);
+    m_codes = roomFor(2 * bytes + 1);
+    // Each character begins where the one before it ends.
+    m_starts = m_codes + bytes;
+    m_ends = m_starts + 1;
+    m_starts[0] = 0;
+    std::int32_t* code = m_codes;
+    std::int32_t* end = m_ends;
+    decodeUtf8(text, bytes, [&](std::int32_t value, std::size_t start, std::uint32_t size) {
+        *code++ = value;
+        *end++ = static_cast<std::int32_t>(start + size);
+    });
+    m_size = static_cast<std::size_t>(code - m_codes);
+}
+
+void EncodedText::encodeBy(ICoderInterface& coder, const char* text, int length, bool reverse) {
+    std::vector<int> codes;
+    std::vector<SPOS> positions;
+    coder.encodeString(text, codes, positions, length);
+    m_size = codes.size();
+    m_codes = roomFor(3 * m_size);
+    m_starts = m_codes + m_size;
+    m_ends = m_starts + m_size;
+    for (std::size_t i = 0; i < m_size; ++i) {
+        const std::size_t source = reverse ? m_size - 1 - i : i;
+        const SPOS position = positions[source];
+        m_codes[i] = codes[source];
+        m_starts[i] = reverse ? position.end : position.start;
+        m_ends[i] = (reverse ? position.start : position.end) + 1;
+    }
+}
+
+}  // namespace Dictionary

@@ -1,0 +1,50 @@
+// Helper, not installed: a query's codes with their byte positions, as the lookups walk them.
+
+#ifndef DICTIONARY_ENCODED_TEXT_H
+#define DICTIONARY_ENCODED_TEXT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "UTF8Coder.h"
+
+namespace Dictionary {
+
+// Characters are numbered from 0 in walking order, which is text order, or from the last character
+// to the first when reversed. Short texts take no memory from the heap.
+class EncodedText {
+public:
+    // Encodes the first `length` bytes of `text` as ICoderInterface::encodeString counts them.
+    EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse);
+
+    EncodedText(const EncodedText&) = delete;
+    EncodedText& operator=(const EncodedText&) = delete;
+
+    std::size_t size() const { return m_size; }
+    const std::int32_t* codes() const { return m_codes; }
+
+    // The bytes of characters `from` to `to`. A reversed character begins at its last byte and
+    // ends at its first, so that a reversed span runs from its end to its start.
+    SPOS span(std::size_t from, std::size_t to, std::int32_t feature) const {
+        return {m_starts[from], m_ends[to] - 1, feature};
+    }
+
+private:
+    static constexpr std::size_t kInlineCharacters = 128;
+
+    void encodeUtf8(const char* text, int length);
+    void encodeBy(ICoderInterface& coder, const char* text, int length, bool reverse);
+    std::int32_t* roomFor(std::size_t integers);
+
+    std::size_t m_size = 0;
+    std::int32_t* m_codes = nullptr;
+    std::int32_t* m_starts = nullptr;
+    std::int32_t* m_ends = nullptr;  // exclusive
+    std::unique_ptr<std::int32_t[]> m_heap;
+    std::int32_t m_inline[3 * kInlineCharacters];
+};
+
+}  // namespace Dictionary
+
+#endif

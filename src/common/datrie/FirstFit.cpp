@@ -1,0 +1,81 @@
+#include "FirstFit.h"
+
+#include <cstring>
+
+namespace Dictionary {
+
+namespace {
+
+// A register of `Bytes` bytes as 64-bit lanes.
+template <std::size_t Bytes>
+using Lanes __attribute__((vector_size(Bytes))) = std::uint64_t;
+
+constexpr std::size_t kLaneBytes = sizeof(std::uint64_t);
+
+// Inlined into a caller for each width, which sets the instructions that may be used.
+template <std::size_t Bytes>
+[[gnu::always_inline]] inline void load(Lanes<Bytes>& lanes, const std::uint8_t* from) {
+    std::memcpy(&lanes, from, Bytes);
+}
+
+template <std::size_t Bytes>
+[[gnu::always_inline]] inline bool isZero(const Lanes<Bytes>& lanes) {
+    std::uint64_t any = 0;
+    for (std::size_t lane = 0; lane < Bytes / kLaneBytes; ++lane) any |= lanes[lane];
+    return any == 0;
+}
+
+template <std::size_t Bytes>
+[[gnu::always_inline]] inline std::int64_t firstBit(const Lanes<Bytes>& lanes) {
+    std::int64_t position = 0;
+    for (std::size_t lane = 0; lane < Bytes / kLaneBytes; ++lane) {
+        if (lanes[lane] != 0) return position + __builtin_ctzll(lanes[lane]);
+        position += 64;
+    }
+    return position;
+}
+
+template <std::size_t Bytes>
+[[gnu::always_inline]] inline std::int64_t search(const std::vector<const std::uint8_t*>& streams) {
+    for (std::size_t byte = 0;; byte += Bytes) {
+        Lanes<Bytes> fitting;
+        load<Bytes>(fitting, streams[0] + byte);
+        for (std::size_t i = 1; i < streams.size() && !isZero<Bytes>(fitting); ++i) {
+            Lanes<Bytes> bits;
+            load<Bytes>(bits, streams[i] + byte);
+            fitting &= bits;
+        }
+        if (!isZero<Bytes>(fitting)) {
+            return static_cast<std::int64_t>(byte * 8) + firstBit<Bytes>(fitting);
+        }
+    }
+}
+
+std::int64_t searchBaseline(const std::vector<const std::uint8_t*>& streams) {
+    return search<16>(streams);
+}
+
+[[gnu::target("avx2")]] std::int64_t searchAvx2(const std::vector<const std::uint8_t*>& streams) {
+    return search<32>(streams);
+}
+
+[[gnu::target("avx512f")]] std::int64_t searchAvx512(
+    const std::vector<const std::uint8_t*>& streams) {
+    return search<64>(streams);
+}
+
+std::vector<FirstFitKernel> availableKernels() {
+    std::vector<FirstFitKernel> kernels = {{"baseline", searchBaseline}};
+    if (__builtin_cpu_supports("avx2")) kernels.push_back({"avx2", searchAvx2});
+    if (__builtin_cpu_supports("avx512f")) kernels.push_back({"avx512", searchAvx512});
+    return kernels;
+}
+
+}  // namespace
+
+const std::vector<FirstFitKernel>& firstFitKernels() {
+    static const std::vector<FirstFitKernel> kernels = availableKernels();
+    return kernels;
+}
+
+}  // namespace Dictionary

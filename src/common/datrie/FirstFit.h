@@ -1,0 +1,30 @@
+// Helper, not installed: the inner loop of the search for a position at which a set of labels
+// fits, for every width of register the machine may have.
+
+#ifndef DICTIONARY_FIRST_FIT_H
+#define DICTIONARY_FIRST_FIT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace Dictionary {
+
+// Each stream holds one bit a position. Returns the first position at or after 0 whose bit is set
+// in all streams. There must be one, and the streams must be readable for kFirstFitSlack bytes
+// behind it. Every implementation gives the same answer.
+using FirstFitSearch = std::int64_t (*)(const std::vector<const std::uint8_t*>& streams);
+
+constexpr std::size_t kFirstFitSlack = 64;
+
+struct FirstFitKernel {
+    const char* name;
+    FirstFitSearch search;
+};
+
+// Those that this machine can run, the fastest last. The first runs on every x86-64.
+const std::vector<FirstFitKernel>& firstFitKernels();
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,97 @@
+#include "FreeCells.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+#include "FirstFit.h"
+
+namespace Dictionary {
+
+namespace {
+
+constexpr std::int64_t kByteBits = 8;
+constexpr std::int64_t kWordBits = 64;
+constexpr std::uint8_t kAllFree = 0xFF;
+
+}  // namespace
+
+FreeCells::FreeCells(std::int64_t reserved) : m_end(reserved), m_covered(0) {
+    cover(reserved);
+    for (std::int64_t cell = 0; cell < reserved; ++cell) take(cell);
+}
+
+void FreeCells::cover(std::int64_t cell) {
+    if (cell < m_covered) return;
+    m_covered = std::max(cell + 1, 2 * m_covered);
+    const std::size_t bytes = static_cast<std::size_t>(m_covered / kByteBits) + 1;
+    for (unsigned shift = 0; shift < m_copiesKept; ++shift) {
+        m_copies[shift].resize(bytes + kFirstFitSlack, kAllFree);
+    }
+}
+
+void FreeCells::take(std::int64_t cell) {
+    cover(cell);
+    m_end = std::max(m_end, cell + 1);
+    for (unsigned shift = 0; shift < m_copiesKept && shift <= cell; ++shift) {
+        const auto bit = static_cast<std::size_t>(cell - shift);
+        std::uint8_t& byte = m_copies[shift][bit / kByteBits];
+        byte = static_cast<std::uint8_t>(byte & ~(1u << bit % kByteBits));
+    }
+}
+
+std::int64_t FreeCells::firstFrom(std::int64_t cell) const {
+    while (cell < m_end) {
+        std::uint64_t word;
+        const std::int64_t start = cell / kByteBits * kByteBits;
+        std::memcpy(&word, m_copies[0].data() + start / kByteBits, sizeof word);
+        word >>= cell - start;
+        if (word != 0) return cell + __builtin_ctzll(word);
+        cell = start + kWordBits;
+    }
+    return cell;
+}
+
+const std::uint8_t* FreeCells::bitsFrom(std::int64_t cell) const {
+    const auto index = static_cast<std::size_t>(cell);
+    return m_copies[index % kCopies].data() + index / kCopies;
+}
+
+std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets) {
+    if (m_copiesKept < kCopies) restoreCopies();
+
+    // At the latest, everything fits where all of it lies behind the last cell taken.
+    std::int64_t least = 0;
+    std::int64_t most = 0;
+    for (const std::int64_t offset : offsets) {
+        least = std::min(least, offset);
+        most = std::max(most, offset);
+    }
+    cover(std::max(from, m_end - least) + most);
+
+    std::vector<const std::uint8_t*> streams = {bitsFrom(from)};
+    for (const std::int64_t offset : offsets) streams.push_back(bitsFrom(from + offset));
+    return from + firstFitKernels().back().search(streams);
+}
+
+void FreeCells::dropCopies() {
+    for (unsigned shift = 1; shift < kCopies; ++shift) {
+        std::vector<std::uint8_t>().swap(m_copies[shift]);
+    }
+    m_copiesKept = 1;
+}
+
+void FreeCells::restoreCopies() {
+    const std::vector<std::uint8_t>& cells = m_copies[0];
+    for (unsigned shift = m_copiesKept; shift < kCopies; ++shift) {
+        std::vector<std::uint8_t>& copy = m_copies[shift];
+        copy.resize(cells.size(), kAllFree);
+        for (std::size_t i = 0; i + 1 < cells.size(); ++i) {
+            const unsigned pair = cells[i] | static_cast<unsigned>(cells[i + 1]) << kByteBits;
+            copy[i] = static_cast<std::uint8_t>(pair >> shift);
+        }
+    }
+    m_copiesKept = kCopies;
+}
+
+}  // namespace Dictionary

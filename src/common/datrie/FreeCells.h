@@ -1,0 +1,51 @@
+// Helper, not installed: which cells are free, and where a set of labels fits. Nothing in it knows
+// about tries.
+
+#ifndef DICTIONARY_FREE_CELLS_H
+#define DICTIONARY_FREE_CELLS_H
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace Dictionary {
+
+// A bitmap, one bit a cell, that is free without end behind what was taken so far. While wide
+// searches go on it is kept in eight copies, each shifted by one bit more, so that the bits from
+// any cell on are one unaligned load; a search tests as many positions at a time as the machine's
+// registers have bits.
+class FreeCells {
+public:
+    // Cells 0 to reserved - 1 count as taken.
+    explicit FreeCells(std::int64_t reserved);
+
+    void take(std::int64_t cell);
+
+    // The first free cell at or after `cell`.
+    std::int64_t firstFrom(std::int64_t cell) const;
+    bool isFree(std::int64_t cell) const { return firstFrom(cell) == cell; }
+
+    // The first position p at or after `from` for which p and every p + offset is free. `offsets`
+    // may be negative as long as p + offset is not for any p at or after `from`; they are tested
+    // in the order in which they stand.
+    std::int64_t firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets);
+
+    // Gives back the shifted copies, which cost time at every take, until the next firstFit.
+    void dropCopies();
+
+private:
+    static constexpr unsigned kCopies = 8;
+
+    void cover(std::int64_t cell);
+    void restoreCopies();
+    const std::uint8_t* bitsFrom(std::int64_t cell) const;
+
+    std::array<std::vector<std::uint8_t>, kCopies> m_copies;  // copy s: bit i is cell i + s
+    unsigned m_copiesKept = kCopies;
+    std::int64_t m_end;      // every cell from here on is free
+    std::int64_t m_covered;  // cells that the bitmap holds
+};
+
+}  // namespace Dictionary
+
+#endif

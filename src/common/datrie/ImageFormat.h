@@ -1,0 +1,133 @@
+// Helper, not installed: the layout of the dictionary image. Nothing else knows the size of a
+// cell, the words of the header or the marks in a cell, and nothing else reads image bytes.
+//
+//   cell 0         the header: size of the feature area, its own check, offset of the area
+//   cells 1..N-1   base, check, feature: 32-bit signed little-endian integers, no padding
+//   feature area   length-prefixed records, see FeatureData.h
+
+#ifndef DICTIONARY_IMAGE_FORMAT_H
+#define DICTIONARY_IMAGE_FORMAT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+namespace Dictionary {
+
+struct Cell {
+    std::int32_t base;     // |base| + code is the child's cell; negative where a key ends
+    std::int32_t check;    // the parent's cell
+    std::int32_t feature;  // byte offset of the key's record in the feature area
+};
+static_assert(sizeof(Cell) == 12, "cells are packed");
+
+constexpr std::int32_t kNoFeature = -1;
+constexpr std::int32_t kRootCheck = -1;      // a child of the root, which has no cell itself
+constexpr std::int32_t kFreeCheck = -2;      // a free cell while building
+constexpr std::int32_t kFreeImageCheck = 0;  // a free cell in the image
+constexpr Cell kFreeCell = {0, kFreeCheck, kNoFeature};
+
+constexpr std::int32_t kCellBytes = sizeof(Cell);
+constexpr std::int64_t kMaxImageBytes = std::numeric_limits<std::int32_t>::max();
+
+inline bool endsKey(const Cell& cell) {
+    return cell.base < 0;
+}
+
+// The cell of the child with label `code`, if there is one. In 64 bits, so that nothing wraps.
+inline std::int64_t childIndex(const Cell& parent, std::int32_t code) {
+    const std::int64_t base = parent.base;
+    return (base < 0 ? -base : base) + code;
+}
+
+inline Cell headerCell(std::int32_t featureBytes, std::int32_t ownCheck, std::int32_t cellBytes) {
+    return {featureBytes, ownCheck, cellBytes};
+}
+inline std::int32_t featureBytesOf(const Cell& header) {
+    return header.base;
+}
+inline std::int32_t cellBytesOf(const Cell& header) {
+    return header.feature;
+}
+
+// The cells of an image in memory, which need not be aligned.
+class CellView {
+public:
+    // Holds the whole cells of `cellBytes` bytes at `image`.
+    CellView(const void* image, std::int32_t cellBytes)
+        : m_image(static_cast<const char*>(image)),
+          m_firstLimit(cellBytes < 0 ? 0 : cellBytes / kCellBytes),
+          m_childLimit(cellBytes < kCheckOffset ? 0 : (cellBytes - kCheckOffset) / kCellBytes + 1) {
+    }
+
+    Cell operator[](std::int64_t index) const {
+        Cell cell;
+        std::memcpy(&cell, m_image + index * kCellBytes, sizeof cell);
+        return cell;
+    }
+
+    bool holds(std::int64_t index) const { return unsignedOf(index) < unsignedOf(m_firstLimit); }
+
+    // The one transition rule: moves `cell` and `index` to the child with label `code` and
+    // returns true, or returns false when the cell has none.
+    // Kept: a child counts as inside when its check word begins no later than the cell array ends,
+    // so one word past an array that is no whole number of cells is still read.
+    bool descend(Cell& cell, std::int64_t& index, std::int32_t code) const {
+        const std::int64_t child = childIndex(cell, code);
+        if (unsignedOf(child) >= unsignedOf(m_childLimit)) return false;
+        const Cell next = (*this)[child];
+        if (next.check != index) return false;
+        cell = next;
+        index = child;
+        return true;
+    }
+
+private:
+    static constexpr std::int64_t kCheckOffset = offsetof(Cell, check);
+
+    static std::uint64_t unsignedOf(std::int64_t value) {
+        return static_cast<std::uint64_t>(value);
+    }
+
+    const char* m_image;
+    std::int64_t m_firstLimit;  // cells that lie in the array whole
+    std::int64_t m_childLimit;  // cells that a transition may reach
+};
+
+inline Cell headerOf(const void* image) {
+    return CellView(image, kCellBytes)[0];
+}
+
+// The text of the record at byte `offset` of a feature area, up to its first NUL; empty for a
+// negative offset. Valid as long as the area.
+inline std::string_view featureTextAt(const char* area, std::int32_t offset) {
+    if (area == nullptr || offset < 0) return {};
+    std::int32_t length;
+    std::memcpy(&length, area + offset, sizeof length);
+    if (length <= 0) return {};
+    const char* text = area + offset + sizeof length;
+    return {text, strnlen(text, static_cast<std::size_t>(length))};
+}
+
+// An image in memory.
+class ImageView {
+public:
+    explicit ImageView(const void* image)
+        : m_cells(image, cellBytesOf(headerOf(image))),
+          m_features(static_cast<const char*>(image) + cellBytesOf(headerOf(image))) {}
+
+    const CellView& cells() const { return m_cells; }
+    std::string_view featureText(std::int32_t offset) const {
+        return featureTextAt(m_features, offset);
+    }
+
+private:
+    CellView m_cells;
+    const char* m_features;
+};
+
+}  // namespace Dictionary
+
+#endif

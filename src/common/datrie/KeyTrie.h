@@ -1,0 +1,138 @@
+// Helper, not installed: the trie of the keys' prefixes, as the stages in which its nodes are
+// placed. Nothing in it knows about cells.
+//
+// With the keys sorted, a node is an interval of that order with a depth (Aho, Hopcroft and
+// Ullman's lexicographic sorting; the intervals are those of Abouelhoda et al., "Replacing suffix
+// trees with enhanced suffix arrays", 2004). Ranks count positions in that order from 0.
+
+#ifndef DICTIONARY_KEY_TRIE_H
+#define DICTIONARY_KEY_TRIE_H
+
+#include <cstdint>
+#include <vector>
+
+#include "KeyPool.h"
+
+namespace Dictionary {
+
+// A node that at least one key passes: keys first to last - 1 (ranks) go on beyond it.
+struct TrieNode {
+    std::uint32_t first;
+    std::uint32_t last;
+    std::uint32_t depth;  // position of the node's last code in its keys
+    std::uint32_t maker;  // the smallest number among the keys that have the node's prefix
+
+    std::uint32_t passing() const { return last - first; }
+};
+
+// A child of a node: ranks begin to end - 1 have its prefix, of which those before `first` end
+// there.
+struct TrieChild {
+    std::int32_t label;
+    std::uint32_t begin;
+    std::uint32_t first;
+    std::uint32_t end;
+
+    bool isTerminal() const { return begin < first; }
+    bool isLeaf() const { return first == end; }
+};
+
+// Placement takes nodes by passing keys falling, then depth rising, then maker rising. A node that
+// several keys pass is kept as a record. The nodes that one key passes, nearly all of them, follow
+// from where each key's solitary run begins, and leaves need no order.
+class KeyTrie {
+public:
+    // Sorts the keys and finds the nodes. Keys without codes have none. `keys` must outlive the
+    // trie and not change.
+    explicit KeyTrie(const KeyPool& keys);
+
+    bool empty() const { return m_order.empty(); }
+    std::uint64_t totalPassing() const { return m_totalPassing; }
+    std::uint64_t leafCount() const { return m_leafCount; }
+
+    // The nodes that at least two keys pass, in placement order.
+    const std::vector<TrieNode>& sharedNodes() const { return m_shared; }
+
+    // Calls `visit(rank, depth)` for every node that one key passes, in placement order; `rank` is
+    // that key's. Stops and returns false when `visit` does.
+    template <class Visit>
+    bool forEachSolitaryNode(Visit visit) const;
+
+    // Fills `children` with the children of the node that ranks first to last - 1 pass at `depth`,
+    // by label; the children of the implicit root when `depth` is kRootDepth.
+    void childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const;
+
+    // The implicit root: all ranks pass it, and its children stand at depth 0.
+    static constexpr std::uint32_t kRootDepth = static_cast<std::uint32_t>(-1);
+    TrieNode root() const { return {0, static_cast<std::uint32_t>(m_order.size()), kRootDepth, 0}; }
+
+    // The child that the key with the smallest number takes, among those of a node.
+    const TrieChild& leadingChild(const std::vector<TrieChild>& children) const;
+
+    std::uint32_t keyAt(std::uint32_t rank) const { return m_order[rank]; }
+    KeyCodes codesAt(std::uint32_t rank) const { return m_keys[m_order[rank]]; }
+
+private:
+    // Where the solitary nodes of a key begin.
+    struct SolitaryRun {
+        std::uint32_t rank;
+        std::uint32_t depth;
+        std::uint32_t maker;  // of the run's first node; the others were made by the key itself
+    };
+
+    static constexpr std::uint32_t kNoNumber = static_cast<std::uint32_t>(-1);
+
+    void sortKeys();
+    void sortByNumber(std::vector<std::uint32_t>& ranks) const;
+    void findSharedPrefixes();
+    void findSharedNodes();
+    void addSharedNodes(const TrieNode& interval, std::uint32_t prefix, std::uint32_t parentPrefix);
+    void findSolitaryRuns();
+    void addSolitaryRun(std::uint32_t rank);
+    void orderForPlacement();
+    std::uint32_t sharedWithNext(std::uint32_t rank) const;
+
+    const KeyPool& m_keys;
+    bool m_inOrder = true;                      // the keys were added in sorted order
+    std::vector<std::uint32_t> m_order;         // key numbers by rank
+    std::vector<std::uint32_t> m_sharedPrefix;  // codes that a rank shares with the one before it
+    std::vector<TrieNode> m_shared;
+    std::vector<SolitaryRun> m_runs;  // by depth, then maker
+    std::uint64_t m_totalPassing = 0;
+    std::uint64_t m_leafCount = 0;
+};
+
+template <class Visit>
+bool KeyTrie::forEachSolitaryNode(Visit visit) const {
+    std::vector<std::uint32_t> current;  // ranks of the runs that reach the depth, by key number
+    std::vector<std::uint32_t> next;
+    std::uint32_t depth = 0;
+    const auto visitAndKeep = [&](std::uint32_t rank) {
+        if (!visit(rank, depth)) return false;
+        if (codesAt(rank).length > depth + 2) next.push_back(rank);
+        return true;
+    };
+    auto run = m_runs.begin();
+    const auto visitRunsBefore = [&](std::uint32_t number) {
+        for (; run != m_runs.end() && run->depth == depth && run->maker < number; ++run) {
+            if (!visitAndKeep(run->rank)) return false;
+        }
+        return true;
+    };
+    while (run != m_runs.end() || !current.empty()) {
+        if (current.empty()) depth = run->depth;
+        for (const std::uint32_t rank : current) {
+            if (!visitRunsBefore(m_order[rank]) || !visitAndKeep(rank)) return false;
+        }
+        if (!visitRunsBefore(kNoNumber)) return false;
+        if (!m_inOrder) sortByNumber(next);
+        current.swap(next);
+        next.clear();
+        ++depth;
+    }
+    return true;
+}
+
+}  // namespace Dictionary
+
+#endif

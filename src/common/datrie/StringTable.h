@@ -1,0 +1,53 @@
+// Helper, not installed: distinct byte strings, each kept once and numbered by first sight.
+
+#ifndef DICTIONARY_STRING_TABLE_H
+#define DICTIONARY_STRING_TABLE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace Dictionary {
+
+// Bytes that stay where they are until the arena goes.
+class ByteArena {
+public:
+    // Room for `bytes` bytes at an address that suits pointers.
+    char* allocate(std::size_t bytes);
+    std::string_view keep(std::string_view text);
+
+private:
+    std::vector<std::unique_ptr<char[]> > m_blocks;
+    char* m_free = nullptr;
+    std::size_t m_left = 0;
+};
+
+class StringTable {
+public:
+    // The number of `text`, counted from 0. Copies the text if it is new.
+    std::uint32_t add(std::string_view text);
+
+    std::uint32_t size() const { return static_cast<std::uint32_t>(m_entries.size()); }
+    std::string_view operator[](std::uint32_t number) const { return m_entries[number].text; }
+
+    // The numbers of all strings in bytewise order of these.
+    std::vector<std::uint32_t> sorted() const;
+
+private:
+    struct Entry {
+        std::string_view text;
+        std::size_t hash;
+    };
+
+    void grow();
+
+    ByteArena m_arena;
+    std::vector<Entry> m_entries;
+    std::vector<std::uint32_t> m_slots;  // entry number plus 1, or 0; a power of two of them
+};
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,157 @@
+#include "TrieBuilder.h"
+
+#include <cstring>
+#include <limits>
+
+#include "ImageFormat.h"
+
+namespace Dictionary {
+
+namespace {
+
+// A record's text ends at its string's first NUL.
+std::string_view recordText(std::string_view feature) {
+    return feature.substr(0, feature.find('\0'));
+}
+
+constexpr std::size_t kLengthBytes = sizeof(std::int32_t);
+
+}  // namespace
+
+void TrieBuilder::reserve(std::size_t keys, std::size_t codes) {
+    m_keys.reserve(keys, codes);
+    m_keyStrings.reserve(keys + 1);
+    m_keyOffsets.reserve(keys + 1);
+}
+
+void TrieBuilder::addKey(const std::vector<int>& codes, std::string_view feature) {
+    const std::uint32_t string = m_strings.add(feature);
+    m_keys.add(codes);
+    m_keyStrings.push_back(string);
+    m_keyOffsets.push_back(kNoFeature);
+}
+
+void TrieBuilder::attachFeature(std::string_view feature, int key) {
+    const std::uint32_t string = m_strings.add(feature);
+    if (key < 0 || static_cast<std::size_t>(key) >= m_keyStrings.size()) return;
+    std::uint32_t& kept = m_keyStrings[static_cast<std::size_t>(key)];
+    if (kept == kNoString || m_strings[kept] < m_strings[string]) kept = string;
+}
+
+void TrieBuilder::clear() {
+    m_trie.reset();
+    m_featureArea.reset(true, nullptr, 8, 0);
+    m_cells.clear();
+}
+
+void TrieBuilder::storeFeatures() {
+    const std::vector<std::uint32_t> order = m_strings.sorted();
+    std::size_t bytes = 0;
+    for (const std::uint32_t string : order)
+        bytes += kLengthBytes + recordText(m_strings[string]).size();
+    m_featuresFit = bytes <= static_cast<std::size_t>(kMaxImageBytes);
+    if (!m_featuresFit) return;
+
+    auto area = std::make_unique<char[]>(bytes);
+    std::vector<std::int32_t> offsets(order.size());
+    char* end = area.get();
+    for (const std::uint32_t string : order) {
+        const std::string_view text = recordText(m_strings[string]);
+        const auto length = static_cast<std::int32_t>(text.size());
+        offsets[string] = static_cast<std::int32_t>(end - area.get());
+        std::memcpy(end, &length, kLengthBytes);
+        std::memcpy(end + kLengthBytes, text.data(), text.size());
+        end += kLengthBytes + text.size();
+    }
+    const int size = static_cast<int>(bytes);
+    m_featureArea.reset(true, area.release(), size, size);
+    for (std::size_t key = 1; key < m_keyStrings.size(); ++key) {
+        m_keyOffsets[key] = offsets[m_keyStrings[key]];
+    }
+}
+
+void TrieBuilder::makeTrie() {
+    m_trie = std::make_unique<KeyTrie>(m_keys);
+}
+
+Placement TrieBuilder::place(PlacementListener& listener) {
+    m_running = 0;
+    if (m_trie == nullptr || m_trie->empty()) return Placement::kNothingToPlace;
+    if (!m_featuresFit) return Placement::kNoRoom;
+    // write() counts one cell more than there are, and it must still fit.
+    m_cells.limitTo((kMaxImageBytes - m_featureArea.size()) / kCellBytes - 1);
+    m_cellOfRank.assign(m_trie->root().last, 0);
+
+    if (!placeRoot()) return Placement::kNoRoom;
+    for (const TrieNode& node : m_trie->sharedNodes()) {
+        count(node.passing(), listener);
+        if (!placeShared(node)) return Placement::kNoRoom;
+    }
+    m_cells.endWideSearches();
+    const bool fits = m_trie->forEachSolitaryNode([&](std::uint32_t rank, std::uint32_t depth) {
+        count(1, listener);
+        return placeSolitary(rank, depth);
+    });
+    if (!fits) return Placement::kNoRoom;
+    // Leaves got all there is to them with their parents; they only count.
+    for (std::uint64_t leaf = 0; leaf < m_trie->leafCount(); ++leaf) count(0, listener);
+    return Placement::kPlaced;
+}
+
+void TrieBuilder::count(std::uint64_t passing, PlacementListener& listener) {
+    m_running += passing;
+    if (m_running % PlacementListener::kReportStep == 0) {
+        listener.report(m_running, m_trie->totalPassing());
+    }
+}
+
+bool TrieBuilder::placeRoot() {
+    m_trie->childrenOf(m_trie->root(), m_children);
+    for (const TrieChild& child : m_children) {
+        if (!m_cells.takeRoot(child.label)) return false;
+        markEnd(child.label, child.begin, child.first);
+        if (!child.isLeaf()) m_cellOfRank[child.first] = child.label;
+    }
+    return true;
+}
+
+bool TrieBuilder::placeShared(const TrieNode& node) {
+    m_trie->childrenOf(node, m_children);
+    m_labels.clear();
+    for (const TrieChild& child : m_children) m_labels.push_back(child.label);
+    const std::int64_t base = m_cells.findBase(m_trie->leadingChild(m_children).label, m_labels);
+    if (base < 0) return false;
+    const std::int64_t parent = m_cellOfRank[node.first];
+    m_cells.setBase(parent, base);
+    for (const TrieChild& child : m_children) {
+        const std::int64_t index = base + child.label;
+        m_cells.takeChild(index, parent);
+        markEnd(index, child.begin, child.first);
+        if (!child.isLeaf()) m_cellOfRank[child.first] = static_cast<std::int32_t>(index);
+    }
+    return true;
+}
+
+bool TrieBuilder::placeSolitary(std::uint32_t rank, std::uint32_t depth) {
+    const KeyCodes key = m_trie->codesAt(rank);
+    const std::int32_t label = key[depth + 1];
+    const std::int64_t base = m_cells.findBaseOfOne(label);
+    if (base < 0) return false;
+    const std::int64_t parent = m_cellOfRank[rank];
+    const std::int64_t index = base + label;
+    m_cells.setBase(parent, base);
+    m_cells.takeChild(index, parent);
+    m_cellOfRank[rank] = static_cast<std::int32_t>(index);
+    if (key.length == depth + 2) markEnd(index, rank, rank + 1);
+    return true;
+}
+
+// Equal keys stand in order of their numbers: the first gives a leaf its number, and the last one
+// added decides the feature.
+void TrieBuilder::markEnd(std::int64_t index, std::uint32_t firstRank, std::uint32_t lastRank) {
+    if (firstRank == lastRank) return;
+    m_cells.markTerminal(index, static_cast<std::int32_t>(m_trie->keyAt(firstRank)),
+                         m_keyOffsets[m_trie->keyAt(lastRank - 1)]);
+}
+
+}  // namespace Dictionary

@@ -1,0 +1,88 @@
+// Helper, not installed: the quiet core of CDATWriter. Keys and feature strings in, placed cells
+// and feature area out; it writes to no stream.
+
+#ifndef DICTIONARY_TRIE_BUILDER_H
+#define DICTIONARY_TRIE_BUILDER_H
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "CellArray.h"
+#include "FeatureData.h"
+#include "KeyPool.h"
+#include "KeyTrie.h"
+#include "StringTable.h"
+
+namespace Dictionary {
+
+// Told how placement goes on.
+class PlacementListener {
+public:
+    virtual ~PlacementListener() = default;
+    // Before a node is placed with which the count of passing keys of all nodes so far, its own
+    // included, is a multiple of kReportStep.
+    virtual void report(std::uint64_t running, std::uint64_t total) = 0;
+
+    static constexpr std::uint64_t kReportStep = 100;
+};
+
+enum class Placement { kNothingToPlace, kPlaced, kNoRoom };
+
+class TrieBuilder {
+public:
+    explicit TrieBuilder(std::int32_t alphabetSize) : m_cells(alphabetSize) {}
+
+    const KeyPool& keys() const { return m_keys; }
+    CellArray& cells() { return m_cells; }
+    const CellArray& cells() const { return m_cells; }
+    const CFeatureDataContainer& featureArea() const { return m_featureArea; }
+    std::int32_t featureOffset(std::uint32_t key) const { return m_keyOffsets[key]; }
+
+    void reserve(std::size_t keys, std::size_t codes);
+    void addKey(const std::vector<int>& codes, std::string_view feature);
+    void attachFeature(std::string_view feature, int key);
+
+    // The stages of a build, in order. The first drops what an earlier build made.
+    void clear();
+    void storeFeatures();
+    void makeTrie();
+    Placement place(PlacementListener& listener);
+
+    // The count of passing keys over all nodes placed so far, the one under way included.
+    std::uint64_t runningCount() const { return m_running; }
+
+    // The same count over all nodes.
+    std::uint64_t totalPassing() const { return m_trie == nullptr ? 0 : m_trie->totalPassing(); }
+
+private:
+    static constexpr std::uint32_t kNoString = static_cast<std::uint32_t>(-1);
+
+    bool placeRoot();
+    bool placeShared(const TrieNode& node);
+    bool placeSolitary(std::uint32_t rank, std::uint32_t depth);
+    void markEnd(std::int64_t index, std::uint32_t firstRank, std::uint32_t lastRank);
+    void count(std::uint64_t passing, PlacementListener& listener);
+
+    KeyPool m_keys;
+    StringTable m_strings;                                  // every distinct feature string
+    std::vector<std::uint32_t> m_keyStrings = {kNoString};  // by key number; the first is none
+    std::vector<std::int32_t> m_keyOffsets = {kNoFeature};  // of the records, by key number
+    bool m_featuresFit = true;
+    CFeatureDataContainer m_featureArea;
+    std::unique_ptr<KeyTrie> m_trie;
+    CellArray m_cells;
+    std::uint64_t m_running = 0;
+
+    // The cell of the node placed next among those whose first passing key has a rank. There is
+    // never more than one: such nodes are ancestors of each other, and a parent is placed before
+    // its child gets a cell.
+    std::vector<std::int32_t> m_cellOfRank;
+    std::vector<TrieChild> m_children;  // of the node under way
+    std::vector<std::int32_t> m_labels;
+};
+
+}  // namespace Dictionary
+
+#endif

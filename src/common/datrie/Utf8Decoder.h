@@ -1,0 +1,79 @@
+// Helper, not installed: decodes UTF-8 under the coder's rules, many characters a call.
+
+#ifndef DICTIONARY_UTF8_DECODER_H
+#define DICTIONARY_UTF8_DECODER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace Dictionary {
+
+// The bytes of `text` to encode when `length` are asked for; 0, a negative and a too great length
+// ask for all.
+inline std::size_t encodedSize(const char* text, int length) {
+    const std::size_t size = std::strlen(text);
+    const auto limit = static_cast<std::size_t>(length);
+    return length > 0 && limit < size ? limit : size;
+}
+
+// What a legal UTF-8 sequence at `text` stands for; `length` is 0 when there is none.
+struct Utf8Character {
+    std::int32_t code;
+    std::uint32_t length;  // in bytes
+};
+
+inline bool isContinuation(std::uint8_t byte) {
+    return (byte & 0xC0u) == 0x80u;
+}
+
+// Decodes one character of at least two bytes, of which `left` bytes are there.
+inline Utf8Character decodeMultiByte(const std::uint8_t* text, std::size_t left) {
+    constexpr Utf8Character kIllegal = {0, 0};
+    const std::uint32_t lead = text[0];
+    const auto bits = [text](int i) { return static_cast<std::uint32_t>(text[i] & 0x3Fu); };
+    if (lead < 0xC2) return kIllegal;
+    if (lead < 0xE0) {
+        if (left < 2 || !isContinuation(text[1])) return kIllegal;
+        return {static_cast<std::int32_t>((lead & 0x1Fu) << 6 | bits(1)), 2};
+    }
+    if (lead < 0xF0) {
+        if (left < 3 || !isContinuation(text[1]) || !isContinuation(text[2])) return kIllegal;
+        const std::uint32_t code = (lead & 0x0Fu) << 12 | bits(1) << 6 | bits(2);
+        const bool overlong = code < 0x800;
+        const bool surrogate = code - 0xD800u < 0x800u;
+        if (overlong || surrogate) return kIllegal;
+        return {static_cast<std::int32_t>(code), 3};
+    }
+    if (left < 4 || !isContinuation(text[1]) || !isContinuation(text[2]) ||
+        !isContinuation(text[3])) {
+        return kIllegal;
+    }
+    const std::uint32_t code = (lead & 0x07u) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3);
+    const bool inRange = code - 0x10000u < 0x100000u;
+    if (lead > 0xF4 || !inRange) return kIllegal;
+    return {static_cast<std::int32_t>(code), 4};
+}
+
+// Calls `emit(code, start, length)` for every character of the `size` bytes at `text`, up to the
+// first sequence that is illegal or cut off.
+template <class Emit>
+void decodeUtf8(const char* text, std::size_t size, Emit emit) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text);
+    std::size_t start = 0;
+    while (start < size) {
+        if (bytes[start] < 0x80) {
+            emit(std::int32_t{bytes[start]}, start, 1u);
+            ++start;
+            continue;
+        }
+        const Utf8Character character = decodeMultiByte(bytes + start, size - start);
+        if (character.length == 0) return;
+        emit(character.code, start, character.length);
+        start += character.length;
+    }
+}
+
+}  // namespace Dictionary
+
+#endif
