@@ -52,8 +52,7 @@ DICTIONARY_EXPORT std::string trim(const std::string& text);
 
 // Replaces every `from` by `to`, from left to right; replaced text is not searched again. `from`
 // must not be empty: the call would never end. Returns 0, whatever was replaced.
-DICTIONARY_EXPORT int ReplaceAll(std::string& text, const std::string& from,
-                                 const std::string& to);
+DICTIONARY_EXPORT int ReplaceAll(std::string& text, const std::string& from, const std::string& to);
 
 // Replaces every byte `from` by `to` and returns the number of replacements.
 DICTIONARY_EXPORT int ReplaceChar(std::string& text, char from, char to);
@@ -126,8 +125,7 @@ DICTIONARY_EXPORT std::time_t Str2SecondsSimple(const std::string& timeText);
 // "note.txt" is not.
 //
 // A path that is no directory gives the path alone; if nothing exists there, after a line on
-// standard output. A directory that cannot be opened gives nothing. Calls for one directory must
-// not overlap with changes to it that the caller minds.
+// standard output. A directory that cannot be opened gives nothing.
 DICTIONARY_EXPORT int GetAllFileByDir(std::string path, std::vector<std::string>& files);
 
 // ---- Text cleaning
@@ -141,8 +139,9 @@ DICTIONARY_EXPORT int GetAllFileByDir(std::string path, std::vector<std::string>
 //
 // Reads at most `length` bytes of `text`, and the one after them when the last one can begin a
 // double-byte character. Stops early when more than 4094 bytes are written. Adds the number of
-// bytes that became blanks to *replacedCount and sets *consumed to the number of bytes read, which
-// is length + 1 when a character reaches past the end. A `length` below 1 gives the empty text.
+// single bytes that became blanks to *replacedCount and sets *consumed to the number of bytes used,
+// which is length + 1 when a character reaches past the end. A `length` below 1 gives the empty
+// text.
 //
 // Returns a static buffer with a terminating zero byte, valid until the next call. Not to be
 // called by two threads at once.

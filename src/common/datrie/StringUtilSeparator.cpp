@@ -27,7 +27,9 @@ int str2int(const std::string& text) {
     return value;
 }
 
-bool isDigit(char byte) { return std::isdigit(static_cast<unsigned char>(byte)) != 0; }
+bool isDigit(char byte) {
+    return std::isdigit(static_cast<unsigned char>(byte)) != 0;
+}
 
 bool beginsWith(std::string_view text, const EscapeForm& form) {
     if (text.substr(0, form.prefix.size()) != form.prefix) return false;

@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <tuple>
+
+#include "BoundaryText.h"
+#include "StringUtil.h"
+
+namespace {
+
+// The cleaned text, the count of replaced bytes, which starts at 100, and the consumed bytes.
+using Cleaned = std::tuple<std::string, int, std::size_t>;
+
+Cleaned clean(const char* text, std::size_t length) {
+    int replaced = 100;
+    int consumed = -1;
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
+    const unsigned char* const cleaned =
+        Dictionary::Escape(bytes, static_cast<int>(length), &replaced, &consumed);
+    return {reinterpret_cast<const char*>(cleaned), replaced, consumed};
+}
+
+// The same for a text without references.
+Cleaned cleanSlowly(std::string text, std::size_t length) {
+    int replaced = 100;
+    std::size_t i = 0;
+    for (; i < length; ++i) {
+        const int byte = text[i] & 0xFF;
+        const int next = text[i + 1] & 0xFF;
+        if (byte > 0x80 && byte < 0xFE && next >= 0x40 && next < 0xFF && next != 0x7F) {
+            ++i;
+        } else if ((byte < 0x20 || byte > 0x7E) &&
+                   std::string("\3\4\t\n\r").find(text[i]) == std::string::npos) {
+            text[i] = ' ';
+            ++replaced;
+        }
+    }
+    return {text.substr(0, i), replaced, i};
+}
+
+void expectOutput(const std::string& text, const std::string& expected) {
+    EXPECT_EQ(clean(placeAtPageEnd(text), text.size()), Cleaned(expected, 100, text.size()));
+}
+
+TEST(Escape, CleansEveryOneAndTwoBytes) {
+    for (int word = 0; word < 0x10000; ++word) {
+        const std::string text = {static_cast<char>(word >> 8), static_cast<char>(word), '\0'};
+        const char* const placed = placeAtPageEnd(text);
+        ASSERT_EQ(clean(placed, 1), cleanSlowly(text, 1)) << std::hex << word;
+        ASSERT_EQ(clean(placed, 2), cleanSlowly(text, 2)) << std::hex << word;
+    }
+}
+
+TEST(Escape, ReplacesTheKnownReferencesThatHaveEightBytes) {
+    std::map<int, std::string> known = {
+        {12289, ","}, {65292, ","},  {65534, " "}, {65535, " "}, {12290, "."},  {65294, "."},
+        {65306, ":"}, {65288, "("},  {65289, ")"}, {8216, "'"},  {8217, "'"},   {8242, "'"},
+        {8805, ">="}, {8804, "<="},  {8220, "\""}, {8221, "\""}, {12318, "\""}, {8243, "\""},
+        {65374, "~"}, {12319, "\""}, {8211, "-"},  {65293, "-"}};
+    for (int surrogate = 0xD800; surrogate <= 0xDFFF; ++surrogate) known[surrogate] = " ";
+    for (int number = 100; number <= 99999; ++number) {
+        const std::string reference = "&#" + std::to_string(number) + ";";
+        const bool isKnown = known.count(number) != 0;
+        for (std::size_t left = isKnown ? 0 : 2; left <= (isKnown ? 8 : 2); ++left) {
+            const bool isReplaced = isKnown && reference.size() + left >= 8;
+            const std::string rest(left, '7');
+            expectOutput(reference + rest, (isReplaced ? known[number] : reference) + rest);
+        }
+    }
+    expectOutput("&#08805;", ">=");
+    for (const char* text : {"&#12;45678", "&#652920;89", "&#65292 ;8", "&65292;890", "&8805&#;"}) {
+        expectOutput(text, text);
+    }
+}
+
+TEST(Escape, StopsAfterTheStepThatFillsTheBuffer) {
+    const std::string nearlyFull(4094, 'a');
+    const std::string longest = nearlyFull + "&#65000;";
+    EXPECT_EQ(clean((longest + "bc").c_str(), 4104), Cleaned(longest, 100, 4102));
+    EXPECT_EQ(clean((nearlyFull + "bc").c_str(), 4096), Cleaned(nearlyFull + "b", 100, 4095));
+    EXPECT_EQ(clean("text", 0), Cleaned("", 100, 0));
+}
+
+}  // namespace
