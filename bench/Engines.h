@@ -1,0 +1,47 @@
+// Everything that is measured: the neighbours and the library, as a list of types.
+
+#ifndef BENCH_ENGINES_H
+#define BENCH_ENGINES_H
+
+#include "DartsIndex.h"
+#include "DatrieIndex.h"
+#include "HashIndex.h"
+#include "Library.h"
+#include "MarisaIndex.h"
+
+namespace Bench {
+
+// The engine whose answers the others' are held against.
+using Reference = Neighbour<DartsIndex>;
+
+template <class T>
+struct Type {
+    using type = T;
+};
+
+// Calls use(Type<Engine>()) for every engine.
+template <class Use>
+void forEachEngine(Use use) {
+    use(Type<Reference>());
+    use(Type<Neighbour<MarisaIndex>>());
+    use(Type<Neighbour<DatrieIndex>>());
+    use(Type<Neighbour<HashIndex>>());
+    use(Type<Library>());
+}
+
+// Ends the program unless the engine finds every key with its text.
+template <class Engine>
+void checkKeys(const Engine& engine, const std::vector<Entry>& entries) {
+    constexpr std::size_t kShown = 60;
+    std::string text;
+    for (const Entry& entry : entries) {
+        engine.exact(std::string(entry.key), text);
+        if (text == entry.text) continue;
+        fail(std::string(Engine::kName) + ": another text for " +
+             std::string(entry.key, 0, kShown));
+    }
+}
+
+}  // namespace Bench
+
+#endif

@@ -1,0 +1,71 @@
+// marisa: a succinct, recursive Patricia trie over bytes, which numbers its keys as it likes.
+
+#ifndef BENCH_MARISA_INDEX_H
+#define BENCH_MARISA_INDEX_H
+
+#include <marisa.h>
+
+#include "Neighbour.h"
+
+namespace Bench {
+
+class MarisaIndex {
+public:
+    static constexpr const char* kName = "marisa";
+
+    void build(Keys& keys) {
+        marisa::Keyset set;
+        for (std::size_t i = 0; i < keys.starts.size(); ++i) {
+            set.push_back(keys.starts[i], keys.lengths[i]);
+        }
+        m_trie.build(set);
+        m_own.resize(set.size() + set.size() % 2);  // the trie behind them wants eight bytes
+        for (std::size_t i = 0; i < set.size(); ++i) m_own[set[i].id()] = keys.numbers[i];
+        m_numbers = m_own.data();
+    }
+
+    void write(std::FILE* file) const {
+        const std::uint64_t count = m_own.size();
+        std::fwrite(&count, sizeof count, 1, file);
+        std::fwrite(m_own.data(), sizeof(int), m_own.size(), file);
+        marisa::fwrite(file, m_trie);
+    }
+
+    void attach(char* bytes, std::size_t size) {
+        std::uint64_t count;
+        std::memcpy(&count, bytes, sizeof count);
+        m_numbers = reinterpret_cast<int*>(bytes + sizeof count);
+        const std::size_t before = sizeof count + count * sizeof(int);
+        m_trie.map(bytes + before, size - before);
+    }
+
+    int find(std::string_view key) const {
+        marisa::Agent& agent = ofThread();
+        agent.set_query(key.data(), key.size());
+        return m_trie.lookup(agent) ? m_numbers[agent.key().id()] : -1;
+    }
+
+    template <class Emit>
+    void prefixes(std::string_view text, Emit emit) const {
+        marisa::Agent& agent = ofThread();
+        agent.set_query(text.data(), text.size());
+        while (m_trie.common_prefix_search(agent)) {
+            emit(agent.key().length(), m_numbers[agent.key().id()]);
+        }
+    }
+
+private:
+    // An agent allocates when it is first used, so a thread keeps its own.
+    static marisa::Agent& ofThread() {
+        thread_local marisa::Agent agent;
+        return agent;
+    }
+
+    marisa::Trie m_trie;
+    std::vector<int> m_own;
+    const int* m_numbers = nullptr;  // by key id
+};
+
+}  // namespace Bench
+
+#endif
