@@ -22,6 +22,31 @@ void forEachBoundaryText(std::string text, int count, const Visit& visit) {
     for (const char byte : bytes) forEachBoundaryText(text + byte, count - 1, visit);
 }
 
+// Bytes behind which lies a page that cannot be read.
+class GuardedBytes {
+public:
+    explicit GuardedBytes(const std::string& bytes) {
+        const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        const std::size_t readable = (bytes.size() + page - 1) / page * page;
+        m_mapped = readable + page;
+        m_pages = static_cast<char*>(
+            mmap(nullptr, m_mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        mprotect(m_pages + readable, page, PROT_NONE);
+        m_bytes = m_pages + readable - bytes.size();
+        std::memcpy(m_bytes, bytes.data(), bytes.size());
+    }
+    ~GuardedBytes() { munmap(m_pages, m_mapped); }
+    GuardedBytes(const GuardedBytes&) = delete;
+    GuardedBytes& operator=(const GuardedBytes&) = delete;
+
+    char* data() const { return m_bytes; }
+
+private:
+    std::size_t m_mapped;
+    char* m_pages;
+    char* m_bytes;
+};
+
 // Copies `text` to the end of a page whose successor cannot be read. The next call overwrites it.
 inline const char* placeAtPageEnd(const std::string& text) {
     static char* const end = [] {

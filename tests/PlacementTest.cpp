@@ -25,7 +25,7 @@ public:
 struct KeySet {
     unsigned seed;
     int keys;
-    int letters;    // of the alphabet
+    int letters;  // of the alphabet
     int maxLength;
     bool sorted;
     bool reverse;
@@ -108,9 +108,10 @@ TEST(Placement, NodeByNodeEqualsAWholeBuild) {
         for (std::size_t length = 1; length <= text.size(); ++length) {
             std::vector<int> codes;
             for (std::size_t i = 0; i < length; ++i) codes.push_back(text[i] - '@');
-            auto& unit = units.try_emplace(text.substr(0, length),
-                                           Dictionary::SInnerDATWUnit{
-                                               codes, key, static_cast<int>(length) - 1, {}, {}, 0})
+            auto& unit = units
+                             .try_emplace(text.substr(0, length),
+                                          Dictionary::SInnerDATWUnit{
+                                              codes, key, static_cast<int>(length) - 1, {}, {}, 0})
                              .first->second;
             (length < text.size() ? unit.passingKeys : unit.endingKeys).insert(key);
         }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 #include <limits>
 #include <new>
 
@@ -15,8 +14,7 @@ constexpr std::size_t kMaxDigits = std::numeric_limits<std::size_t>::digits10 + 
 constexpr char kFieldEnd = '\t';
 
 char* put(char* out, std::string_view text) {
-    std::memcpy(out, text.data(), text.size());
-    return out + text.size();
+    return std::copy(text.begin(), text.end(), out);
 }
 
 }  // namespace

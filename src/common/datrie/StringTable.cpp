@@ -24,7 +24,7 @@ std::uint64_t leadingBytes(std::string_view text) {
 char* ByteArena::allocate(std::size_t bytes) {
     constexpr std::size_t kAlignment = alignof(void*);
     bytes = (bytes + kAlignment - 1) / kAlignment * kAlignment;
-    if (bytes > m_left) {
+    if (m_free == nullptr || bytes > m_left) {
         m_left = std::max(bytes, kBlockBytes);
         m_blocks.emplace_back(new char[m_left]);
         m_free = m_blocks.back().get();

@@ -35,7 +35,8 @@ typedef enum ConversionFlags {
 } ConversionFlags;
 
 /* Converts a whole UTF-32 source. Lenient: a surrogate value and a value above U+10FFFF become
- * U+FFFD. */
+ * U+FFFD. Strict: a value above U+10FFFF is passed over and the conversion goes on, with the
+ * result sourceIllegal at its end. A full target is reported before the next value is judged. */
 DICTIONARY_EXPORT ConversionResult ConvertUTF32toUTF16(const uint32_t** source,
                                                        const uint32_t* sourceEnd, uint16_t** target,
                                                        uint16_t* targetEnd, ConversionFlags flags);
@@ -74,7 +75,7 @@ DICTIONARY_EXPORT ConversionResult ConvertUTF8toUTF32(const uint8_t** source,
                                                       uint32_t* targetEnd, ConversionFlags flags);
 
 /* 1 when the bytes from source, as many as the first of them announces, lie before sourceEnd and
- * form one legal UTF-8 character, else 0. The byte at source is read in any case. */
+ * form one legal UTF-8 character, else 0. */
 DICTIONARY_EXPORT unsigned char isLegalUTF8Sequence(const uint8_t* source,
                                                     const uint8_t* sourceEnd);
 
