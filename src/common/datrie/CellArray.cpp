@@ -45,6 +45,12 @@ std::int64_t CellArray::firstFreeFrom(std::int64_t index) {
     return index;
 }
 
+void CellArray::expect(std::uint64_t nodes) {
+    constexpr std::uint64_t kSlack = 32;  // first fit leaves few cells free: one in as many
+    const auto rootCells = static_cast<std::uint64_t>(m_alphabetSize) + 1;
+    m_cells.reserve(static_cast<std::size_t>(rootCells + nodes + nodes / kSlack));
+}
+
 Cell& CellArray::use(std::int64_t index) {
     reserve(index + 1);
     m_highest = std::max(m_highest, index);

@@ -35,10 +35,15 @@ public:
                    : kFreeCell;
     }
 
+    void prefetch(std::int64_t index) const { __builtin_prefetch(m_cells.data() + index, 1); }
+
     // Raises the capacity by doublings to at least `size` cells.
     void reserve(std::int64_t size);
     // The first free cell at or after `index`, to which the capacity is raised.
     std::int64_t firstFreeFrom(std::int64_t index);
+
+    // Provides storage for about `nodes` nodes at once.
+    void expect(std::uint64_t nodes);
 
     // From here on no cell at or beyond `limit` is given out.
     void limitTo(std::int64_t limit) { m_limit = limit; }

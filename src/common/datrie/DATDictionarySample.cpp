@@ -20,6 +20,7 @@
 #include "ResultText.h"
 #include "SourceTable.h"
 #include "TextSearch.h"
+#include "TrieBuilder.h"
 
 namespace Dictionary {
 
@@ -51,12 +52,14 @@ std::string_view keyFromSource(std::string_view text) {
     return text == "\\n" ? "\n" : text;
 }
 
-void addAll(const SourceTable& table, CDATWriter& writer) {
+void addAll(const SourceTable& table, ICoderInterface& coder, TrieBuilder& builder) {
     MessageBlock messages(stderr);
+    builder.reserve(table.size(), table.keyBytes());
+    std::string key;
     std::string joined;
     for (const std::uint32_t number : table.sorted()) {
-        const std::string key(keyFromSource(table.key(number)));
-        if (!writer.addKeys(key.c_str(), std::string(table.data(number, joined)))) {
+        key = keyFromSource(table.key(number));
+        if (!builder.addKey(coder, key.c_str(), false, table.data(number, joined))) {
             messages << "wrong add a key : " << key << "\n";
         }
     }
@@ -77,7 +80,7 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
             source.release();
             return 0;
         }
-        addAll(table, *m_writer);
+        addAll(table, *m_coder, *m_writer->m_builder);
     }
     source.reset();
     m_writer->buildDAT();

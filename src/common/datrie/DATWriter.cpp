@@ -43,9 +43,16 @@ private:
     double m_seconds = 0;
 };
 
-char* store(char* out, std::int32_t value) {
+template <class Value>
+char* store(char* out, const Value& value) {
     std::memcpy(out, &value, sizeof value);
     return out + sizeof value;
+}
+
+// The cell as it stands in an image, where an untouched cell's check is 0.
+Cell imageCell(Cell cell) {
+    if (cell.check == kFreeCheck) cell.check = kFreeImageCheck;
+    return cell;
 }
 
 // The codes that follow a node, each once.
@@ -93,12 +100,7 @@ CDATWriter::~CDATWriter() = default;
 
 bool CDATWriter::addKeys(const char* key, std::string feature) {
     if (key == nullptr || m_coder == nullptr) return false;
-    std::vector<int> codes;
-    std::vector<SPOS> positions;
-    if (m_coder->encodeString(key, codes, positions, -1) == 0) return false;
-    if (m_reverse) std::reverse(codes.begin(), codes.end());
-    m_builder->addKey(codes, feature);
-    return true;
+    return m_builder->addKey(*m_coder, key, m_reverse, feature);
 }
 
 void CDATWriter::putFeature(std::string feature, int keyIndex) {
@@ -182,20 +184,10 @@ char* CDATWriter::write() {
     m_imageSize = static_cast<int>(cellBytes + area.size());
 
     std::unique_ptr<char[]> image(new char[static_cast<std::size_t>(m_imageSize)]);
-    char* out = image.get();
-    const auto put = [&out](const Cell& cell) {
-        std::memcpy(out, &cell, sizeof cell);
-        out += sizeof cell;
-    };
-    const auto imageCheck = [](const Cell& cell) {
-        return cell.check == kFreeCheck ? kFreeImageCheck : cell.check;
-    };
-    put(headerCell(area.size(), imageCheck(cells.cellAt(0)), static_cast<std::int32_t>(cellBytes)));
-    for (std::int64_t i = 1; i < count; ++i) {
-        Cell cell = cells.cellAt(i);
-        cell.check = imageCheck(cell);
-        put(cell);
-    }
+    const Cell header = headerCell(area.size(), imageCell(cells.cellAt(0)).check,
+                                   static_cast<std::int32_t>(cellBytes));
+    char* out = store(image.get(), header);
+    for (std::int64_t i = 1; i < count; ++i) out = store(out, imageCell(cells.cellAt(i)));
     std::copy_n(area.data(), area.size(), out);
     return image.release();
 }

@@ -55,6 +55,7 @@ std::uint32_t greatest(const std::vector<Item>& items, KeyOf keyOf) {
 
 KeyTrie::KeyTrie(const KeyPool& keys) : m_keys(keys) {
     m_order.reserve(keys.size());
+    m_runs.reserve(keys.size());
     for (std::uint32_t number = 1; number <= keys.size(); ++number) {
         if (keys[number].length > 0) m_order.push_back(number);
     }
@@ -172,7 +173,9 @@ void KeyTrie::addSolitaryRun(std::uint32_t rank) {
             }
         }
     }
-    if (run.depth + 1 < length) m_runs.push_back(run);
+    if (run.depth + 1 >= length) return;
+    m_solitaryCount += length - 1 - run.depth;
+    m_runs.push_back(run);
 }
 
 void KeyTrie::orderForPlacement() {

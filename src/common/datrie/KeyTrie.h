@@ -49,6 +49,7 @@ public:
     bool empty() const { return m_order.empty(); }
     std::uint64_t totalPassing() const { return m_totalPassing; }
     std::uint64_t leafCount() const { return m_leafCount; }
+    std::uint64_t nodeCount() const { return m_shared.size() + m_solitaryCount + m_leafCount; }
 
     // The nodes that at least two keys pass, in placement order.
     const std::vector<TrieNode>& sharedNodes() const { return m_shared; }
@@ -58,8 +59,18 @@ public:
     template <class Visit>
     bool forEachSolitaryNode(Visit visit) const;
 
-    // Fills `children` with the children of the node that ranks first to last - 1 pass at `depth`,
-    // by label; the children of the implicit root when `depth` is kRootDepth.
+    // Asks for the memory that childrenOf will need. Nodes that are placed one after the other lie
+    // far apart, so their cache misses are better taken together.
+    void prefetchKeysOf(const TrieNode& node) const {
+        __builtin_prefetch(&m_sharedPrefix[node.first]);
+        __builtin_prefetch(&m_order[node.first]);
+        m_keys.prefetch(node.first + 1);
+    }
+    void prefetchCodesOf(const TrieNode& node) const {
+        __builtin_prefetch(codesAt(node.first).codes + node.depth + 1);
+    }
+
+    // Fills `children` with the children of a node, by label.
     void childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const;
 
     // The implicit root: all ranks pass it, and its children stand at depth 0.
@@ -100,6 +111,7 @@ private:
     std::vector<SolitaryRun> m_runs;  // by depth, then maker
     std::uint64_t m_totalPassing = 0;
     std::uint64_t m_leafCount = 0;
+    std::uint64_t m_solitaryCount = 0;
 };
 
 template <class Visit>

@@ -10,6 +10,7 @@ std::uint32_t SourceTable::add(const std::vector<char*>& fields) {
     const std::uint32_t number = m_keys.add(fields.front());
     if (number == m_data.size()) {
         m_data.push_back({data, data});
+        m_keyBytes += m_keys[number].size();
         return number;
     }
     m_data[number].last->next = data;

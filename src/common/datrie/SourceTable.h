@@ -22,6 +22,7 @@ public:
     std::uint32_t add(const std::vector<char*>& fields);
 
     std::uint32_t size() const { return m_keys.size(); }
+    std::size_t keyBytes() const { return m_keyBytes; }
     std::string_view key(std::uint32_t number) const { return m_keys[number]; }
 
     // Calls `piece(text)` for the pieces of a key's data, in order, separators included.
@@ -59,6 +60,7 @@ private:
     StringTable m_keys;
     ByteArena m_arena;
     std::vector<DataList> m_data;  // by key number
+    std::size_t m_keyBytes = 0;    // of all keys together
 };
 
 }  // namespace Dictionary

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
-#include <utility>
 
 namespace Dictionary {
 
@@ -17,6 +16,37 @@ std::uint64_t leadingBytes(std::string_view text) {
     std::uint64_t lead = 0;
     std::memcpy(&lead, text.data(), std::min(text.size(), sizeof lead));
     return __builtin_bswap64(lead);
+}
+
+// A string's number with its first bytes.
+struct Led {
+    std::uint64_t lead;
+    std::uint32_t number;
+};
+
+constexpr int kDigitBits = 8;
+constexpr int kTopShift = 64 - kDigitBits;
+
+// Radix sort by the byte of the lead at `shift` and those after it; few strings, and those of
+// equal leads, are left to a sort by `before`.
+template <class Before>
+void sortByLead(Led* strings, Led* scratch, std::size_t count, int shift, const Before& before) {
+    constexpr std::size_t kFew = 64;
+    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
+    if (count <= kFew || shift < 0) return std::sort(strings, strings + count, before);
+
+    const auto digit = [shift](const Led& string) { return string.lead >> shift & (kDigits - 1); };
+    std::size_t ends[kDigits] = {};
+    for (std::size_t i = 0; i < count; ++i) ++ends[digit(strings[i])];
+    for (std::size_t i = 1; i < kDigits; ++i) ends[i] += ends[i - 1];
+    std::copy_n(strings, count, scratch);
+    std::size_t starts[kDigits];
+    std::copy_n(ends, kDigits, starts);
+    for (std::size_t i = count; i > 0; --i)
+        strings[--starts[digit(scratch[i - 1])]] = scratch[i - 1];
+    for (std::size_t i = 0; i < kDigits; ++i) {
+        sortByLead(strings + starts[i], scratch, ends[i] - starts[i], shift - kDigitBits, before);
+    }
 }
 
 }  // namespace
@@ -43,45 +73,48 @@ std::string_view ByteArena::keep(std::string_view text) {
 
 std::uint32_t StringTable::add(std::string_view text) {
     if (m_entries.size() * 2 >= m_slots.size()) grow();
-    const std::size_t hash = std::hash<std::string_view>()(text);
+    const auto hash = static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
     const std::size_t mask = m_slots.size() - 1;
-    std::size_t slot = hash & mask;
-    for (; m_slots[slot] != 0; slot = (slot + 1) & mask) {
-        const Entry& entry = m_entries[m_slots[slot] - 1];
-        if (entry.hash == hash && entry.text == text) return m_slots[slot] - 1;
+    for (std::size_t i = hash & mask; m_slots[i].entry != 0; i = (i + 1) & mask) {
+        const std::uint32_t number = m_slots[i].entry - 1;
+        if (m_slots[i].hash == hash && (*this)[number] == text) return number;
     }
-    m_entries.push_back({m_arena.keep(text), hash});
-    m_slots[slot] = size();
-    return size() - 1;
+    const std::uint32_t number = size();
+    const std::string_view kept = m_arena.keep(text);
+    m_entries.push_back({kept.data(), static_cast<std::uint32_t>(kept.size()), hash});
+    fill(hash, number);
+    return number;
+}
+
+void StringTable::fill(std::uint32_t hash, std::uint32_t number) {
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t i = hash & mask;
+    while (m_slots[i].entry != 0) i = (i + 1) & mask;
+    m_slots[i] = {hash, number + 1};
 }
 
 void StringTable::grow() {
-    m_slots.assign(std::max(kFirstSlots, m_slots.size() * 2), 0);
-    const std::size_t mask = m_slots.size() - 1;
-    std::uint32_t number = 0;
-    for (const Entry& entry : m_entries) {
-        std::size_t slot = entry.hash & mask;
-        while (m_slots[slot] != 0) slot = (slot + 1) & mask;
-        m_slots[slot] = ++number;
-    }
+    m_slots.assign(std::max(kFirstSlots, m_slots.size() * 2), {0, 0});
+    for (std::uint32_t number = 0; number < size(); ++number) fill(m_entries[number].hash, number);
 }
 
 std::vector<std::uint32_t> StringTable::sorted() const {
-    std::vector<std::pair<std::uint64_t, std::uint32_t> > byLead;
-    byLead.reserve(m_entries.size());
+    std::vector<Led> strings;
+    strings.reserve(m_entries.size());
     for (std::uint32_t number = 0; number < size(); ++number) {
-        byLead.emplace_back(leadingBytes((*this)[number]), number);
+        strings.push_back({leadingBytes((*this)[number]), number});
     }
-    const auto before = [this](const auto& left, const auto& right) {
-        if (left.first != right.first) return left.first < right.first;
-        return (*this)[left.second] < (*this)[right.second];
+    const auto before = [this](const Led& left, const Led& right) {
+        if (left.lead != right.lead) return left.lead < right.lead;
+        return (*this)[left.number] < (*this)[right.number];
     };
-    if (!std::is_sorted(byLead.begin(), byLead.end(), before)) {
-        std::sort(byLead.begin(), byLead.end(), before);
+    if (!std::is_sorted(strings.begin(), strings.end(), before)) {
+        std::vector<Led> scratch(strings.size());
+        sortByLead(strings.data(), scratch.data(), strings.size(), kTopShift, before);
     }
-    std::vector<std::uint32_t> order(byLead.size());
-    std::transform(byLead.begin(), byLead.end(), order.begin(),
-                   [](const auto& entry) { return entry.second; });
+    std::vector<std::uint32_t> order(strings.size());
+    std::transform(strings.begin(), strings.end(), order.begin(),
+                   [](const Led& string) { return string.number; });
     return order;
 }
 

@@ -30,22 +30,31 @@ public:
     std::uint32_t add(std::string_view text);
 
     std::uint32_t size() const { return static_cast<std::uint32_t>(m_entries.size()); }
-    std::string_view operator[](std::uint32_t number) const { return m_entries[number].text; }
+    std::string_view operator[](std::uint32_t number) const {
+        return {m_entries[number].text, m_entries[number].length};
+    }
 
     // The numbers of all strings in bytewise order of these.
     std::vector<std::uint32_t> sorted() const;
 
 private:
     struct Entry {
-        std::string_view text;
-        std::size_t hash;
+        const char* text;
+        std::uint32_t length;
+        std::uint32_t hash;
+    };
+    // Holds an entry's hash, too, so that a probe seldom looks at a string that is not the one.
+    struct Slot {
+        std::uint32_t hash;
+        std::uint32_t entry;  // number plus 1, or 0
     };
 
     void grow();
+    void fill(std::uint32_t hash, std::uint32_t number);
 
     ByteArena m_arena;
     std::vector<Entry> m_entries;
-    std::vector<std::uint32_t> m_slots;  // entry number plus 1, or 0; a power of two of them
+    std::vector<Slot> m_slots;  // a power of two of them, probed one after the other
 };
 
 }  // namespace Dictionary

@@ -1,7 +1,7 @@
 #include "TrieBuilder.h"
 
+#include <algorithm>
 #include <cstring>
-#include <limits>
 
 #include "ImageFormat.h"
 
@@ -24,11 +24,17 @@ void TrieBuilder::reserve(std::size_t keys, std::size_t codes) {
     m_keyOffsets.reserve(keys + 1);
 }
 
-void TrieBuilder::addKey(const std::vector<int>& codes, std::string_view feature) {
+bool TrieBuilder::addKey(ICoderInterface& coder, const char* key, bool reverse,
+                         std::string_view feature) {
+    m_codes.clear();
+    m_positions.clear();
+    if (coder.encodeString(key, m_codes, m_positions, -1) == 0) return false;
+    if (reverse) std::reverse(m_codes.begin(), m_codes.end());
     const std::uint32_t string = m_strings.add(feature);
-    m_keys.add(codes);
+    m_keys.add(m_codes);
     m_keyStrings.push_back(string);
     m_keyOffsets.push_back(kNoFeature);
+    return true;
 }
 
 void TrieBuilder::attachFeature(std::string_view feature, int key) {
@@ -76,32 +82,54 @@ void TrieBuilder::makeTrie() {
 
 Placement TrieBuilder::place(PlacementListener& listener) {
     m_running = 0;
+    m_total = m_trie == nullptr ? 0 : m_trie->totalPassing();
     if (m_trie == nullptr || m_trie->empty()) return Placement::kNothingToPlace;
     if (!m_featuresFit) return Placement::kNoRoom;
     // write() counts one cell more than there are, and it must still fit.
     m_cells.limitTo((kMaxImageBytes - m_featureArea.size()) / kCellBytes - 1);
+    m_cells.expect(m_trie->nodeCount());
     m_cellOfRank.assign(m_trie->root().last, 0);
+    const bool fits = placeAll(listener);
+    m_trie.reset();
+    std::vector<std::int32_t>().swap(m_cellOfRank);
+    return fits ? Placement::kPlaced : Placement::kNoRoom;
+}
 
-    if (!placeRoot()) return Placement::kNoRoom;
-    for (const TrieNode& node : m_trie->sharedNodes()) {
-        count(node.passing(), listener);
-        if (!placeShared(node)) return Placement::kNoRoom;
-    }
+bool TrieBuilder::placeAll(PlacementListener& listener) {
+    if (!placeRoot() || !placeAllShared(listener)) return false;
     m_cells.endWideSearches();
     const bool fits = m_trie->forEachSolitaryNode([&](std::uint32_t rank, std::uint32_t depth) {
         count(1, listener);
         return placeSolitary(rank, depth);
     });
-    if (!fits) return Placement::kNoRoom;
+    if (!fits) return false;
     // Leaves got all there is to them with their parents; they only count.
     for (std::uint64_t leaf = 0; leaf < m_trie->leafCount(); ++leaf) count(0, listener);
-    return Placement::kPlaced;
+    return true;
+}
+
+bool TrieBuilder::placeAllShared(PlacementListener& listener) {
+    constexpr std::size_t kFarAhead = 16;
+    constexpr std::size_t kNearAhead = 8;
+    const std::vector<TrieNode>& nodes = m_trie->sharedNodes();
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        if (i + kFarAhead < nodes.size()) {
+            const TrieNode& far = nodes[i + kFarAhead];
+            m_trie->prefetchKeysOf(far);
+            __builtin_prefetch(&m_cellOfRank[far.first]);
+            m_trie->prefetchCodesOf(nodes[i + kNearAhead]);
+            m_cells.prefetch(m_cellOfRank[nodes[i + kNearAhead].first]);
+        }
+        count(nodes[i].passing(), listener);
+        if (!placeShared(nodes[i])) return false;
+    }
+    return true;
 }
 
 void TrieBuilder::count(std::uint64_t passing, PlacementListener& listener) {
     m_running += passing;
     if (m_running % PlacementListener::kReportStep == 0) {
-        listener.report(m_running, m_trie->totalPassing());
+        listener.report(m_running, m_total);
     }
 }
 

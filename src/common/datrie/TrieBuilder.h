@@ -14,6 +14,7 @@
 #include "KeyPool.h"
 #include "KeyTrie.h"
 #include "StringTable.h"
+#include "UTF8Coder.h"
 
 namespace Dictionary {
 
@@ -41,7 +42,8 @@ public:
     std::int32_t featureOffset(std::uint32_t key) const { return m_keyOffsets[key]; }
 
     void reserve(std::size_t keys, std::size_t codes);
-    void addKey(const std::vector<int>& codes, std::string_view feature);
+    // Encodes and adds a key; false when the coder refuses it.
+    bool addKey(ICoderInterface& coder, const char* key, bool reverse, std::string_view feature);
     void attachFeature(std::string_view feature, int key);
 
     // The stages of a build, in order. The first drops what an earlier build made.
@@ -54,12 +56,14 @@ public:
     std::uint64_t runningCount() const { return m_running; }
 
     // The same count over all nodes.
-    std::uint64_t totalPassing() const { return m_trie == nullptr ? 0 : m_trie->totalPassing(); }
+    std::uint64_t totalPassing() const { return m_total; }
 
 private:
     static constexpr std::uint32_t kNoString = static_cast<std::uint32_t>(-1);
 
+    bool placeAll(PlacementListener& listener);
     bool placeRoot();
+    bool placeAllShared(PlacementListener& listener);
     bool placeShared(const TrieNode& node);
     bool placeSolitary(std::uint32_t rank, std::uint32_t depth);
     void markEnd(std::int64_t index, std::uint32_t firstRank, std::uint32_t lastRank);
@@ -74,11 +78,14 @@ private:
     std::unique_ptr<KeyTrie> m_trie;
     CellArray m_cells;
     std::uint64_t m_running = 0;
+    std::uint64_t m_total = 0;
 
     // The cell of the node placed next among those whose first passing key has a rank. There is
     // never more than one: such nodes are ancestors of each other, and a parent is placed before
     // its child gets a cell.
     std::vector<std::int32_t> m_cellOfRank;
+    std::vector<int> m_codes;           // of the key being added
+    std::vector<SPOS> m_positions;      // likewise
     std::vector<TrieChild> m_children;  // of the node under way
     std::vector<std::int32_t> m_labels;
 };
