@@ -91,11 +91,14 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
 int CDictionayApp::writeBinaryDic(const char* fileName) {
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(fileName, "wb"));
     if (file == nullptr) return 0;
-    const std::unique_ptr<char[]> image(m_writer->write());
-    const int size = m_writer->imageSize();
-    (StreamMessage() << "size of dictionary : " << std::to_string(size).c_str()).print(stderr);
-    // Kept: neither this result nor that of closing the file is looked at.
-    std::fwrite(image.get(), 1, static_cast<std::size_t>(size), file.get());
+    // The image goes to the file piece by piece, so that it never stands in memory twice.
+    m_writer->m_imageSize = m_writer->m_builder->writeImage(
+        [](std::int32_t size) {
+            (StreamMessage() << "size of dictionary : " << std::to_string(size).c_str())
+                .print(stderr);
+        },
+        [&](const char* bytes, std::size_t size) { std::fwrite(bytes, 1, size, file.get()); });
+    // Kept: neither these results nor that of closing the file is looked at.
     return 1;
 }
 

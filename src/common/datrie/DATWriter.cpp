@@ -49,12 +49,6 @@ char* store(char* out, const Value& value) {
     return out + sizeof value;
 }
 
-// The cell as it stands in an image, where an untouched cell's check is 0.
-Cell imageCell(Cell cell) {
-    if (cell.check == kFreeCheck) cell.check = kFreeImageCheck;
-    return cell;
-}
-
 // The codes that follow a node, each once.
 std::vector<std::int32_t> labelsBelow(const KeyPool& keys, const SInnerDATWUnit& unit) {
     const auto next = static_cast<std::uint32_t>(unit.depth) + 1;
@@ -175,20 +169,16 @@ void CDATWriter::reallocBC(int size) {
     m_builder->cells().reserve(size);
 }
 
+// Kept: every call counts one cell more.
 char* CDATWriter::write() {
-    CellArray& cells = m_builder->cells();
-    // Kept: every call counts one cell more.
-    const std::int64_t count = cells.countOneMore();
-    const CFeatureDataContainer& area = m_builder->featureArea();
-    const std::int64_t cellBytes = count * kCellBytes;
-    m_imageSize = static_cast<int>(cellBytes + area.size());
-
-    std::unique_ptr<char[]> image(new char[static_cast<std::size_t>(m_imageSize)]);
-    const Cell header = headerCell(area.size(), imageCell(cells.cellAt(0)).check,
-                                   static_cast<std::int32_t>(cellBytes));
-    char* out = store(image.get(), header);
-    for (std::int64_t i = 1; i < count; ++i) out = store(out, imageCell(cells.cellAt(i)));
-    std::copy_n(area.data(), area.size(), out);
+    std::unique_ptr<char[]> image;
+    char* out = nullptr;
+    m_imageSize = m_builder->writeImage(
+        [&](std::int32_t size) {
+            image.reset(new char[static_cast<std::size_t>(size)]);
+            out = image.get();
+        },
+        [&](const char* bytes, std::size_t size) { out = std::copy_n(bytes, size, out); });
     return image.release();
 }
 

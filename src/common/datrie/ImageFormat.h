@@ -32,6 +32,12 @@ constexpr Cell kFreeCell = {0, kFreeCheck, kNoFeature};
 constexpr std::int32_t kCellBytes = sizeof(Cell);
 constexpr std::int64_t kMaxImageBytes = std::numeric_limits<std::int32_t>::max();
 
+// A cell as it stands in the image, where an untouched cell's check is 0.
+inline Cell imageCell(Cell cell) {
+    if (cell.check == kFreeCheck) cell.check = kFreeImageCheck;
+    return cell;
+}
+
 inline bool endsKey(const Cell& cell) {
     return cell.base < 0;
 }

@@ -4,6 +4,8 @@
 #ifndef DICTIONARY_TRIE_BUILDER_H
 #define DICTIONARY_TRIE_BUILDER_H
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -52,6 +54,11 @@ public:
     void makeTrie();
     Placement place(PlacementListener& listener);
 
+    // Counts one cell more and calls `sink(bytes, size)` for the pieces of the image of as many
+    // cells, in order. Returns the image's size in bytes. `announce(size)` is called before.
+    template <class Announce, class Sink>
+    std::int32_t writeImage(Announce announce, Sink sink);
+
     // The count of passing keys over all nodes placed so far, the one under way included.
     std::uint64_t runningCount() const { return m_running; }
 
@@ -89,6 +96,27 @@ private:
     std::vector<TrieChild> m_children;  // of the node under way
     std::vector<std::int32_t> m_labels;
 };
+
+template <class Announce, class Sink>
+std::int32_t TrieBuilder::writeImage(Announce announce, Sink sink) {
+    constexpr std::int64_t kBlockCells = 2048;
+    const std::int64_t count = m_cells.countOneMore();
+    const std::int64_t cellBytes = count * kCellBytes;
+    const auto size = static_cast<std::int32_t>(cellBytes + m_featureArea.size());
+    announce(size);
+    Cell block[kBlockCells];
+    for (std::int64_t from = 0; from < count; from += kBlockCells) {
+        const std::int64_t cells = std::min(kBlockCells, count - from);
+        for (std::int64_t i = 0; i < cells; ++i) block[i] = imageCell(m_cells.cellAt(from + i));
+        if (from == 0) {
+            block[0] = headerCell(m_featureArea.size(), block[0].check,
+                                  static_cast<std::int32_t>(cellBytes));
+        }
+        sink(reinterpret_cast<const char*>(block), static_cast<std::size_t>(cells * kCellBytes));
+    }
+    sink(m_featureArea.data(), static_cast<std::size_t>(m_featureArea.size()));
+    return size;
+}
 
 }  // namespace Dictionary
 
