@@ -26,6 +26,8 @@ namespace Dictionary {
 
 namespace {
 
+constexpr int kNoFile = -1;
+
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -103,8 +105,9 @@ int CDictionayApp::writeBinaryDic(const char* fileName) {
 }
 
 int CDictionayApp::loadBinaryDic(const char* fileName) {
-    const int file = open(fileName, O_RDONLY);
-    if (file == -1) {
+    // No null name reaches the C library, which counts on that.
+    const int file = fileName == nullptr ? kNoFile : open(fileName, O_RDONLY);
+    if (file == kNoFile) {
         (StreamMessage() << "Error open binary dic : " << fileName << " " << std::strerror(errno))
             .print(stderr);
         return 0;

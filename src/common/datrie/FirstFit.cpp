@@ -1,5 +1,6 @@
 #include "FirstFit.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace Dictionary {
@@ -12,6 +13,9 @@ using Lanes __attribute__((vector_size(Bytes))) = std::uint64_t;
 
 constexpr std::size_t kLaneBytes = sizeof(std::uint64_t);
 
+// To test for zero costs more than to look at a stream.
+constexpr std::size_t kBetweenTests = 4;
+
 // Inlined into a caller for each width, which sets the instructions that may be used.
 template <std::size_t Bytes>
 [[gnu::always_inline]] inline void load(Lanes<Bytes>& lanes, const std::uint8_t* from) {
@@ -20,9 +24,13 @@ template <std::size_t Bytes>
 
 template <std::size_t Bytes>
 [[gnu::always_inline]] inline bool isZero(const Lanes<Bytes>& lanes) {
-    std::uint64_t any = 0;
-    for (std::size_t lane = 0; lane < Bytes / kLaneBytes; ++lane) any |= lanes[lane];
-    return any == 0;
+    if constexpr (Bytes > 2 * kLaneBytes) {
+        Lanes<Bytes / 2> halves[2];
+        std::memcpy(halves, &lanes, Bytes);
+        return isZero<Bytes / 2>(halves[0] | halves[1]);
+    } else {
+        return (lanes[0] | lanes[1]) == 0;
+    }
 }
 
 template <std::size_t Bytes>
@@ -37,13 +45,18 @@ template <std::size_t Bytes>
 
 template <std::size_t Bytes>
 [[gnu::always_inline]] inline std::int64_t search(const std::vector<const std::uint8_t*>& streams) {
+    const std::size_t count = streams.size();
     for (std::size_t byte = 0;; byte += Bytes) {
         Lanes<Bytes> fitting;
         load<Bytes>(fitting, streams[0] + byte);
-        for (std::size_t i = 1; i < streams.size() && !isZero<Bytes>(fitting); ++i) {
-            Lanes<Bytes> bits;
-            load<Bytes>(bits, streams[i] + byte);
-            fitting &= bits;
+        std::size_t i = 1;
+        while (i < count && !isZero<Bytes>(fitting)) {
+            const std::size_t stop = std::min(count, i == 1 ? 2 : i + kBetweenTests);
+            for (; i < stop; ++i) {
+                Lanes<Bytes> bits;
+                load<Bytes>(bits, streams[i] + byte);
+                fitting &= bits;
+            }
         }
         if (!isZero<Bytes>(fitting)) {
             return static_cast<std::int64_t>(byte * 8) + firstBit<Bytes>(fitting);

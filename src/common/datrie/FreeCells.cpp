@@ -60,6 +60,9 @@ const std::uint8_t* FreeCells::bitsFrom(std::int64_t cell) const {
 std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets) {
     if (m_copiesKept < kCopies) restoreCopies();
 
+    std::int64_t& bound = boundOf(offsets);
+    from = std::max(from, bound);
+
     // At the latest, everything fits where all of it lies behind the last cell taken.
     std::int64_t least = 0;
     std::int64_t most = 0;
@@ -71,7 +74,15 @@ std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64
 
     std::vector<const std::uint8_t*> streams = {bitsFrom(from)};
     for (const std::int64_t offset : offsets) streams.push_back(bitsFrom(from + offset));
-    return from + firstFitKernels().back().search(streams);
+    bound = from + firstFitKernels().back().search(streams);
+    return bound;
+}
+
+std::int64_t& FreeCells::boundOf(const std::vector<std::int64_t>& offsets) {
+    const std::uint32_t pattern = m_patterns.add(
+        {reinterpret_cast<const char*>(offsets.data()), offsets.size() * sizeof offsets[0]});
+    if (pattern == m_bounds.size()) m_bounds.push_back(0);
+    return m_bounds[pattern];
 }
 
 void FreeCells::dropCopies() {

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "StringTable.h"
+
 namespace Dictionary {
 
 // A bitmap, one bit a cell, that is free without end behind what was taken so far. While wide
@@ -37,13 +39,17 @@ private:
     static constexpr unsigned kCopies = 8;
 
     void cover(std::int64_t cell);
+    std::int64_t& boundOf(const std::vector<std::int64_t>& offsets);
     void restoreCopies();
     const std::uint8_t* bitsFrom(std::int64_t cell) const;
 
     std::array<std::vector<std::uint8_t>, kCopies> m_copies;  // copy s: bit i is cell i + s
     unsigned m_copiesKept = kCopies;
-    std::int64_t m_end;      // every cell from here on is free
-    std::int64_t m_covered;  // cells that the bitmap holds
+    // Cells only ever become taken, so a set of offsets never fits before where it fitted last.
+    StringTable m_patterns;              // sets of offsets, as their bytes
+    std::vector<std::int64_t> m_bounds;  // where each fitted last
+    std::int64_t m_end;                  // every cell from here on is free
+    std::int64_t m_covered;              // cells that the bitmap holds
 };
 
 }  // namespace Dictionary

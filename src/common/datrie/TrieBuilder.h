@@ -114,7 +114,9 @@ std::int32_t TrieBuilder::writeImage(Announce announce, Sink sink) {
         }
         sink(reinterpret_cast<const char*>(block), static_cast<std::size_t>(cells * kCellBytes));
     }
-    sink(m_featureArea.data(), static_cast<std::size_t>(m_featureArea.size()));
+    if (m_featureArea.size() > 0) {
+        sink(m_featureArea.data(), static_cast<std::size_t>(m_featureArea.size()));
+    }
     return size;
 }
 
