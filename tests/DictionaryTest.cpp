@@ -1,0 +1,216 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <random>
+#include <thread>
+#include <tuple>
+
+#include "DATDictionarySample.h"
+#include "DATInterface.h"
+#include "TemporaryFile.h"
+
+namespace {
+
+using Dictionary::CDictionayApp;
+using Texts = std::vector<std::string>;
+using Data = std::map<std::string, std::string>;
+using Handle = std::unique_ptr<void, decltype(&destroyBin)>;
+
+struct Printed {
+    std::string out, err;
+};
+
+template <typename Action>
+Printed printedBy(Action action) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    action();
+    return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+}
+
+std::string take(char* text) {
+    const std::string taken(text);
+    freeResult(text);
+    return taken;
+}
+
+// An image built from a source, and loaded.
+struct Image {
+    explicit Image(const std::string& text) : source(text), handle(nullptr, destroyBin) {
+        printed = printedBy([this] { buildTree(source.path(), file.path()); });
+        handle.reset(loadBin(file.path()));
+    }
+
+    TemporaryFile source, file;
+    Printed printed;
+    Handle handle;
+};
+
+CDictionayApp& appOf(const Handle& handle) {
+    return *static_cast<CDictionayApp*>(handle.get());
+}
+
+constexpr int kNothingPlaced = -1;
+
+bool isProgress(const std::string& text, int total) {
+    if (total == kNothingPlaced) return text.empty();
+    const std::string rest =
+        " cost time: [0-9]+\\.[0-9]{6} seconds ALL STATE: " + std::to_string(total) + "\r";
+    const std::string lines =
+        "(percent :([01]\\.[0-9]{2}|-?nan)" + rest + ")*percent :1\\.00" + rest + "\n";
+    return testing::internal::RE::FullMatch(text, lines);
+}
+
+// A source, what a build says, the total of its progress lines, the image's size and data of keys,
+// empty for a key that is not there.
+using Build = std::tuple<std::string, std::string, int, std::size_t, Data>;
+constexpr std::size_t kCell = 12, kTwoDeepCells = 65539 * kCell;
+const Build kBuilds[] = {
+    Build("", "Build OK\n", kNothingPlaced, kCell, {{"a", ""}}),
+    Build("abc\tnoun\t5\nabc\tx\nlost\ty", "noun\t5\t\nnoun\t5\t;x\t\nBuild OK\n", 2,
+          kTwoDeepCells + 14, {{"abc", "noun\t5\t;x\t"}, {"ab", ""}, {"lost", ""}}),
+    Build("a\tx\na\ty\nB\t\na\tz\nc\t\t\nd\t\n",
+          "x\t\nx\t;y\t\n\t\nx\t;y\t;z\t\n\t\t\n\t\nBuild OK\n", 0, ('d' + 1) * kCell + 23,
+          {{"a", "x\t;y\t;z\t"}, {"B", "\t"}, {"c", "\t\t"}, {"d", "\t"}, {"", ""}}),
+    Build("\\n\tx\na\\n\ty\n", "x\t\ny\t\nBuild OK\n", 2, kTwoDeepCells + 12,
+          {{"\n", "x\t"}, {"\\n", ""}, {"a\\n", "y\t"}, {"a\n", ""}}),
+    Build("ab\tx\nb\ty\nnone\nc\tz\n", "x\t\ny\t\nWrong format of file : none\n", kNothingPlaced,
+          kCell, {{"ab", ""}, {"b", ""}, {"c", ""}}),
+    Build("a\tx\n\n", "x\t\nWrong format of file : \n", kNothingPlaced, kCell, {{"a", ""}}),
+    Build("a\U0001F600\tx\nb\ty\n", "x\t\ny\t\nwrong add a key : a\U0001F600\nBuild OK\n", 0,
+          ('b' + 1) * kCell + 6, {{"a", ""}, {"b", "y\t"}})};
+
+TEST(Dictionary, BuildsSaysAndFinds) {
+    for (const auto& [source, err, total, size, data] : kBuilds) {
+        const Image image(source);
+        EXPECT_EQ(image.printed.err, err + "size of dictionary : " + std::to_string(size) + "\n\n");
+        EXPECT_TRUE(isProgress(image.printed.out, total)) << image.printed.out;
+        EXPECT_EQ(image.file.content().size(), size) << source;
+        for (const auto& entry : data) {
+            std::string feature = "before";
+            const char* const key = entry.first.c_str();
+            const auto shown = printedBy([&] { appOf(image.handle).showExactMatch(key, feature); });
+            EXPECT_EQ(feature, entry.second) << key;
+            EXPECT_EQ(shown.err, "EXACT MATCH" + entry.first + " : " + entry.second + "\n\n");
+        }
+    }
+}
+
+TEST(Dictionary, BuildsWithOtherSeparatorsAndSaysWhetherItDid) {
+    const TemporaryFile source("a\t,x\r\nb\n,y\r\n"), file;
+    CDictionayApp app, stopped;
+    const Printed built = printedBy([&] {
+        EXPECT_EQ(app.buildDic(source.path(), "\\044", "\\013\\010"), 1);
+        EXPECT_EQ(app.writeBinaryDic("/no/such/folder/image"), 0);
+    });
+    EXPECT_EQ(built.err, "x\t\ny\t\nBuild OK\n");
+    printedBy([&] {
+        EXPECT_EQ(app.writeBinaryDic(file.path()), 1);
+        EXPECT_EQ(stopped.buildDic(source.path(), ";", "\n"), 0);
+    });
+    const Handle handle(loadBin(file.path()), destroyBin);
+    EXPECT_EQ(take(search("a\tb\n", handle.get(), true)), "a\t/0:x\t\tb\n/2:y\t\t");
+}
+
+TEST(Dictionary, SaysWhyAnImageIsNotLoaded) {
+    const TemporaryFile empty;
+    const std::string mapping = std::string("Error Mapping file : ") + empty.path();
+    const std::pair<const char*, std::string> cases[] = {
+        {"/no/such", "Error open binary dic : /no/such No such file or directory\n\n"},
+        {nullptr, "Error open binary dic : \n"},
+        {empty.path(), mapping + " Invalid argument\n\n"}};
+    for (const auto& expected : cases) {
+        Handle handle(nullptr, destroyBin);
+        const Printed loaded = printedBy([&] { handle.reset(loadBin(expected.first)); });
+        EXPECT_EQ(loaded.err, expected.second);
+        ASSERT_NE(handle, nullptr);
+        if (expected.first == empty.path()) continue;  // not to be searched
+        EXPECT_EQ(take(search("text", handle.get(), true)), "");
+    }
+    destroyBin(nullptr);
+}
+
+TEST(Dictionary, ShowsMatches) {
+    const Image image("a\t1\nab\t2\n中\t3\n");
+    const int descriptor = nextDescriptor();
+    const Handle handle(loadBin(image.file.path()), destroyBin);
+    EXPECT_EQ(nextDescriptor(), descriptor) << "a loaded image's file is closed";
+    const CDictionayApp::Matches expected = {{{1, "1\t"}, {2, "2\t"}}, {}, {{3, "3\t"}}, {}, {}};
+    CDictionayApp::Matches matches;
+    CDictionayApp& app = appOf(handle);
+    app.allMatch("ab中", matches);
+    EXPECT_EQ(matches, expected);
+    const Printed shown = printedBy([&] { app.showAllMatch("ab中", matches); });
+    EXPECT_EQ(shown.err, "a : 1\t\nab : 2\t\n中 : 3\t\n");
+    std::string feature;
+    EXPECT_EQ(printedBy([&] { app.showExactMatch(nullptr, feature); }).err, "EXACT MATCH\n");
+}
+
+// The longest keys of a legal text, found by trying every key everywhere. A key right before a
+// character outside the alphabet is not reported.
+std::string longestKeys(const Data& data, const std::string& text, bool withFeatures) {
+    std::string result;
+    for (std::size_t position = 0; position < text.size(); ++position) {
+        std::string entry;
+        for (const auto& [key, feature] : data) {
+            if (text.compare(position, key.size(), key) != 0) continue;
+            if (text[position + key.size()] == '\xF0') continue;
+            entry =
+                key + (withFeatures ? "/" + std::to_string(position) + ":" + feature : "") + "\t";
+        }
+        result += entry;
+    }
+    return result;
+}
+
+std::string randomText(std::mt19937& random, const Texts& characters, std::size_t count) {
+    std::string text;
+    while (count-- > 0) text += characters[random() % characters.size()];
+    return text;
+}
+
+TEST(Dictionary, SearchFindsTheLongestKeysOnAnyThread) {
+    const Texts letters = {"a", "b", "é", "中", "國"};
+    const Texts characters = {"a", "b", "é", "中", "國", "a", "b", "中", "\U0001F600"};
+    const Texts ends = {"", "\xFF", "\xE4", "\xED\xA0\x80", "\x80", "\xF0\x9F"};
+    std::mt19937 random(7);
+    Data data;
+    std::string source;
+    for (int i = 0; i < 150; ++i) {
+        const std::string key = randomText(random, letters, 1 + random() % 5);
+        const std::string feature = std::to_string(i % 40);
+        source += key + "\t" + feature + "\n";
+        data[key] += (data[key].empty() ? "" : ";") + feature + "\t";
+    }
+    const Image image(source);
+    void* const handle = image.handle.get();
+    Data answers;
+    for (int i = 0; i < 600; ++i) {
+        const std::string legal = randomText(random, characters, random() % (i < 580 ? 20 : 400));
+        const std::string& end = ends[random() % ends.size()];
+        const std::string text = end.empty() ? legal : legal + end + "ab中";
+        CDictionayApp::Matches matches;
+        appOf(image.handle).allMatch(text.c_str(), matches);
+        for (const bool full : {false, true}) {
+            const std::string found = take(search(text.c_str(), handle, full));
+            ASSERT_EQ(found, longestKeys(data, legal, full)) << testing::PrintToString(text);
+            char* const listed = appOf(image.handle).returnListStr(text.c_str(), matches, full);
+            ASSERT_EQ(found, take(listed)) << testing::PrintToString(text);
+            answers[text] = found;
+        }
+    }
+    std::atomic<int> wrong{0};
+    const auto searchAll = [&] {
+        for (const auto& [text, found] : answers) {
+            if (take(search(text.c_str(), handle, true)) != found) ++wrong;
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) threads.emplace_back(searchAll);
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
+}
+
+}  // namespace

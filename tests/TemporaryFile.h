@@ -1,0 +1,45 @@
+// Files that tests read and write.
+
+#ifndef TESTS_TEMPORARY_FILE_H
+#define TESTS_TEMPORARY_FILE_H
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+// A file of its own name with the given bytes, removed at the end.
+class TemporaryFile {
+public:
+    explicit TemporaryFile(const std::string& content = "")
+        : m_path(testing::TempDir() + "dictionaryXXXXXX") {
+        close(mkstemp(m_path.data()));
+        std::ofstream(m_path, std::ios::binary) << content;
+    }
+    ~TemporaryFile() { unlink(path()); }
+
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    const char* path() const { return m_path.c_str(); }
+    std::string content() const {
+        std::ifstream file(m_path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+private:
+    std::string m_path;
+};
+
+// The descriptor that the next file to be opened gets.
+inline int nextDescriptor() {
+    const int descriptor = open("/dev/null", O_RDONLY);
+    close(descriptor);
+    return descriptor;
+}
+
+#endif
