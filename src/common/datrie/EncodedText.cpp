@@ -24,9 +24,9 @@ std::int32_t* EncodedText::roomFor(std::size_t integers) {
 
 void EncodedText::encodeUtf8(const char* text, int length) {
     const std::size_t bytes = encodedSize(text, length);
-    m_codes = roomFor(2 * bytes + 1);
+    m_codes = roomFor(2 * bytes + 2);
     // Each character begins where the one before it ends.
-    m_starts = m_codes + bytes;
+    m_starts = m_codes + bytes + 1;
     m_ends = m_starts + 1;
     m_starts[0] = 0;
     std::int32_t* code = m_codes;
@@ -35,6 +35,7 @@ void EncodedText::encodeUtf8(const char* text, int length) {
         *code++ = value;
         *end++ = static_cast<std::int32_t>(start + size);
     });
+    *code = kEnd;
     m_size = static_cast<std::size_t>(code - m_codes);
 }
 
@@ -43,8 +44,9 @@ void EncodedText::encodeBy(ICoderInterface& coder, const char* text, int length,
     std::vector<SPOS> positions;
     coder.encodeString(text, codes, positions, length);
     m_size = codes.size();
-    m_codes = roomFor(3 * m_size);
-    m_starts = m_codes + m_size;
+    m_codes = roomFor(3 * m_size + 1);
+    m_codes[m_size] = kEnd;
+    m_starts = m_codes + m_size + 1;
     m_ends = m_starts + m_size;
     for (std::size_t i = 0; i < m_size; ++i) {
         const std::size_t source = reverse ? m_size - 1 - i : i;

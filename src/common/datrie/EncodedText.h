@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 
 #include "UTF8Coder.h"
@@ -22,7 +23,10 @@ public:
     EncodedText& operator=(const EncodedText&) = delete;
 
     std::size_t size() const { return m_size; }
+
+    // The codes and, behind the last one, kEnd, which is below every alphabet and leads nowhere.
     const std::int32_t* codes() const { return m_codes; }
+    static constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::min();
 
     // The bytes of characters `from` to `to`. A reversed character begins at its last byte and
     // ends at its first, so that a reversed span runs from its end to its start.

@@ -24,16 +24,13 @@ public:
     template <class Found>
     void walk(std::size_t from, std::int64_t alphabet, Found found) const {
         const std::int32_t* codes = m_text.codes();
-        const std::size_t size = m_text.size();
         std::int64_t index = codes[from];
         if (!m_cells.holds(index)) return;
         Cell cell = m_cells[index];
-        for (std::size_t next = from + 1; next < size; ++next) {
-            if (codes[next] >= alphabet) return;
+        for (std::size_t next = from + 1; codes[next] < alphabet; ++next) {
             if (endsKey(cell)) found(next - 1, cell.feature);
             if (!m_cells.descend(cell, index, codes[next])) return;
         }
-        if (endsKey(cell)) found(size - 1, cell.feature);
     }
 
     // Calls `found(from, to, feature)` for every key that begins at a character of the alphabet,
