@@ -1,5 +1,6 @@
 #include "UTF8Coder.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -17,21 +18,56 @@ const std::uint8_t* bytesOf(const char* text) {
     return reinterpret_cast<const std::uint8_t*>(text);
 }
 
+// Room for `count` more, by doublings at least, so that text after text may be appended.
+template <class Item>
+void provideRoom(std::vector<Item>& items, std::size_t count) {
+    if (items.capacity() - items.size() >= count) return;
+    items.reserve(std::max(items.size() + count, 2 * items.capacity()));
+}
+
+// Gathers characters and appends them many at a time, which costs less than one by one.
+class EncodedBlock {
+public:
+    EncodedBlock(std::vector<int>& codes, std::vector<SPOS>& positions)
+        : m_toCodes(codes), m_toPositions(positions) {}
+
+    void add(int code, SPOS position) {
+        m_codes[m_count] = code;
+        m_positions[m_count] = position;
+        if (++m_count == kRoom) flush();
+    }
+
+    void flush() {
+        m_toCodes.insert(m_toCodes.end(), m_codes, m_codes + m_count);
+        m_toPositions.insert(m_toPositions.end(), m_positions, m_positions + m_count);
+        m_count = 0;
+    }
+
+private:
+    static constexpr std::size_t kRoom = 128;
+
+    std::vector<int>& m_toCodes;
+    std::vector<SPOS>& m_toPositions;
+    std::size_t m_count = 0;
+    int m_codes[kRoom];
+    SPOS m_positions[kRoom];
+};
+
 }  // namespace
 
 int CUTF8Coder::encodeString(const char* text, std::vector<int>& codes,
                              std::vector<SPOS>& positions, int length) {
     const std::size_t size = encodedSize(text, length);
-    const std::size_t before = codes.size();
-    codes.reserve(before + size);
-    positions.reserve(positions.size() + size);
+    provideRoom(codes, size);
+    provideRoom(positions, size);
+    EncodedBlock block(codes, positions);
     int allInAlphabet = 1;
     decodeUtf8(text, size, [&](std::int32_t code, std::size_t start, std::uint32_t bytes) {
         if (code >= kAlphabetSize) allInAlphabet = 0;
-        codes.push_back(code);
         const int first = static_cast<int>(start);
-        positions.push_back({first, first + static_cast<int>(bytes) - 1, 0});
+        block.add(code, {first, first + static_cast<int>(bytes) - 1, 0});
     });
+    block.flush();
     return allInAlphabet;
 }
 

@@ -55,6 +55,15 @@ inline Utf8Character decodeMultiByte(const std::uint8_t* text, std::size_t left)
     return {static_cast<std::int32_t>(code), 4};
 }
 
+constexpr std::size_t kAsciiRun = 8;
+
+inline bool isAsciiRun(const std::uint8_t* text) {
+    std::uint64_t run;
+    static_assert(sizeof run == kAsciiRun, "a run is a word");
+    std::memcpy(&run, text, sizeof run);
+    return (run & 0x8080808080808080u) == 0;
+}
+
 // Calls `emit(code, start, length)` for every character of the `size` bytes at `text`, up to the
 // first sequence that is illegal or cut off.
 template <class Emit>
@@ -62,6 +71,12 @@ void decodeUtf8(const char* text, std::size_t size, Emit emit) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text);
     std::size_t start = 0;
     while (start < size) {
+        while (size - start >= kAsciiRun && isAsciiRun(bytes + start)) {
+            for (const std::size_t stop = start + kAsciiRun; start < stop; ++start) {
+                emit(std::int32_t{bytes[start]}, start, 1u);
+            }
+        }
+        if (start == size) return;
         if (bytes[start] < 0x80) {
             emit(std::int32_t{bytes[start]}, start, 1u);
             ++start;
