@@ -129,6 +129,41 @@ TEST(Placement, NodeByNodeEqualsAWholeBuild) {
                              static_cast<std::size_t>(whole.imageSize())));
 }
 
+// Codes so large that their cells would lie beyond what an image can hold.
+class FarCoder : public LetterCoder {
+public:
+    int encodeString(const char* text, std::vector<int>& codes,
+                     std::vector<Dictionary::SPOS>& positions, int length) override {
+        LetterCoder::encodeString(text, codes, positions, length);
+        for (std::size_t i = 1; i < codes.size(); ++i) codes[i] += 2000000000;
+        return 1;
+    }
+};
+
+TEST(Placement, GivesUpBeforeCellsWouldWrap) {
+    for (const auto& keys : {std::vector<const char*>{"AB"}, {"AB", "AC"}}) {
+        FarCoder coder;
+        CDATWriter writer(&coder, false);
+        for (const char* key : keys) writer.addKeys(key, "");
+        testing::internal::CaptureStdout();
+        EXPECT_FALSE(writer.buildDAT());
+        EXPECT_EQ(std::to_string(keys.size()) + "wrong !!!!!\n",
+                  testing::internal::GetCapturedStdout());
+    }
+}
+
+TEST(Placement, EveryWriteMakesTheImageOneCellLonger) {
+    const Quiet quiet;
+    LetterCoder coder;
+    CDATWriter writer(&coder, false);
+    writer.addKeys("AB", "x");
+    writer.buildDAT();
+    const std::unique_ptr<char[]> first(writer.write());
+    const int size = writer.imageSize();
+    const std::unique_ptr<char[]> second(writer.write());
+    EXPECT_EQ(size + 12, writer.imageSize());
+}
+
 TEST(FirstFit, EveryRegisterWidthGivesTheSameAnswer) {
     std::mt19937 random(7);
     for (int round = 0; round < 2000; ++round) {
