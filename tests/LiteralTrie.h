@@ -40,9 +40,17 @@ public:
         makeUnits();
         std::set<const Unit*, Dictionary::CWriteSort> order;
         for (const Unit* unit : m_units) order.insert(unit);
-        for (const Unit* unit : order) place(*unit);
+        int running = 0;
+        m_reports = 0;
+        for (const Unit* unit : order) {
+            running += static_cast<int>(unit->passingKeys.size());
+            if (running % 100 == 0) ++m_reports;
+            place(*unit);
+        }
     }
 
+    // Progress lines of the last build, the closing one left out.
+    int reports() const { return m_reports; }
     int cellCount() const { return m_highest + 1; }
     Cell& cell(int index) {
         if (at(index) >= m_cells.size()) m_cells.resize(at(index) + 1);
@@ -113,6 +121,7 @@ private:
     int m_alphabet;
     int m_hint;
     int m_highest = 0;
+    int m_reports = 0;
     std::vector<std::vector<int>> m_keys = {{}};
     std::vector<int> m_offsets = {-1};
     std::map<std::string, std::set<int>> m_features;

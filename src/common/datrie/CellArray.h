@@ -24,7 +24,6 @@ public:
     // Drops all cells. Capacity, free hint and highest index stay.
     void clear();
 
-    std::int64_t capacity() const { return m_capacity; }
     std::int64_t highest() const { return m_highest; }
     bool isFree(std::int64_t index) const { return cellAt(index).check == kFreeCheck; }
 

@@ -41,7 +41,6 @@ public:
     CellArray& cells() { return m_cells; }
     const CellArray& cells() const { return m_cells; }
     const CFeatureDataContainer& featureArea() const { return m_featureArea; }
-    std::int32_t featureOffset(std::uint32_t key) const { return m_keyOffsets[key]; }
 
     void reserve(std::size_t keys, std::size_t codes);
     // Encodes and adds a key; false when the coder refuses it.
