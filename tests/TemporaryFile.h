@@ -1,4 +1,4 @@
-// Files that tests read and write.
+// Files that tests read and write, and what is printed meanwhile.
 
 #ifndef TESTS_TEMPORARY_FILE_H
 #define TESTS_TEMPORARY_FILE_H
@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -15,15 +14,12 @@
 // A file of its own name with the given bytes, removed at the end.
 class TemporaryFile {
 public:
-    explicit TemporaryFile(const std::string& content = "")
-        : m_path(testing::TempDir() + "dictionaryXXXXXX") {
+    explicit TemporaryFile(const std::string& content = "") {
         close(mkstemp(m_path.data()));
         std::ofstream(m_path, std::ios::binary) << content;
     }
-    ~TemporaryFile() { unlink(path()); }
-
     TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() { unlink(path()); }
 
     const char* path() const { return m_path.c_str(); }
     std::string content() const {
@@ -32,8 +28,20 @@ public:
     }
 
 private:
-    std::string m_path;
+    std::string m_path = testing::TempDir() + "dictionaryXXXXXX";
 };
+
+struct Printed {
+    std::string out, err;
+};
+
+template <typename Action>
+Printed printedBy(Action action) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    action();
+    return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+}
 
 // The descriptor that the next file to be opened gets.
 inline int nextDescriptor() {
