@@ -43,7 +43,10 @@ TEST(RecordReader, CutsAWholeFile) {
         {full + "y\nz\n", "\n", {"y", "z"}, tooLong},
         {"\n" + most + y + "b\nz\n", "\n", {"", most + "b", "z"}, tooLong + most}};
     for (const auto& [content, separator, records, message] : cases) {
-        const auto cut = [&] { EXPECT_TRUE(recordsOf(content, separator) == records); };
+        // Named anew, as a lambda cannot capture what a structured binding names.
+        const auto cut = [&, &file = content, &by = separator, &expected = records] {
+            EXPECT_TRUE(recordsOf(file, by) == expected);
+        };
         EXPECT_TRUE(printedBy(cut).out == message) << content.substr(0, 9);
     }
 }

@@ -41,7 +41,7 @@ TEST(Escape, CleansEveryOneAndTwoBytes) {
     for (int word = 0; word < 0x10000; ++word) {
         const std::string text = {static_cast<char>(word >> 8), static_cast<char>(word), '\0'};
         const char* const placed = placeAtPageEnd(text);
-        for (const std::size_t length : {0, 1, 2}) {
+        for (const std::size_t length : {0u, 1u, 2u}) {
             ASSERT_EQ(clean(placed, length), cleanSlowly(text, length)) << std::hex << word;
         }
     }
