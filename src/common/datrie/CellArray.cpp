@@ -46,7 +46,7 @@ std::int64_t CellArray::firstFreeFrom(std::int64_t index) {
 }
 
 void CellArray::expect(std::uint64_t nodes) {
-    constexpr std::uint64_t kSlack = 32;  // first fit leaves few cells free: one in as many
+    constexpr std::uint64_t kSlack = 32;  // one cell in as many for those that stay free
     const auto rootCells = static_cast<std::uint64_t>(m_alphabetSize) + 1;
     m_cells.reserve(static_cast<std::size_t>(rootCells + nodes + nodes / kSlack));
 }
@@ -82,9 +82,13 @@ void CellArray::setBase(std::int64_t index, std::int64_t base) {
     cell.base = static_cast<std::int32_t>(endsKey(cell) ? -base : base);
 }
 
-std::int64_t CellArray::findBaseOfOne(std::int32_t label) {
+void CellArray::advanceHint() {
     m_hint = m_free.firstFrom(m_hint);
     reserve(m_hint + 1);
+}
+
+std::int64_t CellArray::findBaseOfOne(std::int32_t label) {
+    advanceHint();
     return m_hint < label || m_hint >= m_limit ? kNoBase : m_hint - label;
 }
 
@@ -93,8 +97,7 @@ std::int64_t CellArray::findBase(std::int32_t leading, const std::vector<std::in
 
     const auto [least, most] = std::minmax_element(labels.begin(), labels.end());
     const std::int64_t reach = std::int64_t{*most} - leading;
-    m_hint = m_free.firstFrom(m_hint);
-    reserve(m_hint + 1);
+    advanceHint();
     if (m_hint < leading || m_hint + reach >= m_limit) return kNoBase;
 
     // A child can only lie above the reserved cells, so no position before this one fits.

@@ -49,7 +49,7 @@ public:
 
     // Takes the cell of a child of the root. False when `code` has no such cell.
     bool takeRoot(std::int32_t code);
-    // Takes the cell of a child of `parent`, which placeChildren of a base made sure is free.
+    // Takes the cell of a child of `parent`, which findBase made sure is free.
     void takeChild(std::int64_t index, std::int64_t parent);
 
     // Marks a cell where keys end: the smallest of their numbers stands in for the base that a
@@ -73,6 +73,7 @@ public:
     std::int64_t countOneMore();
 
 private:
+    void advanceHint();
     Cell& use(std::int64_t index);
 
     std::int32_t m_alphabetSize;

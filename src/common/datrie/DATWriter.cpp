@@ -41,8 +41,8 @@ public:
     }
 
 private:
-    // What "percent :%.2f cost time: %f seconds ALL STATE: %d\r" would print, in a tenth of the
-    // time.
+    // What printf makes of "percent :%.2f cost time: %f seconds ALL STATE: %d\r", without the time
+    // that it takes.
     void print(float fraction, std::uint64_t total) const {
         constexpr int kFractionDigits = 2;
         constexpr int kSecondsDigits = 6;
@@ -68,8 +68,7 @@ private:
     double m_flushed = 0;
 };
 
-template <class Value>
-char* store(char* out, const Value& value) {
+char* store(char* out, std::int32_t value) {
     std::memcpy(out, &value, sizeof value);
     return out + sizeof value;
 }

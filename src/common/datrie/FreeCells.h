@@ -25,7 +25,6 @@ public:
 
     // The first free cell at or after `cell`.
     std::int64_t firstFrom(std::int64_t cell) const;
-    bool isFree(std::int64_t cell) const { return firstFrom(cell) == cell; }
 
     // The first position p at or after `from` for which p and every p + offset is free. `offsets`
     // may be negative as long as p + offset is not for any p at or after `from`; they are tested

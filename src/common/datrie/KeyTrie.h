@@ -33,7 +33,6 @@ struct TrieChild {
     std::uint32_t first;
     std::uint32_t end;
 
-    bool isTerminal() const { return begin < first; }
     bool isLeaf() const { return first == end; }
 };
 

@@ -45,8 +45,9 @@ void sortByLead(Led* strings, Led* scratch, std::size_t count, int shift, const 
     std::copy_n(strings, count, scratch);
     std::size_t starts[kDigits];
     std::copy_n(ends, kDigits, starts);
-    for (std::size_t i = count; i > 0; --i)
+    for (std::size_t i = count; i > 0; --i) {
         strings[--starts[digit(scratch[i - 1])]] = scratch[i - 1];
+    }
     for (std::size_t i = 0; i < kDigits; ++i) {
         sortByLead(strings + starts[i], scratch, ends[i] - starts[i], shift - kDigitBits, before);
     }

@@ -46,7 +46,7 @@ void TrieBuilder::attachFeature(std::string_view feature, int key) {
 
 void TrieBuilder::clear() {
     m_trie.reset();
-    m_featureArea.reset(true, nullptr, 8, 0);
+    m_featureArea.reset(true, nullptr, 0, 0);
     m_cells.clear();
 }
 
