@@ -32,36 +32,44 @@ struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// Reads all records of a source into `table` and says what each made of its key's data. False at
-// a record with fewer than two fields.
-bool gather(CRecordReader& source, SourceTable& table) {
-    MessageBlock messages(stderr);
+// Reads the records of a source into `table`, up to the first with fewer than two fields, which
+// is returned, or null.
+const char* read(CRecordReader& source, SourceTable& table) {
     std::vector<char*> fields;
     while (char* record = source.next()) {
-        if (source.splitRecord(record, fields) <= 1) {
-            messages << "Wrong format of file : " << record << "\n";
-            return false;
-        }
-        const std::uint32_t number = table.add(fields);
-        table.forEachPiece(number, [&](std::string_view piece) { messages << piece; });
-        messages << "\n";
+        if (source.splitRecord(record, fields) <= 1) return record;
+        table.add(fields);
     }
-    return true;
+    return nullptr;
 }
 
-// The key that stands in the source as a backslash and an n is the newline character.
-std::string_view keyFromSource(std::string_view text) {
-    return text == "\\n" ? "\n" : text;
+// Says what each record made of its key's data.
+void describe(const SourceTable& table, MessageBlock& messages) {
+    for (std::uint32_t record = 0; record < table.recordCount(); ++record) {
+        table.forEachPieceUpTo(record, [&](std::string_view piece) { messages << piece; });
+        messages << "\n";
+    }
+}
+
+// False at a record with fewer than two fields.
+bool gather(CRecordReader& source, SourceTable& table) {
+    MessageBlock messages(stderr);
+    const char* const malformed = read(source, table);
+    table.arrange();
+    describe(table, messages);
+    if (malformed == nullptr) return true;
+    messages << "Wrong format of file : " << malformed << "\n";
+    return false;
 }
 
 void addAll(const SourceTable& table, ICoderInterface& coder, TrieBuilder& builder) {
     MessageBlock messages(stderr);
-    builder.reserve(table.size(), table.keyBytes());
+    builder.reserve(table.keys().size(), table.keyBytes());
     std::string key;
     std::string joined;
-    for (const std::uint32_t number : table.sorted()) {
-        key = keyFromSource(table.key(number));
-        if (!builder.addKey(coder, key.c_str(), false, table.data(number, joined))) {
+    for (const std::uint32_t record : table.keys()) {
+        key = table.trieKey(record);
+        if (!builder.addKey(coder, key.c_str(), false, table.data(record, joined))) {
             messages << "wrong add a key : " << key << "\n";
         }
     }

@@ -13,54 +13,74 @@
 
 namespace Dictionary {
 
-// Keys with the data of their records, joined in source order with ";". Joining costs no copy of
-// what is there already.
+// First all records are added, then they are arranged once, then asked for. Records are numbered
+// from 0 in source order; a key goes by the number of its first record. The data of a key's
+// records are joined in source order with ";", which costs no copy of what is there already.
 class SourceTable {
 public:
     // Adds a record: its key, and its data fields, each of which is followed by a tab in the data.
-    // Returns the key's number, counted from 0 by first sight.
-    std::uint32_t add(const std::vector<char*>& fields);
+    void add(const std::vector<char*>& fields);
 
-    std::uint32_t size() const { return m_keys.size(); }
+    // Finds the records of each key and the order of the keys.
+    void arrange();
+
+    std::uint32_t recordCount() const { return static_cast<std::uint32_t>(m_records.size()); }
     std::size_t keyBytes() const { return m_keyBytes; }
-    std::string_view key(std::uint32_t number) const { return m_keys[number]; }
 
-    // Calls `piece(text)` for the pieces of a key's data, in order, separators included.
-    template <class Piece>
-    void forEachPiece(std::uint32_t number, Piece piece) const {
-        const Data* const first = m_data[number].first;
-        for (const Data* data = first; data != nullptr; data = data->next) {
-            if (data != first) piece(kJoint);
-            piece(std::string_view(data->text, data->size));
-        }
+    // The keys in bytewise order.
+    const std::vector<std::uint32_t>& keys() const { return m_keys; }
+
+    std::string_view key(std::uint32_t record) const {
+        return {m_records[record].text, m_records[record].keySize};
     }
 
-    // A key's data in one piece, which lasts as long as the table or until `scratch` changes.
-    std::string_view data(std::uint32_t number, std::string& scratch) const;
+    // The key as it goes into the trie: one that stands in the source as a backslash and an n is
+    // the newline character.
+    std::string_view trieKey(std::uint32_t record) const {
+        const std::string_view text = key(record);
+        return text == "\\n" ? "\n" : text;
+    }
 
-    // The keys' numbers in bytewise order of the keys.
-    std::vector<std::uint32_t> sorted() const { return m_keys.sorted(); }
+    // Calls `piece(text)` for the pieces of the data that a record's key has once the record is
+    // read, in order, separators included.
+    template <class Piece>
+    void forEachPieceUpTo(std::uint32_t record, Piece piece) const {
+        for (std::uint32_t i = firstOf(record); i != record; i = m_next[i]) {
+            piece(ownData(i));
+            piece(kJoint);
+        }
+        piece(ownData(record));
+    }
+
+    // All data of a key in one piece, which lasts as long as the table or until `scratch` changes.
+    std::string_view data(std::uint32_t key, std::string& scratch) const;
 
 private:
     static constexpr std::string_view kJoint = ";";
 
-    // The data of one record.
-    struct Data {
-        const Data* next;
+    // Key and data stand one behind the other.
+    struct Record {
         const char* text;
-        std::size_t size;
-    };
-    struct DataList {
-        Data* first;
-        Data* last;
+        std::uint32_t keySize;
+        std::uint32_t dataSize;
     };
 
-    Data* keepData(const std::vector<char*>& fields);
+    std::string_view ownData(std::uint32_t record) const {
+        return {m_records[record].text + m_records[record].keySize, m_records[record].dataSize};
+    }
+    std::uint32_t firstOf(std::uint32_t record) const {
+        return m_first.empty() ? record : m_first[record];
+    }
+    void link(std::uint32_t record, std::uint32_t next);
 
-    StringTable m_keys;
     ByteArena m_arena;
-    std::vector<DataList> m_data;  // by key number
-    std::size_t m_keyBytes = 0;    // of all keys together
+    std::vector<Record> m_records;
+    std::size_t m_keyBytes = 0;  // of all records together
+    std::vector<std::uint32_t> m_keys;
+    // By record, when a key has more than one: its key's first record, and the next one of its key,
+    // itself for the last.
+    std::vector<std::uint32_t> m_first;
+    std::vector<std::uint32_t> m_next;
 };
 
 }  // namespace Dictionary

@@ -1,8 +1,9 @@
 #include "StringTable.h"
 
 #include <algorithm>
-#include <cstring>
 #include <functional>
+
+#include "StringSort.h"
 
 namespace Dictionary {
 
@@ -13,45 +14,6 @@ constexpr std::size_t kFirstSlots = 64;
 // Slots double when three in four are full: less memory to miss outweighs the longer probes.
 constexpr std::size_t kFull = 3;
 constexpr std::size_t kFullOf = 4;
-
-// The first eight bytes, such that unsigned order is bytewise order.
-std::uint64_t leadingBytes(std::string_view text) {
-    std::uint64_t lead = 0;
-    std::memcpy(&lead, text.data(), std::min(text.size(), sizeof lead));
-    return __builtin_bswap64(lead);
-}
-
-// A string's number with its first bytes.
-struct Led {
-    std::uint64_t lead;
-    std::uint32_t number;
-};
-
-constexpr int kDigitBits = 8;
-constexpr int kTopShift = 64 - kDigitBits;
-
-// Radix sort by the byte of the lead at `shift` and those after it; few strings, and those of
-// equal leads, are left to a sort by `before`.
-template <class Before>
-void sortByLead(Led* strings, Led* scratch, std::size_t count, int shift, const Before& before) {
-    constexpr std::size_t kFew = 64;
-    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
-    if (count <= kFew || shift < 0) return std::sort(strings, strings + count, before);
-
-    const auto digit = [shift](const Led& string) { return string.lead >> shift & (kDigits - 1); };
-    std::size_t ends[kDigits] = {};
-    for (std::size_t i = 0; i < count; ++i) ++ends[digit(strings[i])];
-    for (std::size_t i = 1; i < kDigits; ++i) ends[i] += ends[i - 1];
-    std::copy_n(strings, count, scratch);
-    std::size_t starts[kDigits];
-    std::copy_n(ends, kDigits, starts);
-    for (std::size_t i = count; i > 0; --i) {
-        strings[--starts[digit(scratch[i - 1])]] = scratch[i - 1];
-    }
-    for (std::size_t i = 0; i < kDigits; ++i) {
-        sortByLead(strings + starts[i], scratch, ends[i] - starts[i], shift - kDigitBits, before);
-    }
-}
 
 }  // namespace
 
@@ -103,23 +65,7 @@ void StringTable::grow() {
 }
 
 std::vector<std::uint32_t> StringTable::sorted() const {
-    std::vector<Led> strings;
-    strings.reserve(m_entries.size());
-    for (std::uint32_t number = 0; number < size(); ++number) {
-        strings.push_back({leadingBytes((*this)[number]), number});
-    }
-    const auto before = [this](const Led& left, const Led& right) {
-        if (left.lead != right.lead) return left.lead < right.lead;
-        return (*this)[left.number] < (*this)[right.number];
-    };
-    if (!std::is_sorted(strings.begin(), strings.end(), before)) {
-        std::vector<Led> scratch(strings.size());
-        sortByLead(strings.data(), scratch.data(), strings.size(), kTopShift, before);
-    }
-    std::vector<std::uint32_t> order(strings.size());
-    std::transform(strings.begin(), strings.end(), order.begin(),
-                   [](const Led& string) { return string.number; });
-    return order;
+    return sortedNumbers(size(), [this](std::uint32_t number) { return (*this)[number]; });
 }
 
 }  // namespace Dictionary

@@ -1,0 +1,81 @@
+// Helper, not installed: bytewise order of many strings.
+
+#ifndef DICTIONARY_STRING_SORT_H
+#define DICTIONARY_STRING_SORT_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+namespace Dictionary {
+
+// A string's number with its first eight bytes, whose unsigned order is the strings'.
+struct LedString {
+    std::uint64_t lead;
+    std::uint32_t number;
+};
+
+inline std::uint64_t leadingBytes(std::string_view text) {
+    std::uint64_t lead = 0;
+    std::memcpy(&lead, text.data(), std::min(text.size(), sizeof lead));
+    return __builtin_bswap64(lead);
+}
+
+// Radix sort by the byte of the lead at bit `shift` and those after it; few strings, and those of
+// equal leads, are left to a sort by `before`.
+template <class Before>
+void sortByLead(LedString* strings, LedString* scratch, std::size_t count, int shift,
+                const Before& before) {
+    constexpr std::size_t kFew = 64;
+    constexpr int kDigitBits = 8;
+    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
+    if (count <= kFew || shift < 0) return std::sort(strings, strings + count, before);
+
+    const auto digit = [shift](const LedString& string) {
+        return string.lead >> shift & (kDigits - 1);
+    };
+    std::size_t ends[kDigits] = {};
+    for (std::size_t i = 0; i < count; ++i) ++ends[digit(strings[i])];
+    for (std::size_t i = 1; i < kDigits; ++i) ends[i] += ends[i - 1];
+    std::copy_n(strings, count, scratch);
+    std::size_t starts[kDigits];
+    std::copy_n(ends, kDigits, starts);
+    for (std::size_t i = count; i > 0; --i) {
+        strings[--starts[digit(scratch[i - 1])]] = scratch[i - 1];
+    }
+    for (std::size_t i = 0; i < kDigits; ++i) {
+        sortByLead(strings + starts[i], scratch, ends[i] - starts[i], shift - kDigitBits, before);
+    }
+}
+
+// The numbers of the strings `textOf(0)` to `textOf(count - 1)` in bytewise order of the strings,
+// equal ones by number. Strings that are in order already take one pass.
+template <class TextOf>
+std::vector<std::uint32_t> sortedNumbers(std::uint32_t count, TextOf textOf) {
+    constexpr int kTopShift = 56;
+    std::vector<LedString> strings;
+    strings.reserve(count);
+    for (std::uint32_t number = 0; number < count; ++number) {
+        strings.push_back({leadingBytes(textOf(number)), number});
+    }
+    const auto before = [&](const LedString& left, const LedString& right) {
+        if (left.lead != right.lead) return left.lead < right.lead;
+        const int order = textOf(left.number).compare(textOf(right.number));
+        return order != 0 ? order < 0 : left.number < right.number;
+    };
+    if (!std::is_sorted(strings.begin(), strings.end(), before)) {
+        std::vector<LedString> scratch(count);
+        sortByLead(strings.data(), scratch.data(), count, kTopShift, before);
+    }
+    std::vector<std::uint32_t> order(count);
+    std::transform(strings.begin(), strings.end(), order.begin(),
+                   [](const LedString& string) { return string.number; });
+    return order;
+}
+
+}  // namespace Dictionary
+
+#endif
