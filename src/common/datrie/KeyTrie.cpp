@@ -60,7 +60,7 @@ KeyTrie::KeyTrie(const KeyPool& keys) : m_keys(keys) {
         if (keys[number].length > 0) m_order.push_back(number);
     }
     sortKeys();
-    findSharedPrefixes();
+    findBranches();
     findSharedNodes();
     findSolitaryRuns();
     orderForPlacement();
@@ -96,15 +96,22 @@ void KeyTrie::sortByNumber(std::vector<std::uint32_t>& ranks) const {
     std::sort(ranks.begin(), ranks.end(), byNumber);
 }
 
-void KeyTrie::findSharedPrefixes() {
-    m_sharedPrefix.resize(m_order.size());
-    for (std::uint32_t rank = 1; rank < m_order.size(); ++rank) {
-        m_sharedPrefix[rank] = commonPrefix(codesAt(rank - 1), codesAt(rank));
+void KeyTrie::findBranches() {
+    m_branches.resize(m_order.size());
+    for (std::uint32_t rank = 0; rank < m_order.size(); ++rank) {
+        const std::uint32_t shared =
+            rank == 0 ? 0 : commonPrefix(codesAt(rank - 1), codesAt(rank));
+        m_branches[rank] = {shared, stepOf(rank, shared)};
     }
 }
 
+Step KeyTrie::stepOf(std::uint32_t rank, std::uint32_t prefix) const {
+    const KeyCodes key = codesAt(rank);
+    return {prefix < key.length ? key[prefix] : 0, key.length - prefix};
+}
+
 std::uint32_t KeyTrie::sharedWithNext(std::uint32_t rank) const {
-    return rank + 1 < m_order.size() ? m_sharedPrefix[rank + 1] : 0;
+    return rank + 1 < m_order.size() ? m_branches[rank + 1].shared : 0;
 }
 
 // Finds the maximal intervals of keys that share a prefix, innermost first, with a stack of those
@@ -118,7 +125,7 @@ void KeyTrie::findSharedNodes() {
     std::vector<Open> open = {{0, 0, kNoNumber}};
     for (std::uint32_t rank = 0; rank < m_order.size(); ++rank) {
         const std::uint32_t prefix = sharedWithNext(rank);
-        const std::uint32_t length = codesAt(rank).length;
+        const std::uint32_t length = lengthAt(rank);
         m_totalPassing += length - 1;
         if (prefix < length) ++m_leafCount;
         std::uint32_t first = rank;
@@ -128,7 +135,7 @@ void KeyTrie::findSharedNodes() {
             open.pop_back();
             first = closed.first;
             maker = std::min(maker, closed.maker);
-            addSharedNodes({first, rank + 1, 0, maker}, closed.prefix,
+            addSharedNodes({first, rank + 1, 0, maker, {}}, closed.prefix,
                            std::max(prefix, open.back().prefix));
         }
         if (open.back().prefix < prefix) open.push_back({first, prefix, maker});
@@ -143,11 +150,14 @@ void KeyTrie::addSharedNodes(const TrieNode& interval, std::uint32_t prefix,
     TrieNode node = interval;
     for (std::uint32_t length = parentPrefix + 1; length < prefix; ++length) {
         node.depth = length - 1;
+        node.firstStep = stepOf(node.first, length);
         m_shared.push_back(node);
     }
-    while (node.first < node.last && codesAt(node.first).length == prefix) ++node.first;
+    while (node.first < node.last && lengthAt(node.first) == prefix) ++node.first;
+    if (node.passing() < 2) return;
     node.depth = prefix - 1;
-    if (node.passing() > 1) m_shared.push_back(node);
+    node.firstStep = stepOf(node.first, prefix);
+    m_shared.push_back(node);
 }
 
 void KeyTrie::findSolitaryRuns() {
@@ -155,20 +165,19 @@ void KeyTrie::findSolitaryRuns() {
 }
 
 void KeyTrie::addSolitaryRun(std::uint32_t rank) {
-    const std::uint32_t before = m_sharedPrefix[rank];
+    const std::uint32_t before = m_branches[rank].shared;
     const std::uint32_t after = sharedWithNext(rank);
     const std::uint32_t shared = std::max(before, after);
-    const std::uint32_t length = codesAt(rank).length;
+    const std::uint32_t length = lengthAt(rank);
     if (shared == length) return;
 
     // The node above is this key's alone, too, when all other keys with its prefix end there.
     SolitaryRun run = {rank, shared, m_order[rank]};
-    if (before > after && codesAt(rank - 1).length == before) {
+    if (before > after && lengthAt(rank - 1) == before) {
         --run.depth;
         for (std::uint32_t equal = rank - 1;; --equal) {
             run.maker = std::min(run.maker, m_order[equal]);
-            if (equal == 0 || m_sharedPrefix[equal] < before ||
-                codesAt(equal - 1).length > before) {
+            if (equal == 0 || m_branches[equal].shared < before || lengthAt(equal - 1) > before) {
                 break;
             }
         }
@@ -200,13 +209,17 @@ void KeyTrie::orderForPlacement() {
 void KeyTrie::childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const {
     children.clear();
     const std::uint32_t prefix = node.depth + 1;
+    Step step = node.firstStep;
     std::uint32_t begin = node.first;
     while (begin < node.last) {
         std::uint32_t end = begin + 1;
-        while (end < node.last && m_sharedPrefix[end] > prefix) ++end;
+        while (end < node.last && m_branches[end].shared > prefix) ++end;
         std::uint32_t first = begin;
-        while (first < end && codesAt(first).length == prefix + 1) ++first;
-        children.push_back({codesAt(begin)[prefix], begin, first, end});
+        if (step.isLast()) ++first;
+        // Keys equal to one that ends there have nothing of their own.
+        while (first > begin && first < end && m_branches[first].step.left == 0) ++first;
+        children.push_back({step.label, begin, first, end});
+        if (end < node.last) step = m_branches[end].step;
         begin = end;
     }
 }

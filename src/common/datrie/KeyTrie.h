@@ -8,6 +8,7 @@
 #ifndef DICTIONARY_KEY_TRIE_H
 #define DICTIONARY_KEY_TRIE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -15,12 +16,21 @@
 
 namespace Dictionary {
 
+// How a key goes on behind a prefix that it has.
+struct Step {
+    std::int32_t label;  // the code behind the prefix, if there is one
+    std::uint32_t left;  // codes behind the prefix
+
+    bool isLast() const { return left == 1; }
+};
+
 // A node that at least one key passes: keys first to last - 1 (ranks) go on beyond it.
 struct TrieNode {
     std::uint32_t first;
     std::uint32_t last;
     std::uint32_t depth;  // position of the node's last code in its keys
     std::uint32_t maker;  // the smallest number among the keys that have the node's prefix
+    Step firstStep;       // of the first of those keys, behind the node
 
     std::uint32_t passing() const { return last - first; }
 };
@@ -53,20 +63,16 @@ public:
     // The nodes that at least two keys pass, in placement order.
     const std::vector<TrieNode>& sharedNodes() const { return m_shared; }
 
-    // Calls `visit(rank, depth)` for every node that one key passes, in placement order; `rank` is
-    // that key's. Stops and returns false when `visit` does.
+    // Calls `visit(rank, step)` for every node that one key passes, in placement order: that key's
+    // rank and its step behind the node. Stops and returns false when `visit` does.
     template <class Visit>
     bool forEachSolitaryNode(Visit visit) const;
 
     // Asks for the memory that childrenOf will need. Nodes that are placed one after the other lie
     // far apart, so their cache misses are better taken together.
-    void prefetchKeysOf(const TrieNode& node) const {
-        __builtin_prefetch(&m_sharedPrefix[node.first]);
+    void prefetch(const TrieNode& node) const {
+        __builtin_prefetch(&m_branches[node.first]);
         __builtin_prefetch(&m_order[node.first]);
-        m_keys.prefetch(node.first + 1);
-    }
-    void prefetchCodesOf(const TrieNode& node) const {
-        __builtin_prefetch(codesAt(node.first).codes + node.depth + 1);
     }
 
     // Fills `children` with the children of a node, by label.
@@ -74,15 +80,23 @@ public:
 
     // The implicit root: all ranks pass it, and its children stand at depth 0.
     static constexpr std::uint32_t kRootDepth = static_cast<std::uint32_t>(-1);
-    TrieNode root() const { return {0, static_cast<std::uint32_t>(m_order.size()), kRootDepth, 0}; }
+    TrieNode root() const {
+        return {0, static_cast<std::uint32_t>(m_order.size()), kRootDepth, 0, m_branches[0].step};
+    }
 
     // The child that the key with the smallest number takes, among those of a node.
     const TrieChild& leadingChild(const std::vector<TrieChild>& children) const;
 
     std::uint32_t keyAt(std::uint32_t rank) const { return m_order[rank]; }
-    KeyCodes codesAt(std::uint32_t rank) const { return m_keys[m_order[rank]]; }
 
 private:
+    // A key's codes: `shared` ones of the key one rank before, then those of the step.
+    struct Branch {
+        std::uint32_t shared;
+        Step step;
+
+        std::uint32_t length() const { return shared + step.left; }
+    };
     // Where the solitary nodes of a key begin.
     struct SolitaryRun {
         std::uint32_t rank;
@@ -90,22 +104,29 @@ private:
         std::uint32_t maker;  // of the run's first node; the others were made by the key itself
     };
 
+    static constexpr std::size_t kAhead = 16;
     static constexpr std::uint32_t kNoNumber = static_cast<std::uint32_t>(-1);
 
+    KeyCodes codesAt(std::uint32_t rank) const { return m_keys[m_order[rank]]; }
     void sortKeys();
     void sortByNumber(std::vector<std::uint32_t>& ranks) const;
-    void findSharedPrefixes();
+    void findBranches();
     void findSharedNodes();
     void addSharedNodes(const TrieNode& interval, std::uint32_t prefix, std::uint32_t parentPrefix);
     void findSolitaryRuns();
     void addSolitaryRun(std::uint32_t rank);
     void orderForPlacement();
     std::uint32_t sharedWithNext(std::uint32_t rank) const;
+    std::uint32_t lengthAt(std::uint32_t rank) const { return m_branches[rank].length(); }
+    Step stepOf(std::uint32_t rank, std::uint32_t prefix) const;
+    void prefetchStep(std::uint32_t rank, std::uint32_t prefix) const {
+        __builtin_prefetch(codesAt(rank).codes + prefix);
+    }
 
     const KeyPool& m_keys;
-    bool m_inOrder = true;                      // the keys were added in sorted order
-    std::vector<std::uint32_t> m_order;         // key numbers by rank
-    std::vector<std::uint32_t> m_sharedPrefix;  // codes that a rank shares with the one before it
+    bool m_inOrder = true;               // the keys were added in sorted order
+    std::vector<std::uint32_t> m_order;  // key numbers by rank
+    std::vector<Branch> m_branches;      // by rank
     std::vector<TrieNode> m_shared;
     std::vector<SolitaryRun> m_runs;  // by depth, then maker
     std::uint64_t m_totalPassing = 0;
@@ -119,8 +140,9 @@ bool KeyTrie::forEachSolitaryNode(Visit visit) const {
     std::vector<std::uint32_t> next;
     std::uint32_t depth = 0;
     const auto visitAndKeep = [&](std::uint32_t rank) {
-        if (!visit(rank, depth)) return false;
-        if (codesAt(rank).length > depth + 2) next.push_back(rank);
+        const Step step = stepOf(rank, depth + 1);
+        if (!visit(rank, step)) return false;
+        if (!step.isLast()) next.push_back(rank);
         return true;
     };
     auto run = m_runs.begin();
@@ -132,7 +154,9 @@ bool KeyTrie::forEachSolitaryNode(Visit visit) const {
     };
     while (run != m_runs.end() || !current.empty()) {
         if (current.empty()) depth = run->depth;
-        for (const std::uint32_t rank : current) {
+        for (std::size_t i = 0; i < current.size(); ++i) {
+            if (i + kAhead < current.size()) prefetchStep(current[i + kAhead], depth + 1);
+            const std::uint32_t rank = current[i];
             if (!visitRunsBefore(m_order[rank]) || !visitAndKeep(rank)) return false;
         }
         if (!visitRunsBefore(kNoNumber)) return false;

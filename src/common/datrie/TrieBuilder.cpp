@@ -98,9 +98,9 @@ Placement TrieBuilder::place(PlacementListener& listener) {
 bool TrieBuilder::placeAll(PlacementListener& listener) {
     if (!placeRoot() || !placeAllShared(listener)) return false;
     m_cells.endWideSearches();
-    const bool fits = m_trie->forEachSolitaryNode([&](std::uint32_t rank, std::uint32_t depth) {
+    const bool fits = m_trie->forEachSolitaryNode([&](std::uint32_t rank, Step step) {
         count(1, listener);
-        return placeSolitary(rank, depth);
+        return placeSolitary(rank, step);
     });
     if (!fits) return false;
     // Leaves got all there is to them with their parents; they only count.
@@ -115,9 +115,8 @@ bool TrieBuilder::placeAllShared(PlacementListener& listener) {
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         if (i + kFarAhead < nodes.size()) {
             const TrieNode& far = nodes[i + kFarAhead];
-            m_trie->prefetchKeysOf(far);
+            m_trie->prefetch(far);
             __builtin_prefetch(&m_cellOfRank[far.first]);
-            m_trie->prefetchCodesOf(nodes[i + kNearAhead]);
             m_cells.prefetch(m_cellOfRank[nodes[i + kNearAhead].first]);
         }
         count(nodes[i].passing(), listener);
@@ -160,17 +159,15 @@ bool TrieBuilder::placeShared(const TrieNode& node) {
     return true;
 }
 
-bool TrieBuilder::placeSolitary(std::uint32_t rank, std::uint32_t depth) {
-    const KeyCodes key = m_trie->codesAt(rank);
-    const std::int32_t label = key[depth + 1];
-    const std::int64_t base = m_cells.findBaseOfOne(label);
+bool TrieBuilder::placeSolitary(std::uint32_t rank, Step step) {
+    const std::int64_t base = m_cells.findBaseOfOne(step.label);
     if (base < 0) return false;
     const std::int64_t parent = m_cellOfRank[rank];
-    const std::int64_t index = base + label;
+    const std::int64_t index = base + step.label;
     m_cells.setBase(parent, base);
     m_cells.takeChild(index, parent);
     m_cellOfRank[rank] = static_cast<std::int32_t>(index);
-    if (key.length == depth + 2) markEnd(index, rank, rank + 1);
+    if (step.isLast()) markEnd(index, rank, rank + 1);
     return true;
 }
 

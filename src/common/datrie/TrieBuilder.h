@@ -71,7 +71,7 @@ private:
     bool placeRoot();
     bool placeAllShared(PlacementListener& listener);
     bool placeShared(const TrieNode& node);
-    bool placeSolitary(std::uint32_t rank, std::uint32_t depth);
+    bool placeSolitary(std::uint32_t rank, Step step);
     void markEnd(std::int64_t index, std::uint32_t firstRank, std::uint32_t lastRank);
     void count(std::uint64_t passing, PlacementListener& listener);
 
