@@ -18,6 +18,7 @@
 #include "ImageFormat.h"
 #include "RecordReader.h"
 #include "ResultText.h"
+#include "SourceKeys.h"
 #include "SourceTable.h"
 #include "TextSearch.h"
 #include "TrieBuilder.h"
@@ -36,9 +37,11 @@ struct CloseFile {
 // is returned, or null.
 const char* read(CRecordReader& source, SourceTable& table) {
     std::vector<char*> fields;
+    std::vector<std::string_view> texts;
     while (char* record = source.next()) {
         if (source.splitRecord(record, fields) <= 1) return record;
-        table.add(fields);
+        texts.assign(fields.begin(), fields.end());
+        table.add(texts);
     }
     return nullptr;
 }
@@ -64,15 +67,9 @@ bool gather(CRecordReader& source, SourceTable& table) {
 
 void addAll(const SourceTable& table, ICoderInterface& coder, TrieBuilder& builder) {
     MessageBlock messages(stderr);
-    builder.reserve(table.keys().size(), table.keyBytes());
-    std::string key;
-    std::string joined;
-    for (const std::uint32_t record : table.keys()) {
-        key = table.trieKey(record);
-        if (!builder.addKey(coder, key.c_str(), false, table.data(record, joined))) {
-            messages << "wrong add a key : " << key << "\n";
-        }
-    }
+    addKeysOf(table, coder, builder, [&](const std::string& key) {
+        messages << "wrong add a key : " << key << "\n";
+    });
 }
 
 }  // namespace

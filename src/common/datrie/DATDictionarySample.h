@@ -85,6 +85,7 @@ public:
 
 private:
     friend struct EntryPoints;
+    friend struct ImageHandle;
 
     // What returnListStr makes of the result of allMatch, without the lists in between.
     DICTIONARY_LOCAL char* searchText(const char* text, bool withFeatures) const;

@@ -1,5 +1,6 @@
 #include "EncodedText.h"
 
+#include <cstring>
 #include <typeinfo>
 #include <vector>
 
@@ -7,13 +8,38 @@
 
 namespace Dictionary {
 
+namespace {
+
+// NUL ends every key, and the coder refuses keys with a character above U+FFFF.
+bool mayStandInKeys(std::int32_t code) {
+    constexpr std::int32_t kLastOfKeys = 0xFFFF;
+    return code > 0 && code <= kLastOfKeys;
+}
+
+}  // namespace
+
 EncodedText::EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse) {
     // The UTF-8 coder itself, but none derived from it, is known to give what the decoder gives.
     if (!reverse && typeid(coder) == typeid(CUTF8Coder)) {
-        encodeUtf8(text, length);
+        const std::size_t bytes = encodedSize(text, length);
+        encodeUtf8(bytes, [&](auto emit) { decodeUtf8(text, bytes, emit); });
     } else {
         encodeBy(coder, text, length, reverse);
     }
+}
+
+EncodedText::EncodedText(const char* text, std::size_t size, Outsiders outsiders) {
+    if (outsiders == kStopAtIllegal) {
+        const std::size_t bytes = size == 0 ? 0 : strnlen(text, size);
+        encodeUtf8(bytes, [&](auto emit) { decodeUtf8(text, bytes, emit); });
+        return;
+    }
+    encodeUtf8(size, [&](auto emit) {
+        decodeAllUtf8(text, size, kOutsider,
+                      [&](std::int32_t code, std::size_t start, std::uint32_t length) {
+                          emit(mayStandInKeys(code) ? code : kOutsider, start, length);
+                      });
+    });
 }
 
 std::int32_t* EncodedText::roomFor(std::size_t integers) {
@@ -22,8 +48,8 @@ std::int32_t* EncodedText::roomFor(std::size_t integers) {
     return m_heap.get();
 }
 
-void EncodedText::encodeUtf8(const char* text, int length) {
-    const std::size_t bytes = encodedSize(text, length);
+template <class Decode>
+void EncodedText::encodeUtf8(std::size_t bytes, Decode decode) {
     m_codes = roomFor(2 * bytes + 2);
     // Each character begins where the one before it ends.
     m_starts = m_codes + bytes + 1;
@@ -31,7 +57,7 @@ void EncodedText::encodeUtf8(const char* text, int length) {
     m_starts[0] = 0;
     std::int32_t* code = m_codes;
     std::int32_t* end = m_ends;
-    decodeUtf8(text, bytes, [&](std::int32_t value, std::size_t start, std::uint32_t size) {
+    decode([&](std::int32_t value, std::size_t start, std::uint32_t size) {
         *code++ = value;
         *end++ = static_cast<std::int32_t>(start + size);
     });

@@ -19,6 +19,14 @@ public:
     // Encodes the first `length` bytes of `text` as ICoderInterface::encodeString counts them.
     EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse);
 
+    // Encodes the `size` bytes of UTF-8 at `text`, which may be any: as the UTF-8 coder does up to
+    // a NUL or an illegal byte, or all of them.
+    enum Outsiders {
+        kStopAtIllegal,
+        kPassOver  // what no key holds is a character kOutsider; an illegal byte is one of its own
+    };
+    EncodedText(const char* text, std::size_t size, Outsiders outsiders);
+
     EncodedText(const EncodedText&) = delete;
     EncodedText& operator=(const EncodedText&) = delete;
 
@@ -27,6 +35,7 @@ public:
     // The codes and, behind the last one, kEnd, which is below every alphabet and leads nowhere.
     const std::int32_t* codes() const { return m_codes; }
     static constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::min();
+    static constexpr std::int32_t kOutsider = kEnd;
 
     // The bytes of characters `from` to `to`. A reversed character begins at its last byte and
     // ends at its first, so that a reversed span runs from its end to its start.
@@ -37,7 +46,8 @@ public:
 private:
     static constexpr std::size_t kInlineCharacters = 128;
 
-    void encodeUtf8(const char* text, int length);
+    template <class Decode>
+    void encodeUtf8(std::size_t bytes, Decode decode);
     void encodeBy(ICoderInterface& coder, const char* text, int length, bool reverse);
     std::int32_t* roomFor(std::size_t integers);
 

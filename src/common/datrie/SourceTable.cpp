@@ -1,39 +1,37 @@
 #include "SourceTable.h"
 
-#include <cstring>
+#include <algorithm>
 #include <numeric>
 
 #include "StringSort.h"
 
 namespace Dictionary {
 
-void SourceTable::add(const std::vector<char*>& fields) {
-    const std::size_t keySize = std::strlen(fields[0]);
+void SourceTable::add(const std::vector<std::string_view>& fields) {
+    const std::string_view key = fields[0];
     std::size_t dataSize = 0;
-    for (std::size_t i = 1; i < fields.size(); ++i) dataSize += std::strlen(fields[i]) + 1;
-    char* text = m_arena.allocate(keySize + dataSize);
-    m_records.push_back({text, static_cast<std::uint32_t>(keySize),
+    for (std::size_t i = 1; i < fields.size(); ++i) dataSize += fields[i].size() + 1;
+    char* const text = m_arena.allocate(key.size() + dataSize);
+    m_records.push_back({text, static_cast<std::uint32_t>(key.size()),
                          static_cast<std::uint32_t>(dataSize)});
-    m_keyBytes += keySize;
-    std::memcpy(text, fields[0], keySize);
-    text += keySize;
+    m_keyBytes += key.size();
+    char* end = std::copy(key.begin(), key.end(), text);
     for (std::size_t i = 1; i < fields.size(); ++i) {
-        const std::size_t length = std::strlen(fields[i]);
-        std::memcpy(text, fields[i], length);
-        text += length;
-        *text++ = '\t';
+        end = std::copy(fields[i].begin(), fields[i].end(), end);
+        *end++ = '\t';
     }
 }
 
 void SourceTable::arrange() {
-    const std::vector<std::uint32_t> order =
-        sortedNumbers(recordCount(), [this](std::uint32_t record) { return key(record); });
+    const std::vector<LedString> order =
+        sortedStrings(recordCount(), [this](std::uint32_t record) { return key(record); });
     m_keys.reserve(order.size());
     for (std::size_t i = 0; i < order.size(); ++i) {
-        if (i > 0 && key(order[i - 1]) == key(order[i])) {
-            link(order[i - 1], order[i]);
+        const std::uint32_t record = order[i].number;
+        if (i > 0 && order[i].lead == order[i - 1].lead && key(record) == key(order[i - 1].number)) {
+            link(order[i - 1].number, record);
         } else {
-            m_keys.push_back(order[i]);
+            m_keys.push_back(record);
         }
     }
 }

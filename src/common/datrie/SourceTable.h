@@ -19,7 +19,7 @@ namespace Dictionary {
 class SourceTable {
 public:
     // Adds a record: its key, and its data fields, each of which is followed by a tab in the data.
-    void add(const std::vector<char*>& fields);
+    void add(const std::vector<std::string_view>& fields);
 
     // Finds the records of each key and the order of the keys.
     void arrange();
@@ -27,8 +27,22 @@ public:
     std::uint32_t recordCount() const { return static_cast<std::uint32_t>(m_records.size()); }
     std::size_t keyBytes() const { return m_keyBytes; }
 
-    // The keys in bytewise order.
-    const std::vector<std::uint32_t>& keys() const { return m_keys; }
+    std::size_t keyCount() const { return m_keys.size(); }
+
+    // Calls `visit(key)` for the keys in bytewise order. Their records lie far apart, so their
+    // cache misses are taken together.
+    template <class Visit>
+    void forEachKey(Visit visit) const {
+        constexpr std::size_t kRecordAhead = 32;
+        constexpr std::size_t kTextAhead = 16;
+        for (std::size_t i = 0; i < m_keys.size(); ++i) {
+            if (i + kRecordAhead < m_keys.size()) {
+                __builtin_prefetch(&m_records[m_keys[i + kRecordAhead]]);
+                __builtin_prefetch(m_records[m_keys[i + kTextAhead]].text);
+            }
+            visit(m_keys[i]);
+        }
+    }
 
     std::string_view key(std::uint32_t record) const {
         return {m_records[record].text, m_records[record].keySize};

@@ -51,10 +51,10 @@ void sortByLead(LedString* strings, LedString* scratch, std::size_t count, int s
     }
 }
 
-// The numbers of the strings `textOf(0)` to `textOf(count - 1)` in bytewise order of the strings,
-// equal ones by number. Strings that are in order already take one pass.
+// The strings `textOf(0)` to `textOf(count - 1)` in bytewise order, equal ones by number. Strings
+// that are in order already take one pass.
 template <class TextOf>
-std::vector<std::uint32_t> sortedNumbers(std::uint32_t count, TextOf textOf) {
+std::vector<LedString> sortedStrings(std::uint32_t count, TextOf textOf) {
     constexpr int kTopShift = 56;
     std::vector<LedString> strings;
     strings.reserve(count);
@@ -70,10 +70,7 @@ std::vector<std::uint32_t> sortedNumbers(std::uint32_t count, TextOf textOf) {
         std::vector<LedString> scratch(count);
         sortByLead(strings.data(), scratch.data(), count, kTopShift, before);
     }
-    std::vector<std::uint32_t> order(count);
-    std::transform(strings.begin(), strings.end(), order.begin(),
-                   [](const LedString& string) { return string.number; });
-    return order;
+    return strings;
 }
 
 }  // namespace Dictionary

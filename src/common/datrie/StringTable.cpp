@@ -22,7 +22,7 @@ char* ByteArena::allocate(std::size_t bytes) {
     bytes = (bytes + kAlignment - 1) / kAlignment * kAlignment;
     if (m_free == nullptr || bytes > m_left) {
         m_left = std::max(bytes, kBlockBytes);
-        m_blocks.emplace_back(new char[m_left]);
+        m_blocks.push_back(std::unique_ptr<char[]>(new char[m_left]));
         m_free = m_blocks.back().get();
     }
     char* room = m_free;
@@ -65,7 +65,12 @@ void StringTable::grow() {
 }
 
 std::vector<std::uint32_t> StringTable::sorted() const {
-    return sortedNumbers(size(), [this](std::uint32_t number) { return (*this)[number]; });
+    const std::vector<LedString> strings =
+        sortedStrings(size(), [this](std::uint32_t number) { return (*this)[number]; });
+    std::vector<std::uint32_t> order(strings.size());
+    std::transform(strings.begin(), strings.end(), order.begin(),
+                   [](const LedString& string) { return string.number; });
+    return order;
 }
 
 }  // namespace Dictionary

@@ -65,9 +65,9 @@ inline bool isAsciiRun(const std::uint8_t* text) {
 }
 
 // Calls `emit(code, start, length)` for every character of the `size` bytes at `text`, up to the
-// first sequence that is illegal or cut off.
+// first sequence that is illegal or cut off. Returns where that is, or `size`.
 template <class Emit>
-void decodeUtf8(const char* text, std::size_t size, Emit emit) {
+std::size_t decodeUtf8(const char* text, std::size_t size, Emit emit) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text);
     std::size_t start = 0;
     while (start < size) {
@@ -76,16 +76,29 @@ void decodeUtf8(const char* text, std::size_t size, Emit emit) {
                 emit(std::int32_t{bytes[start]}, start, 1u);
             }
         }
-        if (start == size) return;
+        if (start == size) return size;
         if (bytes[start] < 0x80) {
             emit(std::int32_t{bytes[start]}, start, 1u);
             ++start;
             continue;
         }
         const Utf8Character character = decodeMultiByte(bytes + start, size - start);
-        if (character.length == 0) return;
+        if (character.length == 0) return start;
         emit(character.code, start, character.length);
         start += character.length;
+    }
+    return size;
+}
+
+// The same for all bytes: one that begins no legal sequence is a character of code `illegal`.
+template <class Emit>
+void decodeAllUtf8(const char* text, std::size_t size, std::int32_t illegal, Emit emit) {
+    for (std::size_t start = 0; start < size; ++start) {
+        const auto emitHere = [&](std::int32_t code, std::size_t offset, std::uint32_t length) {
+            emit(code, start + offset, length);
+        };
+        start += decodeUtf8(text + start, size - start, emitHere);
+        if (start < size) emit(illegal, start, 1u);
     }
 }
 

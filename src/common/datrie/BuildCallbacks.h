@@ -1,0 +1,54 @@
+// Helper, not installed: the host's callbacks in a checked build.
+
+#ifndef DICTIONARY_BUILD_CALLBACKS_H
+#define DICTIONARY_BUILD_CALLBACKS_H
+
+#include <cstdint>
+
+#include "DATChecked.h"
+
+namespace Dictionary {
+
+// Thrown when a callback says so, or throws itself.
+struct BuildStopped {};
+
+class BuildCallbacks {
+public:
+    explicit BuildCallbacks(const DictionaryBuildOptions& options)
+        : m_onProblem(options.onProblem),
+          m_onProgress(options.onProgress),
+          m_context(options.context) {}
+
+    void problem(const DictionaryProblem& problem) const {
+        if (m_onProblem == nullptr) return;
+        goOnIf([&] {
+            m_onProblem(m_context, &problem);
+            return true;
+        });
+    }
+
+    void progress(int stage, std::uint64_t done, std::uint64_t total) const {
+        if (m_onProgress == nullptr) return;
+        goOnIf([&] { return m_onProgress(m_context, stage, done, total); });
+    }
+
+private:
+    template <class Call>
+    static void goOnIf(Call call) {
+        bool goOn = false;
+        try {
+            goOn = call();
+        } catch (...) {
+            // No exception of the host passes through its own C calls.
+        }
+        if (!goOn) throw BuildStopped();
+    }
+
+    void (*m_onProblem)(void*, const DictionaryProblem*);
+    bool (*m_onProgress)(void*, int, std::uint64_t, std::uint64_t);
+    void* m_context;
+};
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,7 @@
+#include "DictionaryVersion.h"
+
+#include "DATChecked.h"
+
+const char* dictionaryVersion() {
+    return DICTIONARY_VERSION;
+}

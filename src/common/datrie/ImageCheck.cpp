@@ -1,0 +1,256 @@
+#include "ImageCheck.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "ImageFormat.h"
+
+namespace Dictionary {
+
+namespace {
+
+constexpr std::int64_t kNowhere = -1;
+
+// A record begins with its length.
+using RecordLength = std::int32_t;
+constexpr std::int64_t kLengthBytes = sizeof(RecordLength);
+
+RecordLength lengthOf(const char* record) {
+    RecordLength length;
+    std::memcpy(&length, record, sizeof length);
+    return length;
+}
+
+class Bits {
+public:
+    void resize(std::int64_t count) { m_words.resize(wordOf(count + kWordBits - 1)); }
+    void set(std::int64_t index) { m_words[wordOf(index)] |= std::uint64_t{1} << bitOf(index); }
+    bool operator[](std::int64_t index) const {
+        return (m_words[wordOf(index)] >> bitOf(index) & 1) != 0;
+    }
+
+private:
+    static constexpr std::int64_t kWordBits = 64;
+
+    static std::size_t wordOf(std::int64_t index) {
+        return static_cast<std::uint64_t>(index) / kWordBits;
+    }
+    static unsigned bitOf(std::int64_t index) {
+        return static_cast<std::uint64_t>(index) % kWordBits;
+    }
+
+    std::vector<std::uint64_t> m_words;
+};
+
+enum Word : std::int64_t { kBase = 0, kCheck = 4, kFeature = 8 };
+
+// Finds out that a cell is wrong with few jumps, and only then what is wrong with it: a sound image
+// is read about as fast as memory gives it.
+class ImageCheck {
+public:
+    ImageCheck(const void* image, std::int64_t size, std::int32_t alphabetSize)
+        : m_image(static_cast<const char*>(image)),
+          m_size(size),
+          m_alphabetSize(alphabetSize),
+          m_header(headerOf(image)),
+          m_count(cellBytesOf(m_header) / kCellBytes),
+          m_cells(image, cellBytesOf(m_header)) {}
+
+    DictionaryImageFault run() {
+        if (headerAddsUp() && recordsFillTheArea() && reservedCellsAreRight()) otherCellsAreRight();
+        return m_fault;
+    }
+
+private:
+    bool headerAddsUp();
+    bool recordsFillTheArea();
+    bool reservedCellsAreRight();
+    bool otherCellsAreRight();
+    bool wayUpEnds(std::int64_t from);
+    void prefetchParentOf(std::int64_t index) const;
+
+    bool isCell(std::int64_t index) const { return index >= 0 && index < m_count; }
+    bool isLabel(std::int64_t distance) const { return distance >= 1 && distance < m_alphabetSize; }
+    static bool isFree(const Cell& cell) { return cell.check == kFreeImageCheck; }
+    static bool isBlank(const Cell& cell) {
+        return (cell.base == kFreeCell.base) & (cell.feature == kFreeCell.feature);
+    }
+    // A base leads to another cell, or is the number of the key that a leaf ends, negated.
+    bool isBase(std::int32_t base) const {
+        return base != 0 && base != std::numeric_limits<std::int32_t>::min() && base < m_count;
+    }
+    bool isReference(std::int32_t feature) const {
+        const std::int64_t bit = std::int64_t{feature} - kNoFeature;
+        return bit >= 0 && bit <= featureBytesOf(m_header) && m_references[bit];
+    }
+    // A key ends in the cell, or it has no feature: one of the two words is negative, at least.
+    bool isFilled(const Cell& cell) const {
+        return isBase(cell.base) && isReference(cell.feature) && (cell.base | cell.feature) < 0;
+    }
+    std::int64_t distance(std::int64_t index, const Cell& parent) const {
+        return index - childIndex(parent, 0);
+    }
+
+    bool refuse(int code, std::int64_t cell, std::int64_t offset, const char* text) {
+        m_fault = {code, 0, cell, offset, text};
+        return false;
+    }
+    bool refuseWord(int code, std::int64_t cell, Word word, const char* text) {
+        return refuse(code, cell, cell * kCellBytes + word, text);
+    }
+    bool refuseCell(std::int64_t index);
+
+    const char* m_image;
+    std::int64_t m_size;
+    std::int32_t m_alphabetSize;
+    Cell m_header;
+    std::int32_t m_count;  // of cells
+    CellView m_cells;
+    Bits m_references;  // what a feature word may be, counted from kNoFeature
+    Bits m_climbed;     // cells from which the way up is known to end
+    DictionaryImageFault m_fault = noFault();
+};
+
+bool ImageCheck::headerAddsUp() {
+    const std::int32_t cellBytes = cellBytesOf(m_header);
+    const std::int32_t featureBytes = featureBytesOf(m_header);
+    if (cellBytes < kCellBytes || cellBytes % kCellBytes != 0) {
+        return refuseWord(DICTIONARY_IMAGE_HEADER, 0, kFeature,
+                          "the header gives the cells a size that is no number of whole cells");
+    }
+    if (featureBytes < 0 || std::int64_t{cellBytes} + featureBytes != m_size) {
+        return refuseWord(DICTIONARY_IMAGE_HEADER, 0, kBase,
+                          "the sizes in the header do not add up to the size of the image");
+    }
+    if (m_header.check == kFreeImageCheck) return true;
+    return refuseWord(DICTIONARY_IMAGE_HEADER, 0, kCheck, "the header says that it is a node");
+}
+
+bool ImageCheck::recordsFillTheArea() {
+    constexpr std::int64_t kAhead = 4096;
+    const std::int64_t size = featureBytesOf(m_header);
+    const char* const area = m_image + cellBytesOf(m_header);
+    m_references.resize(size - kNoFeature);
+    m_references.set(0);
+    for (std::int64_t offset = 0; offset < size;) {
+        __builtin_prefetch(area + std::min(offset + kAhead, size));
+        const std::int64_t room = size - offset - kLengthBytes;
+        const std::int64_t length = room < 0 ? room : lengthOf(area + offset);
+        if (length < 0 || length > room) {
+            return refuse(DICTIONARY_IMAGE_AREA, kNowhere, area - m_image + offset,
+                          "a feature record does not end inside the area");
+        }
+        m_references.set(offset - kNoFeature);
+        offset += kLengthBytes + length;
+    }
+    return true;
+}
+
+// A text's first character leads to the cell of its code, whatever the check there, so that nothing
+// but children of the root may stand in these cells.
+bool ImageCheck::reservedCellsAreRight() {
+    for (std::int32_t index = 1; index <= std::min(m_alphabetSize, m_count - 1); ++index) {
+        const Cell cell = m_cells[index];
+        const bool isRoot = cell.check == kRootCheck && index < m_alphabetSize;
+        const bool isRight = isFree(cell) ? isBlank(cell) : isRoot && isFilled(cell);
+        if (!isRight) return refuseCell(index);
+    }
+    return true;
+}
+
+bool ImageCheck::otherCellsAreRight() {
+    constexpr std::int32_t kAhead = 64;
+    m_climbed.resize(m_count);
+    for (std::int32_t index = m_alphabetSize + 1; index < m_count; ++index) {
+        prefetchParentOf(std::min(index + kAhead, m_count - 1));
+        const Cell cell = m_cells[index];
+        if (!isCell(cell.check)) return refuseCell(index);
+        // Of a free cell this is the header, which is itself free.
+        const Cell parent = m_cells[cell.check];
+        const bool isChild = isLabel(distance(index, parent)) && !isFree(parent);
+        if (!(isFree(cell) ? isBlank(cell) : isChild && isFilled(cell))) return refuseCell(index);
+        // In a circle of parents, the two above its lowest cell do not lie below that.
+        const bool mayBeLowest = (cell.check >= index) & (parent.check >= index);
+        if (mayBeLowest && !wayUpEnds(index)) return false;
+    }
+    return true;
+}
+
+// Climbs past cells that were not looked at yet, and leaves it to their turn to refuse them.
+bool ImageCheck::wayUpEnds(std::int64_t from) {
+    const auto goesOn = [&](std::int64_t index) {
+        return index > 0 && index < m_count && !m_climbed[index];
+    };
+    std::int64_t steps = 0;
+    for (std::int64_t index = from; goesOn(index); index = m_cells[index].check) {
+        if (++steps < m_count) continue;
+        return refuseWord(DICTIONARY_IMAGE_PARENT, from, kCheck,
+                          "the cell's parents do not lead up to the root");
+    }
+    for (std::int64_t index = from; goesOn(index); index = m_cells[index].check) {
+        m_climbed.set(index);
+    }
+    return true;
+}
+
+void ImageCheck::prefetchParentOf(std::int64_t index) const {
+    const std::int64_t parent = m_cells[index].check;
+    __builtin_prefetch(m_image + (isCell(parent) ? parent * kCellBytes : 0));
+}
+
+// Says what is wrong with a cell that is wrong.
+bool ImageCheck::refuseCell(std::int64_t index) {
+    const Cell cell = m_cells[index];
+    const bool free = isFree(cell);
+    const bool isRoot = cell.check == kRootCheck;
+    const bool reserved = index <= m_alphabetSize;
+    const Cell parent = isCell(cell.check) ? m_cells[cell.check] : kFreeCell;
+    const struct {
+        bool holds;
+        int code;
+        Word word;
+        const char* text;
+    } faults[] = {
+        {free && cell.base != kFreeCell.base, DICTIONARY_IMAGE_FREE_CELL, kBase,
+         "a free cell has a base"},
+        {free, DICTIONARY_IMAGE_FREE_CELL, kFeature, "a free cell has a feature"},
+        {!isBase(cell.base), DICTIONARY_IMAGE_BASE, kBase, "the cell's base leads nowhere"},
+        {!isReference(cell.feature), DICTIONARY_IMAGE_FEATURE, kFeature,
+         "the cell's feature does not begin a record"},
+        {!endsKey(cell) && cell.feature != kNoFeature, DICTIONARY_IMAGE_FEATURE, kFeature,
+         "the cell has a feature, but ends no key"},
+        {reserved, DICTIONARY_IMAGE_PARENT, kCheck,
+         "the cell is kept for a first character, but has a parent"},
+        {isRoot, DICTIONARY_IMAGE_PARENT, kCheck, "the cell is none of a first character's"},
+        {!isCell(cell.check), DICTIONARY_IMAGE_PARENT, kCheck, "the cell's parent does not exist"},
+        {isFree(parent), DICTIONARY_IMAGE_PARENT, kCheck, "the cell's parent is free"},
+        {true, DICTIONARY_IMAGE_LABEL, kCheck, "the cell is out of reach of its parent's base"},
+    };
+    const auto* fault = faults;
+    while (!fault->holds) ++fault;
+    return refuseWord(fault->code, index, fault->word, fault->text);
+}
+
+}  // namespace
+
+DictionaryImageFault faultOf(DictionaryImageCode code, int systemError, const char* text) {
+    return {code, systemError, kNowhere, kNowhere, text};
+}
+
+bool canBeImageSize(std::size_t size) {
+    return size >= kCellBytes && size <= std::size_t{kMaxImageBytes};
+}
+
+DictionaryImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize) {
+    if (size > std::size_t{kMaxImageBytes}) {
+        return faultOf(DICTIONARY_IMAGE_TOO_LARGE, 0, "larger than an image can be");
+    }
+    if (image == nullptr || size < kCellBytes) {
+        return faultOf(DICTIONARY_IMAGE_TOO_SHORT, 0, "too short for the header of an image");
+    }
+    return ImageCheck(image, static_cast<std::int64_t>(size), alphabetSize).run();
+}
+
+}  // namespace Dictionary

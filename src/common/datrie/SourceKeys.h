@@ -1,0 +1,31 @@
+// Helper, not installed: the way of a source's keys into a trie.
+
+#ifndef DICTIONARY_SOURCE_KEYS_H
+#define DICTIONARY_SOURCE_KEYS_H
+
+#include <cstdint>
+#include <string>
+
+#include "SourceTable.h"
+#include "TrieBuilder.h"
+#include "UTF8Coder.h"
+
+namespace Dictionary {
+
+// Adds the keys of an arranged table to a builder. Calls `refused(key)` for every one that the
+// coder refuses.
+template <class Refused>
+void addKeysOf(const SourceTable& table, ICoderInterface& coder, TrieBuilder& builder,
+               Refused refused) {
+    builder.reserve(table.keyCount(), table.keyBytes());
+    std::string key;
+    std::string joined;
+    table.forEachKey([&](std::uint32_t record) {
+        key = table.trieKey(record);
+        if (!builder.addKey(coder, key.c_str(), false, table.data(record, joined))) refused(key);
+    });
+}
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,47 @@
+// Helper, not installed: cuts a source into records.
+
+#ifndef DICTIONARY_SOURCE_RECORDS_H
+#define DICTIONARY_SOURCE_RECORDS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "SourceText.h"
+
+namespace Dictionary {
+
+struct SourceRecord {
+    std::string_view text;     // without the separator; empty of a record that is too long
+    std::uint64_t number = 0;  // from 1
+    bool tooLong = false;
+    bool finished = false;  // a separator follows
+};
+
+class SourceRecords {
+public:
+    // The longest record that CRecordReader reads whole, too.
+    static constexpr std::size_t kMaxRecordBytes = 4194298;
+
+    // `source` must outlive the object; `separator` is not empty.
+    SourceRecords(SourceText& source, std::string separator)
+        : m_source(source), m_separator(std::move(separator)) {}
+
+    // Makes `record` the next one, valid until the next call; false at the source's end.
+    bool next(SourceRecord& record);
+
+private:
+    bool readOn();
+    std::size_t findEnd();
+    bool skipRest();
+
+    SourceText& m_source;
+    std::string m_separator;
+    std::string_view m_unread;
+};
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,157 @@
+// Lookups as records, against a model that knows a text as characters and the keys as a map.
+
+#include <map>
+#include <random>
+#include <tuple>
+
+#include "DATDictionary.h"
+#include "TemporaryFile.h"
+
+namespace {
+
+using Dictionary::CImage;
+
+struct Character {
+    std::string bytes;
+    std::size_t utf16 = 1;
+};
+
+using Text = std::vector<Character>;
+using Words = std::map<std::string, std::string>;
+using Found = std::vector<std::tuple<std::size_t, std::size_t, std::string>>;
+
+CImage imageOf(const Words& words) {
+    std::string records;
+    for (const auto& [key, data] : words) records += key + '\t' + data + '\n';
+    const TemporaryFile source(records), image;
+    printedBy([&] { buildTree(source.path(), image.path()); });
+    return CImage::open(image.path(), DICTIONARY_OPEN_COPY);
+}
+
+std::string bytesOf(const Text& text, std::size_t from, std::size_t to) {
+    std::string bytes;
+    for (std::size_t i = from; i < to; ++i) bytes += text[i].bytes;
+    return bytes;
+}
+
+std::size_t sizeOf(const Text& text, std::size_t from, std::size_t to, int unit) {
+    if (unit == DICTIONARY_UNIT_BYTE) return bytesOf(text, from, to).size();
+    std::size_t size = 0;
+    for (std::size_t i = from; i < to; ++i) {
+        size += unit == DICTIONARY_UNIT_UTF16 ? text[i].utf16 : 1;
+    }
+    return size;
+}
+
+Found expected(const Words& words, const Text& text, int mode, int unit) {
+    Found all;
+    for (std::size_t from = 0, next = 1; from < text.size(); from = next, next = from + 1) {
+        bool isFirst = true;
+        for (std::size_t to = from + 1; to <= text.size(); ++to) {
+            const auto word = words.find(bytesOf(text, from, to));
+            if (word == words.end()) continue;
+            if (mode != DICTIONARY_FIND_ALL && !isFirst) all.pop_back();
+            isFirst = false;
+            if (mode == DICTIONARY_FIND_SEGMENT) next = to;
+            all.emplace_back(sizeOf(text, 0, from, unit), sizeOf(text, from, to, unit),
+                             word->second + '\t');
+        }
+    }
+    return all;
+}
+
+Found found(const CImage& image, const std::string& text, int mode, int unit) {
+    Found all;
+    for (const Dictionary::SMatch& match : image.find(static_cast<DictionaryFindMode>(mode), text,
+                                                      static_cast<DictionaryUnit>(unit))) {
+        all.emplace_back(match.start, match.length, match.dataText());
+    }
+    return all;
+}
+
+TEST(Match, EqualsTheModelInEveryModeAndUnit) {
+    const Words words = {{"a", "1"},      {"ab", "22"},    {"aba", "333"},  {"b\u00e9", ""},
+                         {"\u00e9", "5"}, {"\u4e2d", "6"}, {"\uffff", "7"}, {"bb\uffff", "8"}};
+    const CImage image = imageOf(words);
+    const Text letters = {{"a"},    {"b"},    {"\u00e9"}, {"\u4e2d"},        {"\uffff"},
+                          {"\x80"}, {"\xF5"}, {{'\0'}},   {"\U0001F600", 2}, {"\U00010061", 2}};
+    std::mt19937 random(11);
+    for (int round = 0; round < 3000 && !testing::Test::HasFailure(); ++round) {
+        Text text;
+        for (auto i = random() % 40; i > 0; --i) text.push_back(letters[random() % letters.size()]);
+        const std::string bytes = bytesOf(text, 0, text.size());
+        for (int mode = DICTIONARY_FIND_ALL; mode <= DICTIONARY_FIND_SEGMENT; ++mode) {
+            for (int unit = DICTIONARY_UNIT_BYTE; unit <= DICTIONARY_UNIT_UTF16; ++unit) {
+                EXPECT_EQ(found(image, bytes, mode, unit), expected(words, text, mode, unit));
+            }
+        }
+        std::string data;
+        EXPECT_EQ(image.lookup(bytes, data), words.count(bytes) > 0);
+
+        std::string listed;
+        for (const auto& [start, length, feature] :
+             found(image, bytes, DICTIONARY_FIND_AS_SEARCH, DICTIONARY_UNIT_BYTE)) {
+            listed +=
+                bytes.substr(start, length) + '/' + std::to_string(start) + ':' + feature + '\t';
+        }
+        char* const result = search(bytes.c_str(), image.handle(), true);
+        EXPECT_EQ(listed, result);
+        freeResult(result);
+    }
+}
+
+TEST(Match, SeveralTextsShareAList) {
+    const CImage image = imageOf({{"a", "1"}, {"ab", "2"}});
+    const char* const texts[] = {"xab", nullptr, "none", "a"};
+    const std::size_t sizes[] = {3, 0, 4, 1};
+    const std::size_t tooLong = std::size_t{1} << 31;
+    std::vector<std::size_t> ends(4);
+    DictionaryMatches matches = {nullptr, 0, 0};
+    for (int again = 0; again < 2; ++again) {
+        EXPECT_TRUE(dictionaryFindInEach(image.handle(), DICTIONARY_FIND_ALL, DICTIONARY_UNIT_BYTE,
+                                         texts, sizes, 4, &matches, ends.data()));
+        EXPECT_EQ(ends, (std::vector<std::size_t>{2, 2, 2, 3}));
+        EXPECT_EQ(matches.count, 3u);
+    }
+    EXPECT_FALSE(dictionaryFind(image.handle(), 4, 0, "a", 1, &matches));
+    EXPECT_FALSE(dictionaryFind(image.handle(), 0, -1, "a", 1, &matches));
+    EXPECT_FALSE(dictionaryFind(image.handle(), 0, 0, "a", tooLong, &matches));
+    EXPECT_FALSE(dictionaryLookup(image.handle(), "a", tooLong, nullptr, nullptr));
+    EXPECT_EQ(matches.count, 0u);
+    dictionaryReleaseMatches(&matches);
+    EXPECT_EQ(matches.items, nullptr);
+}
+
+TEST(Match, HandlesWithoutAnImageFindNothing) {
+    const TemporaryFile empty;
+    const int descriptor = nextDescriptor();
+    for (const char* name : {"/no/such/file", empty.path(), ""}) {
+        void* handle = nullptr;
+        if (*name != '\0') printedBy([&] { handle = loadBin(name); });
+        DictionaryMatches matches = {nullptr, 0, 0};
+        EXPECT_TRUE(dictionaryFind(handle, 0, 0, "a", 1, &matches));
+        const char* data = "before";
+        EXPECT_FALSE(dictionaryLookup(handle, "a", 1, &data, nullptr));
+        EXPECT_TRUE(matches.count == 0 && data == nullptr);
+        destroyBin(handle);
+    }
+    close(descriptor);  // a failed mapping leaves it open
+}
+
+TEST(Match, TheCppFaceSaysWhatIsWrong) {
+    const TemporaryFile source("a\t1\n\U0001F600\t2\n"), image("not an image");
+    try {
+        CImage::open(image.path());
+        FAIL();
+    } catch (const Dictionary::CImageError& error) {
+        const std::string message = image.path() + (": " + std::string(error.fault().text));
+        EXPECT_EQ(error.what(), message + ", cell 0, byte 8");
+    }
+    EXPECT_THROW(Dictionary::buildImage("/no/such/file", image.path()), Dictionary::CBuildError);
+    const Dictionary::SBuild build = Dictionary::buildImage(source.path(), image.path());
+    EXPECT_EQ(build.result, DICTIONARY_BUILT_WITHOUT_SOME);
+    EXPECT_EQ(build.problems.at(0).message().find(source.path() + std::string(":2:1: beyond")), 0u);
+    Dictionary::verifyImage(image.path());
+}
+
+}  // namespace
