@@ -1,0 +1,14 @@
+/* Says which library it found; fails unless it is the one that its headers came with. */
+
+#include <stdio.h>
+#include <string.h>
+
+#include "DATChecked.h"
+#include "DATInterface.h"
+#include "DictionaryVersion.h"
+
+int main(void) {
+    destroyBin(NULL);
+    printf("headers %s, library %s\n", DICTIONARY_VERSION, dictionaryVersion());
+    return strcmp(DICTIONARY_VERSION, dictionaryVersion()) != 0;
+}
