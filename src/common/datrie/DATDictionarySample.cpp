@@ -67,9 +67,8 @@ bool gather(CRecordReader& source, SourceTable& table) {
 
 void addAll(const SourceTable& table, ICoderInterface& coder, TrieBuilder& builder) {
     MessageBlock messages(stderr);
-    addKeysOf(table, coder, builder, [&](const std::string& key) {
-        messages << "wrong add a key : " << key << "\n";
-    });
+    addKeysOf(table, coder, builder,
+              [&](const std::string& key) { messages << "wrong add a key : " << key << "\n"; });
 }
 
 }  // namespace
@@ -156,7 +155,9 @@ char* CDictionayApp::searchText(const char* text, bool withFeatures) const {
             const SPOS span = encoded.span(from, to, feature);
             const auto position = static_cast<std::size_t>(span.start);
             const auto length = static_cast<std::size_t>(span.end + 1 - span.start);
-            list.add({text + position, length}, position, image.featureText(feature));
+            const std::string_view data =
+                withFeatures ? image.featureText(feature) : std::string_view();
+            list.add({text + position, length}, position, data);
         });
     return list.release();
 }

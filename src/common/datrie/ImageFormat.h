@@ -58,6 +58,12 @@ inline std::int32_t cellBytesOf(const Cell& header) {
     return header.feature;
 }
 
+// The same for a child that is looked for below a limit: what is no cell comes out above every one.
+inline std::uint32_t childCell(std::int32_t base, std::int32_t code) {
+    const auto bits = static_cast<std::uint32_t>(base);
+    return (base < 0 ? 0u - bits : bits) + static_cast<std::uint32_t>(code);
+}
+
 // The cells of an image in memory, which need not be aligned.
 class CellView {
 public:
@@ -73,6 +79,16 @@ public:
         std::memcpy(&cell, m_image + index * kCellBytes, sizeof cell);
         return cell;
     }
+
+    std::int32_t baseOf(std::uint32_t index) const { return word(index, offsetof(Cell, base)); }
+    std::int32_t checkOf(std::uint32_t index) const { return word(index, offsetof(Cell, check)); }
+    std::int32_t featureOf(std::uint32_t index) const {
+        return word(index, offsetof(Cell, feature));
+    }
+
+    const char* bytes() const { return m_image; }
+    // Cells below it may be reached as children.
+    std::uint32_t childLimit() const { return static_cast<std::uint32_t>(m_childLimit); }
 
     bool holds(std::int64_t index) const { return unsignedOf(index) < unsignedOf(m_firstLimit); }
 
@@ -92,6 +108,12 @@ public:
 
 private:
     static constexpr std::int64_t kCheckOffset = offsetof(Cell, check);
+
+    std::int32_t word(std::uint32_t index, std::size_t offset) const {
+        std::int32_t word;
+        std::memcpy(&word, m_image + std::size_t{index} * kCellBytes + offset, sizeof word);
+        return word;
+    }
 
     static std::uint64_t unsignedOf(std::int64_t value) {
         return static_cast<std::uint64_t>(value);

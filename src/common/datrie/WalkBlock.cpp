@@ -1,0 +1,50 @@
+#include "WalkBlock.h"
+
+#include "Walk.h"
+
+namespace Dictionary {
+
+bool WalkBlock::walk(const std::int32_t* codes, std::uint32_t count) {
+    Walks walks = begin(codes, count);
+    Walks ends = {0, m_keyStarts, m_keyCells};
+    std::uint32_t length = 1;
+    for (; walks.count > kFewWalks; ++length) {
+        if (length > kMaxLength) return false;
+        m_step(m_cells, codes + length, m_alphabet, length << kLengthShift, walks, ends);
+        if (ends.count > kMaxKeys) return false;
+    }
+    const bool complete = finish(codes, length, walks, ends);
+    m_keyCount = ends.count;
+    return complete;
+}
+
+Walks WalkBlock::begin(const std::int32_t* codes, std::uint32_t count) {
+    m_count = count;
+    Walks walks = {0, m_walkStarts, m_walkCells};
+    for (std::uint32_t start = 0; start < count; ++start) {
+        const std::int32_t code = codes[start];
+        walks.addIf(code < m_alphabet && m_cells.holds(code), start,
+                    static_cast<std::uint32_t>(code));
+    }
+    return walks;
+}
+
+// Goes on with the walks one by one, which have `length` characters behind them.
+bool WalkBlock::finish(const std::int32_t* codes, std::uint32_t length, const Walks& walks,
+                       Walks& ends) {
+    bool complete = true;
+    for (std::uint32_t i = 0; i < walks.count; ++i) {
+        const std::uint32_t start = walks.starts[i];
+        walkOn(m_cells, walks.cells[i], codes + start + length, m_alphabet,
+               [&](std::size_t passed, std::int64_t index, const Cell&) {
+                   const std::size_t whole = length + passed;
+                   const bool fits = whole <= kMaxLength && ends.count < kMaxKeys;
+                   complete &= fits;
+                   ends.addIf(fits, start | static_cast<std::uint32_t>(whole) << kLengthShift,
+                              static_cast<std::uint32_t>(index));
+               });
+    }
+    return complete;
+}
+
+}  // namespace Dictionary

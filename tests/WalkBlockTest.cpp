@@ -1,0 +1,96 @@
+// Walks that advance together against walks one by one, for every kind of machine.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "DATWriter.h"
+#include "LetterCoder.h"
+#include "TextSearch.h"
+#include "WalkStep.h"
+
+namespace {
+
+using Dictionary::EncodedText;
+using Dictionary::TextSearch;
+
+using Found = std::vector<std::tuple<std::size_t, std::size_t, std::int32_t>>;
+
+Found oneByOne(const TextSearch& search, const EncodedText& text, std::int32_t alphabet,
+               bool longest) {
+    Found found;
+    for (std::size_t from = 0; from < text.size(); ++from) {
+        if (text.codes()[from] >= alphabet) continue;
+        const std::size_t before = found.size();
+        search.walk(from, alphabet, [&](std::size_t to, std::int32_t feature) {
+            if (longest) found.resize(before);
+            found.emplace_back(from, to, feature);
+        });
+    }
+    return found;
+}
+
+Found together(const TextSearch& search, std::int32_t alphabet, bool longest) {
+    Found found;
+    const auto add = [&](std::size_t from, std::size_t to, std::int32_t feature) {
+        found.emplace_back(from, to, feature);
+    };
+    if (longest) {
+        search.forEachLongestKey(alphabet, add);
+    } else {
+        search.forEachKey(alphabet, false, add);
+    }
+    return found;
+}
+
+std::unique_ptr<char[]> imageOf(LetterCoder& coder, const std::vector<std::string>& keys) {
+    Dictionary::CDATWriter writer(&coder, false);
+    for (const std::string& key : keys) writer.addKeys(key.c_str(), key);
+    testing::internal::CaptureStdout();
+    writer.buildDAT();
+    testing::internal::GetCapturedStdout();
+    return std::unique_ptr<char[]>(writer.write());
+}
+
+TEST(WalkBlock, FindsWhatWalksOneByOneFind) {
+    std::mt19937 random(11);
+    LetterCoder coder;
+    const auto text = [&](std::size_t size, unsigned letters) {
+        std::string result;
+        while (result.size() < size) result += static_cast<char>('A' + random() % letters);
+        return result;
+    };
+    for (int round = 0; round < 60; ++round) {
+        const unsigned letters = 1 + random() % 4;
+        std::vector<std::string> keys;
+        for (int i = 0; i < 40; ++i) keys.push_back(text(1 + random() % 6, letters));
+        // In a text of one letter these are more keys than a block has room for.
+        for (std::size_t size = 1; round % 10 == 0 && size < 90; ++size)
+            keys.push_back(text(size, 1));
+        const std::unique_ptr<char[]> image = imageOf(coder, keys);
+        const Dictionary::ImageView view(image.get());
+        // From texts shorter than a register to several blocks; some letters are in no key.
+        for (const std::size_t size : {0u, 1u, 9u, 17u, 255u, 256u, 257u, 700u}) {
+            const std::string content = text(size, round % 10 == 0 ? 1 : letters + 1);
+            const EncodedText codes(coder, content.c_str(), -1, round % 2 == 1);
+            // The smaller alphabet leaves out letters that keys have.
+            for (const std::int32_t alphabet : {64, 3}) {
+                for (const bool longest : {false, true}) {
+                    const Found expected =
+                        oneByOne({view.cells(), codes}, codes, alphabet, longest);
+                    for (const auto& kernel : Dictionary::walkStepKernels()) {
+                        EXPECT_EQ(together({view.cells(), codes, kernel.step}, alphabet, longest),
+                                  expected)
+                            << kernel.name << ", round " << round << ", " << size << " letters";
+                    }
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
