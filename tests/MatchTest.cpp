@@ -144,7 +144,7 @@ TEST(Match, TheCppFaceSaysWhatIsWrong) {
         CImage::open(image.path());
         FAIL();
     } catch (const Dictionary::CImageError& error) {
-        const std::string message = image.path() + (": " + std::string(error.fault().text));
+        const std::string message = image.path() + (": header: " + std::string(error.fault().text));
         EXPECT_EQ(error.what(), message + ", cell 0, byte 8");
     }
     EXPECT_THROW(Dictionary::buildImage("/no/such/file", image.path()), Dictionary::CBuildError);

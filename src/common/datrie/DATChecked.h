@@ -5,7 +5,8 @@
  * - No function writes to a stream, ends the process or lets an exception out.
  * - Paths are NUL-terminated. Sizes and offsets are counted in bytes, lines and columns from 1.
  * - A pointer to an out parameter may be null when the caller does not want to know.
- * - Texts handed out are constant strings of the library, in English, and need no release.
+ * - Texts handed out are the library's own, in English; they need no release and last for good
+ *   where nothing else is said.
  * - Everything may be called from several threads at once, but for two builds of one image file
  *   and for destroyBin, which must not run while its handle is in use.
  * - A struct that begins with `size` is to be zeroed and given its own sizeof there, so that a
@@ -47,6 +48,9 @@ enum DictionaryImageCode {
     DICTIONARY_IMAGE_BASE = 10,     /* a cell in use has no base that can be */
     DICTIONARY_IMAGE_FEATURE = 11   /* a cell refers to no record of the area */
 };
+
+/* The name of a code, as tools print it: "free-cell". "unknown" for any other number. */
+DICTIONARY_EXPORT const char* dictionaryFaultName(int code);
 
 typedef struct DictionaryImageFault {
     int code;         /* one of DictionaryImageCode */
@@ -159,7 +163,7 @@ enum DictionaryBuildResult {
     DICTIONARY_BUILT = 0,              /* every record is in the image */
     DICTIONARY_BUILT_WITHOUT_SOME = 1, /* keys were refused; the others are in the image */
     DICTIONARY_NOT_BUILT = 2,          /* an error; there is no new image */
-    DICTIONARY_STOPPED = 3             /* onProgress said so; there is no new image */
+    DICTIONARY_STOPPED = 3             /* a callback said so; there is no new image */
 };
 
 /* Builds the image file `imageName` from the source file `sourceName`, which may be a pipe. The

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <iterator>
 #include <new>
 
 #include "DATChecked.h"
@@ -119,6 +120,11 @@ DictionaryImageFault checkFile(const char* name, int mode, Pages& pages) {
     return error != kNoError ? unreadable(error) : checkBytes(pages.bytes(), size);
 }
 
+// By code.
+constexpr const char* kFaultNames[] = {"ok",        "unreadable", "no-memory", "too-short",
+                                       "too-large", "header",     "area",      "free-cell",
+                                       "parent",    "label",      "base",      "feature"};
+
 bool report(const DictionaryImageFault& found, DictionaryImageFault* fault) {
     if (fault != nullptr) *fault = found;
     return found.code == DICTIONARY_IMAGE_OK;
@@ -129,6 +135,11 @@ bool report(const DictionaryImageFault& found, DictionaryImageFault* fault) {
 }  // namespace Dictionary
 
 using namespace Dictionary;
+
+const char* dictionaryFaultName(int code) {
+    const bool known = code >= 0 && static_cast<std::size_t>(code) < std::size(kFaultNames);
+    return known ? kFaultNames[code] : "unknown";
+}
 
 bool dictionaryVerify(const void* image, size_t size, DictionaryImageFault* fault) {
     return report(checkBytes(image, size), fault);

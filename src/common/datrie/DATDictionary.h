@@ -33,7 +33,7 @@ public:
 
 private:
     static std::string message(const std::string& path, const DictionaryImageFault& fault) {
-        std::string text = path + ": " + fault.text;
+        std::string text = path + ": " + dictionaryFaultName(fault.code) + ": " + fault.text;
         if (fault.systemError != 0) text += std::string(": ") + std::strerror(fault.systemError);
         if (fault.cell >= 0) text += ", cell " + std::to_string(fault.cell);
         if (fault.offset >= 0) text += ", byte " + std::to_string(fault.offset);
@@ -106,9 +106,15 @@ private:
     std::unique_ptr<void, Release> m_handle;
 };
 
-// A DictionaryProblem with the file that it is about.
-struct SProblem : DictionaryProblem {
+// A DictionaryProblem that lasts, with the file that it is about.
+struct SProblem {
+    int code;              // one of DictionaryProblemCode
+    int severity;          // one of DictionarySeverity
+    int systemError;       // errno where the system refused, else 0
+    std::uint64_t line;    // the record's number, from 1; 0 where no record is meant
+    std::uint64_t column;  // the byte in the record, from 1; 0 where no byte is meant
     std::string file;
+    std::string text;  // what is wrong and what to do about it, in words
 
     // "FILE:LINE:COLUMN: NAME: TEXT", without the numbers that the problem does not have.
     std::string message() const {
@@ -160,11 +166,10 @@ struct BuildContext {
     static void collect(void* context, const DictionaryProblem* problem) {
         BuildContext& self = *static_cast<BuildContext*>(context);
         try {
-            SProblem copy;
-            static_cast<DictionaryProblem&>(copy) = *problem;
             const bool isOfImage = problem->code == DICTIONARY_PROBLEM_CANNOT_WRITE;
-            copy.file = isOfImage ? self.image : self.source;
-            self.problems.push_back(copy);
+            const std::string& file = isOfImage ? self.image : self.source;
+            self.problems.push_back({problem->code, problem->severity, problem->systemError,
+                                     problem->line, problem->column, file, problem->text});
         } catch (const std::bad_alloc&) {
             self.memoryIsShort = true;
         }
