@@ -1,0 +1,125 @@
+// Node-API for C++: values are made and read without a look at every status, and jobs run at once
+// or on the thread pool.
+
+#ifndef DICTIONARY_NODE_NAPI_H
+#define DICTIONARY_NODE_NAPI_H
+
+#include <node_api.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Dictionary::Node {
+
+// Thrown when a JavaScript exception is pending, which the host sees as soon as we return.
+struct ExceptionIsPending {};
+
+// Makes JavaScript values, on JavaScript's thread. Throws ExceptionIsPending.
+class Env {
+public:
+    explicit Env(napi_env env) : m_env(env) {}
+    operator napi_env() const { return m_env; }
+
+    void check(napi_status status) const;
+
+    napi_value null() const;
+    napi_value boolean(bool value) const;
+    napi_value number(double value) const;
+    napi_value string(std::string_view utf8) const;
+    napi_value array(const std::vector<napi_value>& items) const;
+    napi_value uint32Array(const std::vector<std::uint32_t>& numbers) const;
+    napi_value object(std::initializer_list<std::pair<const char*, napi_value>> members) const;
+    // Keeps `value` as long as JavaScript keeps the external.
+    template <class Value>
+    napi_value external(const Value& value) const;
+
+private:
+    napi_env m_env;
+};
+
+// The arguments of a call. Throws ExceptionIsPending when one is not of the kind asked for.
+class Call {
+public:
+    Call(const Env& env, napi_callback_info info);
+
+    const Env& env() const { return m_env; }
+    std::u16string text(std::size_t i) const;
+    // For C strings: without a NUL.
+    std::string name(std::size_t i) const;
+    bool flag(std::size_t i) const;
+    template <class Value>
+    Value& external(std::size_t i) const;
+
+private:
+    static constexpr std::size_t kMostArguments = 5;
+
+    Env m_env;
+    napi_value m_arguments[kMostArguments];
+};
+
+// Called on JavaScript's thread with what a job has brought about.
+using Answer = std::function<napi_value(const Env&)>;
+// Called once, on any thread. May throw std::bad_alloc.
+using Job = std::function<Answer()>;
+
+// Runs a job on the thread pool and returns the promise of its answer.
+napi_value promiseOf(const Env& env, Job job);
+
+// Calls `body`; what it throws becomes JavaScript's pending exception, and the result null.
+template <class Body>
+napi_value withoutThrowing(napi_env env, Body body) {
+    try {
+        return body();
+    } catch (const ExceptionIsPending&) {
+        // JavaScript is told already.
+    } catch (const std::bad_alloc&) {
+        napi_throw_error(env, "no-memory", "there is not enough memory");
+    }
+    return nullptr;
+}
+
+// Functions for JavaScript, made from ones that read their arguments and return a value or a job.
+template <napi_value (*kFunction)(const Call&)>
+napi_value direct(napi_env env, napi_callback_info info) {
+    return withoutThrowing(env, [&] { return kFunction(Call(Env(env), info)); });
+}
+
+template <Job (*kPrepare)(const Call&)>
+napi_value runNow(napi_env env, napi_callback_info info) {
+    return withoutThrowing(env, [&] { return kPrepare(Call(Env(env), info))()(Env(env)); });
+}
+
+template <Job (*kPrepare)(const Call&)>
+napi_value runLater(napi_env env, napi_callback_info info) {
+    return withoutThrowing(env,
+                           [&] { return promiseOf(Env(env), kPrepare(Call(Env(env), info))); });
+}
+
+template <class Value>
+napi_value Env::external(const Value& value) const {
+    const auto release = [](napi_env, void* kept, void*) { delete static_cast<Value*>(kept); };
+    auto kept = std::make_unique<Value>(value);
+    napi_value result;
+    check(napi_create_external(m_env, kept.get(), release, nullptr, &result));
+    kept.release();
+    return result;
+}
+
+template <class Value>
+Value& Call::external(std::size_t i) const {
+    void* kept = nullptr;
+    m_env.check(napi_get_value_external(m_env, m_arguments[i], &kept));
+    return *static_cast<Value*>(kept);
+}
+
+}  // namespace Dictionary::Node
+
+#endif

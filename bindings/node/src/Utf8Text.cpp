@@ -1,0 +1,57 @@
+#include "Utf8Text.h"
+
+namespace Dictionary::Node {
+
+namespace {
+
+constexpr std::size_t kMostBytesOfUnit = 3;
+constexpr char32_t kUnpaired = 0x110000;
+constexpr char kIllegalByte = '\xFF';
+
+bool isSurrogate(char16_t unit) {
+    return (unit & 0xF800u) == 0xD800u;
+}
+
+bool isPair(char16_t first, char16_t second) {
+    return (first & 0xFC00u) == 0xD800u && (second & 0xFC00u) == 0xDC00u;
+}
+
+// Decodes the character at units[i] and moves `i` behind it. Behind the last unit stands a NUL.
+char32_t takeCharacter(const std::u16string& units, std::size_t& i) {
+    const char16_t unit = units[i++];
+    if (!isSurrogate(unit)) return unit;
+    if (!isPair(unit, units[i])) return kUnpaired;
+    const char32_t upper = unit & 0x3FFu;
+    const char32_t lower = units[i++] & 0x3FFu;
+    return 0x10000 + (upper << 10 | lower);
+}
+
+// Returns where the next character goes.
+char* put(char32_t code, char* to) {
+    if (code == kUnpaired) {
+        *to = kIllegalByte;
+        return to + 1;
+    }
+    if (code < 0x80) {
+        *to = static_cast<char>(code);
+        return to + 1;
+    }
+    constexpr char32_t kLeads[] = {0, 0xC0, 0xE0, 0xF0};
+    const int following = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+    *to++ = static_cast<char>(kLeads[following] | code >> 6 * following);
+    for (int i = following - 1; i >= 0; --i) {
+        *to++ = static_cast<char>(0x80u | (code >> 6 * i & 0x3Fu));
+    }
+    return to;
+}
+
+}  // namespace
+
+Utf8Text::Utf8Text(const std::u16string& units)
+    : m_bytes(new char[kMostBytesOfUnit * units.size()]) {
+    char* to = m_bytes.get();
+    for (std::size_t i = 0; i < units.size();) to = put(takeCharacter(units, i), to);
+    m_size = static_cast<std::size_t>(to - m_bytes.get());
+}
+
+}  // namespace Dictionary::Node
