@@ -1,0 +1,32 @@
+"""Dictionaries over Unicode text: build an image once, open it anywhere, find its keys in texts.
+
+>>> import io
+>>> from dictionary import Dictionary
+>>> source = io.StringIO("東京\\tnoun\\tTokyo\\n東京都\\tnoun\\tTokyo Metropolis\\n")
+>>> Dictionary.build(source, "words.bin").keys
+2
+>>> with Dictionary.open("words.bin") as words:
+...     for match in words.find_all("私は東京都に住む。"):
+...         print(match.start, match.end, match.key, match.fields)
+2 4 東京 ('noun', 'Tokyo')
+2 5 東京都 ('noun', 'Tokyo Metropolis')
+
+A str is searched by characters and gives str, bytes are searched as UTF-8 and give bytes; offsets
+count what the text itself counts, so that ``text[match.start:match.end] == match.key``.
+
+Every function may be called from several threads at once. The interpreter's lock is free while the
+library searches, builds and opens.
+"""
+
+from ._build import BuildError, BuildReport, BuildStopped, Problem
+from ._dictionary import Dictionary
+from ._image import ImageError
+from ._library import library
+from ._match import Match, fields, records
+from ._reloader import Reloader
+
+__version__: str = library.dictionaryVersion().decode()
+"""The version of the shared library that runs."""
+
+__all__ = ["BuildError", "BuildReport", "BuildStopped", "Dictionary", "ImageError", "Match",
+           "Problem", "Reloader", "fields", "records"]
