@@ -83,7 +83,7 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
         SourceTable table;
         if (!gather(*source, table)) {
             // Kept: the reader with its descriptor is left as it is.
-            source.release();
+            static_cast<void>(source.release());
             return 0;
         }
         addAll(table, *m_coder, *m_writer->m_builder);

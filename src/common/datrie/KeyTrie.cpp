@@ -99,8 +99,7 @@ void KeyTrie::sortByNumber(std::vector<std::uint32_t>& ranks) const {
 void KeyTrie::findBranches() {
     m_branches.resize(m_order.size());
     for (std::uint32_t rank = 0; rank < m_order.size(); ++rank) {
-        const std::uint32_t shared =
-            rank == 0 ? 0 : commonPrefix(codesAt(rank - 1), codesAt(rank));
+        const std::uint32_t shared = rank == 0 ? 0 : commonPrefix(codesAt(rank - 1), codesAt(rank));
         m_branches[rank] = {shared, stepOf(rank, shared)};
     }
 }

@@ -25,7 +25,7 @@ char* ResultText::room(std::size_t bytes) {
         const std::size_t capacity = std::max({kFirstCapacity, m_size + bytes, 2 * m_capacity});
         auto* grown = static_cast<char*>(std::realloc(m_text.get(), capacity));
         if (grown == nullptr) throw std::bad_alloc();
-        m_text.release();
+        static_cast<void>(m_text.release());
         m_text.reset(grown);
         m_capacity = capacity;
     }

@@ -12,8 +12,8 @@ void SourceTable::add(const std::vector<std::string_view>& fields) {
     std::size_t dataSize = 0;
     for (std::size_t i = 1; i < fields.size(); ++i) dataSize += fields[i].size() + 1;
     char* const text = m_arena.allocate(key.size() + dataSize);
-    m_records.push_back({text, static_cast<std::uint32_t>(key.size()),
-                         static_cast<std::uint32_t>(dataSize)});
+    m_records.push_back(
+        {text, static_cast<std::uint32_t>(key.size()), static_cast<std::uint32_t>(dataSize)});
     m_keyBytes += key.size();
     char* end = std::copy(key.begin(), key.end(), text);
     for (std::size_t i = 1; i < fields.size(); ++i) {
@@ -28,7 +28,8 @@ void SourceTable::arrange() {
     m_keys.reserve(order.size());
     for (std::size_t i = 0; i < order.size(); ++i) {
         const std::uint32_t record = order[i].number;
-        if (i > 0 && order[i].lead == order[i - 1].lead && key(record) == key(order[i - 1].number)) {
+        if (i > 0 && order[i].lead == order[i - 1].lead &&
+            key(record) == key(order[i - 1].number)) {
             link(order[i - 1].number, record);
         } else {
             m_keys.push_back(record);

@@ -18,7 +18,7 @@ Prefixes matchingNothing(std::string_view pattern) {
     matching[0] = true;
     for (std::size_t i = 0; i < pattern.size(); ++i) {
         const bool mayBeNothing = pattern[i] == '*' || pattern[i] == '?';
-        matching[i + 1] = mayBeNothing && matching[i];
+        matching[i + 1] = static_cast<char>(mayBeNothing && matching[i]);
     }
     return matching;
 }
@@ -35,7 +35,7 @@ bool advance(std::string_view pattern, char byte, Prefixes& matching) {
         if (pattern[i] == '*') now = shorterNow || before;
         // Kept: a question mark matches one byte or none.
         if (pattern[i] == '?') now = shorterNow || shorterBefore;
-        matching[i + 1] = now;
+        matching[i + 1] = static_cast<char>(now);
         any = any || now;
         shorterBefore = before;
         shorterNow = now;
