@@ -37,21 +37,22 @@ extern "C" {
 enum DictionaryImageCode {
     DICTIONARY_IMAGE_OK = 0,
     DICTIONARY_IMAGE_UNREADABLE = 1, /* the file cannot be opened, read or mapped */
-    DICTIONARY_IMAGE_NO_MEMORY = 2,
-    DICTIONARY_IMAGE_TOO_SHORT = 3, /* shorter than a header */
-    DICTIONARY_IMAGE_TOO_LARGE = 4, /* larger than an image can be */
-    DICTIONARY_IMAGE_HEADER = 5,    /* the sizes in the header do not add up to the image's */
-    DICTIONARY_IMAGE_AREA = 6,      /* a feature record runs over the end of the area */
-    DICTIONARY_IMAGE_FREE_CELL = 7, /* a free cell is not as written */
-    DICTIONARY_IMAGE_PARENT = 8,    /* a cell has a parent that cannot be, or leads back to it */
-    DICTIONARY_IMAGE_LABEL = 9,     /* a cell's distance from its parent's base is no label */
-    DICTIONARY_IMAGE_BASE = 10,     /* a cell in use has no base that can be */
-    DICTIONARY_IMAGE_FEATURE = 11   /* a cell refers to no record of the area */
+    DICTIONARY_IMAGE_NO_MEMORY = 2,  /* memory is short */
+    DICTIONARY_IMAGE_TOO_SHORT = 3,  /* shorter than a header */
+    DICTIONARY_IMAGE_TOO_LARGE = 4,  /* larger than an image can be */
+    DICTIONARY_IMAGE_HEADER = 5,     /* the sizes in the header do not add up to the image's */
+    DICTIONARY_IMAGE_AREA = 6,       /* a feature record runs over the end of the area */
+    DICTIONARY_IMAGE_FREE_CELL = 7,  /* a free cell is not as written */
+    DICTIONARY_IMAGE_PARENT = 8,     /* a cell has a parent that cannot be, or leads back to it */
+    DICTIONARY_IMAGE_LABEL = 9,      /* a cell's distance from its parent's base is no label */
+    DICTIONARY_IMAGE_BASE = 10,      /* a cell in use has no base that can be */
+    DICTIONARY_IMAGE_FEATURE = 11    /* a cell refers to no record of the area */
 };
 
 /* The name of a code, as tools print it: "free-cell". "unknown" for any other number. */
 DICTIONARY_EXPORT const char* dictionaryFaultName(int code);
 
+/* The first reason against an image, and where it lies. */
 typedef struct DictionaryImageFault {
     int code;         /* one of DictionaryImageCode */
     int systemError;  /* errno where the system refused, else 0 */
@@ -73,6 +74,7 @@ DICTIONARY_EXPORT bool dictionaryVerify(const void* image, size_t size,
 /* The same for the file `fileName`, which must not become shorter meanwhile. */
 DICTIONARY_EXPORT bool dictionaryVerifyFile(const char* fileName, DictionaryImageFault* fault);
 
+/* What an open image rests on. */
 enum DictionaryOpenMode {
     DICTIONARY_OPEN_MAP = 0, /* shares the file's pages; the file must not change while open */
     DICTIONARY_OPEN_COPY = 1 /* keeps a private copy, whatever becomes of the file */
@@ -88,7 +90,7 @@ DICTIONARY_EXPORT void* dictionaryOpen(const char* fileName, int mode, Dictionar
 
 /* What can be wrong with a source or an image file. The numbers and names stay as they are. */
 enum DictionaryProblemCode {
-    DICTIONARY_PROBLEM_NONE = 0,
+    DICTIONARY_PROBLEM_NONE = 0,             /* none: nothing is wrong */
     DICTIONARY_PROBLEM_CANNOT_READ = 1,      /* cannot-read: the source, or the system says why */
     DICTIONARY_PROBLEM_CANNOT_WRITE = 2,     /* cannot-write: the image file */
     DICTIONARY_PROBLEM_NO_MEMORY = 3,        /* no-memory */
@@ -109,12 +111,14 @@ enum DictionaryProblemCode {
 /* The name of a code, as tools print it: "no-field". "unknown" for any other number. */
 DICTIONARY_EXPORT const char* dictionaryProblemName(int code);
 
+/* What a problem means for the image. */
 enum DictionarySeverity {
     DICTIONARY_ERROR = 0,   /* no image is made */
     DICTIONARY_REFUSED = 1, /* the image is made without the key */
     DICTIONARY_WARNING = 2  /* the image is made */
 };
 
+/* What is wrong with a source or an image file, and where. */
 typedef struct DictionaryProblem {
     int code;         /* one of DictionaryProblemCode */
     int severity;     /* one of DictionarySeverity */
@@ -125,12 +129,14 @@ typedef struct DictionaryProblem {
     const char* text; /* what is wrong and what to do about it, in words; lasts during the call */
 } DictionaryProblem;
 
+/* What a build is at; the stages come in this order. */
 enum DictionaryBuildStage {
     DICTIONARY_STAGE_READ = 0,  /* done and total count bytes of the source */
     DICTIONARY_STAGE_PLACE = 1, /* done and total count keys that pass through nodes */
     DICTIONARY_STAGE_WRITE = 2  /* done and total count bytes of the image */
 };
 
+/* How a source is read, and whom a build tells what it does. */
 typedef struct DictionaryBuildOptions {
     size_t size;                 /* sizeof(DictionaryBuildOptions) */
     const char* fieldSeparator;  /* in the notation of getEscapeSeparator; null for a tab */
@@ -150,6 +156,7 @@ typedef struct DictionaryBuildOptions {
                     * of them throws stops the build and goes no further */
 } DictionaryBuildOptions;
 
+/* What a build counted. */
 typedef struct DictionaryBuildReport {
     size_t size;         /* sizeof(DictionaryBuildReport) */
     uint64_t records;    /* read, those with problems included */
@@ -159,6 +166,7 @@ typedef struct DictionaryBuildReport {
     uint64_t imageBytes; /* of the image written; 0 when none is */
 } DictionaryBuildReport;
 
+/* How a build ended. */
 enum DictionaryBuildResult {
     DICTIONARY_BUILT = 0,              /* every record is in the image */
     DICTIONARY_BUILT_WITHOUT_SOME = 1, /* keys were refused; the others are in the image */

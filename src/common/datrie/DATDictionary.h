@@ -26,9 +26,11 @@ namespace Dictionary {
 // An image that is refused. The message holds the path, the reason and where the fault lies.
 class CImageError : public std::runtime_error {
 public:
+    // `fault` is the reason why the file `path` is refused.
     CImageError(const std::string& path, const DictionaryImageFault& fault)
         : std::runtime_error(message(path, fault)), m_fault(fault) {}
 
+    // The reason, as dictionaryOpen and dictionaryVerifyFile give it.
     const DictionaryImageFault& fault() const { return m_fault; }
 
 private:
@@ -51,6 +53,7 @@ inline void verifyImage(const std::string& path) {
 
 // A key found in a text. `data` points into the image and lasts as long as it.
 struct SMatch : DictionaryMatch {
+    // A copy of the data text, which depends on nothing.
     std::string dataText() const { return std::string(data, dataLength); }
 };
 
@@ -113,8 +116,8 @@ struct SProblem {
     int systemError;       // errno where the system refused, else 0
     std::uint64_t line;    // the record's number, from 1; 0 where no record is meant
     std::uint64_t column;  // the byte in the record, from 1; 0 where no byte is meant
-    std::string file;
-    std::string text;  // what is wrong and what to do about it, in words
+    std::string file;      // the source, or the image when it cannot be written
+    std::string text;      // what is wrong and what to do about it, in words
 
     // "FILE:LINE:COLUMN: NAME: TEXT", without the numbers that the problem does not have.
     std::string message() const {
@@ -127,14 +130,15 @@ struct SProblem {
 
 // What buildImage did and what it found on the way.
 struct SBuild {
-    int result;  // one of DictionaryBuildResult, never DICTIONARY_NOT_BUILT
-    DictionaryBuildReport report;
+    int result;                      // one of DictionaryBuildResult, never DICTIONARY_NOT_BUILT
+    DictionaryBuildReport report;    // what it counted
     std::vector<SProblem> problems;  // in the order of the source
 };
 
 // A source of which no image was made. The message is that of its first error.
 class CBuildError : public std::runtime_error {
 public:
+    // `problems` are all that the build told.
     explicit CBuildError(const std::vector<SProblem>& problems)
         : std::runtime_error(firstError(problems)), m_problems(problems) {}
 

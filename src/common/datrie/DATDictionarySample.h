@@ -24,8 +24,11 @@ namespace Dictionary {
 // loading and destroying must not overlap with any other use of the same object.
 class DICTIONARY_EXPORT CDictionayApp {
 public:
+    // A match result: for every byte position of a text the keys that start there, as allMatch
+    // says.
     typedef std::vector<std::vector<std::pair<int, std::string> > > Matches;
 
+    // An object yet to be built or loaded.
     CDictionayApp() : m_coder(nullptr), m_writer(nullptr), m_image(nullptr), m_imageLength(0) {
         m_coder = new CUTF8Coder;
     }

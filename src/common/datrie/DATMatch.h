@@ -25,6 +25,7 @@
 extern "C" {
 #endif
 
+/* Which of the keys in a text are found. */
 enum DictionaryFindMode {
     DICTIONARY_FIND_ALL = 0,      /* every key at every position, shortest first */
     DICTIONARY_FIND_LONGEST = 1,  /* the longest key at every position */
@@ -38,11 +39,12 @@ enum DictionaryFindMode {
 /* What `start` and `length` of a match count. A byte that begins no legal sequence counts as one
  * of each. */
 enum DictionaryUnit {
-    DICTIONARY_UNIT_BYTE = 0,
-    DICTIONARY_UNIT_CODE_POINT = 1,
-    DICTIONARY_UNIT_UTF16 = 2 /* 16-bit units of UTF-16: two for a character above U+FFFF */
+    DICTIONARY_UNIT_BYTE = 0,       /* of UTF-8 */
+    DICTIONARY_UNIT_CODE_POINT = 1, /* one for every character */
+    DICTIONARY_UNIT_UTF16 = 2       /* 16-bit units of UTF-16: two for a character above U+FFFF */
 };
 
+/* A key found in a text. */
 typedef struct DictionaryMatch {
     size_t start;      /* of the key in the text */
     size_t length;     /* of the key */
@@ -54,9 +56,9 @@ typedef struct DictionaryMatch {
 /* A list that grows as needed and can be used again for the next text: zero it first, release it
  * at last. */
 typedef struct DictionaryMatches {
-    DictionaryMatch* items;
-    size_t count;
-    size_t capacity;
+    DictionaryMatch* items; /* the list's own */
+    size_t count;           /* of the items found */
+    size_t capacity;        /* the room for items */
 } DictionaryMatches;
 
 /* Puts the matches of the `size` bytes at `text` into `matches`, in place of what it held, by

@@ -12,6 +12,7 @@
 // of text, with no padding and no terminator.
 class DICTIONARY_EXPORT CFeatureData {
 public:
+    // An empty record.
     CFeatureData() : length(0) {}
 
     // Writes the record at *cursor and moves the cursor past it. A record of length 0 writes
@@ -22,14 +23,15 @@ public:
     // among its bytes. A length of 0 leaves text and cursor as they were.
     void deserialize(void** cursor);
 
-    int length;  // in bytes
-    std::string text;
+    int length;        // in bytes
+    std::string text;  // the bytes that serialize writes and deserialize reads
 };
 
 // An area of records: grows and owns it when building, views an outside one when reading. Not to
 // be used by two threads at once, but `read` may run concurrently with itself.
 class DICTIONARY_EXPORT CFeatureDataContainer {
 public:
+    // An empty area, which owns what it grows into.
     CFeatureDataContainer() : m_buffer(nullptr), m_capacity(8), m_size(0), m_owner(true) {}
 
     // Releases the buffer if it is owned.

@@ -1,0 +1,87 @@
+// diff: what sets the keys of two images apart.
+
+#include "Command.h"
+#include "Format.h"
+#include "Output.h"
+#include "Trie.h"
+
+namespace dictool {
+
+namespace {
+
+struct DiffOptions {
+    std::string first;
+    std::string second;
+    bool quiet = false;
+};
+
+constexpr char kDetails[] =
+    "Writes a line for every difference, by the order of the keys: - and a key that only the\n"
+    "first image has, + and one that only the second has, ~ and one whose data differs; then a\n"
+    "tab and the data fields, for ~ those of the second. A key that is a newline is written \\n.\n"
+    "\nExit status: 0 when there is no difference, 1 when there is one.";
+
+// An image's keys, one after the other.
+class Keys {
+public:
+    explicit Keys(const std::string& file) : m_image(file), m_trie(m_image), m_cursor(m_trie) {
+        advance();
+    }
+
+    void advance() { m_left = m_cursor.nextKey(); }
+    bool left() const { return m_left; }
+    std::string_view key() const { return m_cursor.key(); }
+    std::string_view data() const { return m_cursor.data(); }
+
+private:
+    Image m_image;
+    Trie m_trie;
+    Cursor m_cursor;
+    bool m_left = false;
+};
+
+// Below 0 when the first one's key is not in the second, above 0 when it is the other way round.
+int compare(const Keys& first, const Keys& second) {
+    if (!first.left() || !second.left()) return int{second.left()} - int{first.left()};
+    return first.key().compare(second.key());
+}
+
+void write(Output& output, std::string_view sign, const Keys& keys) {
+    output.add(sign);
+    output.add(sourceTextOf(keys.key()));
+    output.add("\t");
+    output.add(withoutClosingTab(keys.data()));
+    output.add("\n");
+}
+
+int run(const DiffOptions& options) {
+    Keys first(options.first);
+    Keys second(options.second);
+    Output output;
+    bool differs = false;
+    while (first.left() || second.left()) {
+        const int order = compare(first, second);
+        const bool same = order == 0 && first.data() == second.data();
+        differs |= !same;
+        if (differs && options.quiet) break;
+        if (!same)
+            write(output, order < 0 ? "-" : order > 0 ? "+" : "~", order < 0 ? first : second);
+        if (order <= 0) first.advance();
+        if (order >= 0) second.advance();
+    }
+    output.finish();
+    return differs ? kNone : kDone;
+}
+
+}  // namespace
+
+void defineDiff(CLI::App& program, Action& action) {
+    static DiffOptions options;
+    CLI::App& command = addCommand(program, action, "diff", "Compare the keys of two images",
+                                   kDetails, options, run);
+    addArgument(command, "A", options.first, "The first image");
+    addArgument(command, "B", options.second, "The second image");
+    command.add_flag("-q,--quiet", options.quiet, "Write nothing");
+}
+
+}  // namespace dictool

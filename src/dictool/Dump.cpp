@@ -1,0 +1,156 @@
+// dump: the source of an image.
+
+#include <algorithm>
+#include <optional>
+
+#include "Command.h"
+#include "Format.h"
+#include "Output.h"
+#include "Trie.h"
+#include "Utf8Decoder.h"
+
+namespace dictool {
+
+namespace {
+
+struct DumpOptions {
+    std::string image;
+};
+
+constexpr char kDetails[] =
+    "Writes a source that builds to the same bytes, its keys in ascending order. Says so instead\n"
+    "when there is none: an image of a source with keys that were cut off or empty, or with other\n"
+    "separators whose keys or data hold a tab or a newline, cannot be given back.\n"
+    "Where lint has objections, as to data that ends in a carriage return, the source needs\n"
+    "'dictool build --lenient'.";
+
+constexpr std::string_view kWrittenNewline = "\\n";
+
+struct Key {
+    std::string text;  // as in the image
+    std::string_view data;
+    Dictionary::Cell cell;
+    bool isLeaf;
+};
+
+// Calls `take` for every key in the order that keys have in a source: by their bytes there, where
+// the newline is a backslash and an n.
+template <class Take>
+void forEachSourceKey(const Trie& trie, Take take) {
+    std::optional<Key> newline;
+    Cursor cursor(trie);
+    while (cursor.nextKey()) {
+        Key key = {std::string(cursor.key()), cursor.data(), cursor.cell(), cursor.isLeaf()};
+        if (newline && key.text > kWrittenNewline) {
+            take(*newline);
+            newline.reset();
+        }
+        if (sourceTextOf(key.text) == key.text) {
+            take(key);
+        } else {
+            newline = std::move(key);
+        }
+    }
+    if (newline) take(*newline);
+}
+
+bool isUtf8(std::string_view text) {
+    std::size_t end = 0;
+    Dictionary::decodeUtf8(
+        text.data(), text.size(),
+        [&end](auto, std::size_t start, std::size_t length) { end = start + length; });
+    return end == text.size();
+}
+
+// Finds out whether a build gives an image again.
+class Rebuild {
+public:
+    explicit Rebuild(const Trie& trie) : m_trie(trie), m_image(trie.image()) {}
+
+    // Throws Failure if not.
+    void check() {
+        forEachSourceKey(m_trie, [this](const Key& key) { checkKey(key); });
+        checkData();
+        const std::int32_t last = m_image.cellCount() - 1;
+        if (last > 0 && !m_image.isUsed(last)) refuse("it ends with a free cell");
+    }
+
+private:
+    void checkKey(const Key& key) {
+        ++m_number;
+        const auto holds = [](std::string_view text, std::string_view bytes) {
+            return text.find_first_of(bytes) != std::string_view::npos;
+        };
+        using namespace std::string_view_literals;
+        const std::string_view text = sourceTextOf(key.text);
+        const std::string which = "key number " + std::to_string(m_number);
+        if (holds(text, "\t\n\0"sv)) refuse(which + " holds a separator or a NUL");
+        if (key.text == kWrittenNewline) refuse(which + " would become a newline");
+        if (!isUtf8(text)) refuse(which + " is no UTF-8");
+        if (holds(key.data, "\n")) refuse("the data of " + which + " holds a newline");
+        if (key.data.empty() || key.data.back() != '\t') {
+            refuse("the data of " + which + " does not end with a tab");
+        }
+        // A leaf's base is minus its key's number in the source.
+        if (key.isLeaf && key.cell.base != -m_number) {
+            refuse(which + " was number " + std::to_string(-key.cell.base) +
+                   " in the source: keys were cut off, empty or in another order there");
+        }
+        m_features.push_back(key.cell.feature);
+    }
+
+    // A build writes every data text once, in ascending order, and no other.
+    void checkData() {
+        std::sort(m_features.begin(), m_features.end());
+        m_features.erase(std::unique(m_features.begin(), m_features.end()), m_features.end());
+        constexpr std::size_t kLengthBytes = sizeof(std::int32_t);
+        std::size_t offset = 0;
+        std::string_view before;
+        for (const std::int32_t feature : m_features) {
+            const std::string_view data = m_image.data({0, 0, feature});
+            if (static_cast<std::size_t>(feature) != offset || data <= before) break;
+            before = data;
+            offset += kLengthBytes + data.size();
+        }
+        if (offset == static_cast<std::size_t>(m_image.featureBytes())) return;
+        refuse("its data texts are not those of its keys in ascending order");
+    }
+
+    [[noreturn]] void refuse(const std::string& why) const {
+        throw Failure{kTrouble,
+                      {m_image.file()},
+                      "no-source",
+                      "no source builds to this image: " + why + "; keep the source it came from"};
+    }
+
+    const Trie& m_trie;
+    const Image& m_image;
+    std::int32_t m_number = 0;
+    std::vector<std::int32_t> m_features;
+};
+
+int run(const DumpOptions& options) {
+    const Image image(options.image);
+    const Trie trie(image);
+    Rebuild(trie).check();
+    Output output;
+    forEachSourceKey(trie, [&output](const Key& key) {
+        output.add(sourceTextOf(key.text));
+        output.add("\t");
+        output.add(withoutClosingTab(key.data));
+        output.add("\n");
+    });
+    output.finish();
+    return kDone;
+}
+
+}  // namespace
+
+void defineDump(CLI::App& program, Action& action) {
+    static DumpOptions options;
+    CLI::App& command =
+        addCommand(program, action, "dump", "Write the source of an image", kDetails, options, run);
+    addArgument(command, "IMAGE", options.image, "The image");
+}
+
+}  // namespace dictool

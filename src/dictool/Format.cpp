@@ -1,0 +1,213 @@
+#include "Format.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+#include "Utf8Decoder.h"
+
+namespace dictool {
+
+namespace {
+
+constexpr unsigned char kFirstMultiByte = 0x80;
+constexpr unsigned char kFirstPrintable = 0x20;
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+
+void append(std::string& out, std::uint64_t number) {
+    char digits[std::numeric_limits<std::uint64_t>::digits10 + 1];
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
+// The bytes of the legal character that `text` begins with, 0 when there is none.
+std::size_t characterBytes(std::string_view text) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    if (bytes[0] < kFirstMultiByte) return 1;
+    return Dictionary::decodeMultiByte(bytes, text.size()).length;
+}
+
+// A byte that begins no legal character counts as one.
+std::size_t countCharacters(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count) {
+        text.remove_prefix(std::max<std::size_t>(characterBytes(text), 1));
+    }
+    return count;
+}
+
+// Positions in a line, asked for in rising order.
+class Positions {
+public:
+    explicit Positions(const LinePieces& pieces) : m_line(pieces.line), m_unit(pieces.unit) {}
+
+    std::size_t of(std::size_t byte) {
+        if (m_unit == Unit::kByte) return byte;
+        m_position += countCharacters(m_line.substr(m_byte, byte - m_byte));
+        m_byte = byte;
+        return m_position;
+    }
+    std::size_t length(std::string_view text) const {
+        return m_unit == Unit::kByte ? text.size() : countCharacters(text);
+    }
+
+private:
+    std::string_view m_line;
+    Unit m_unit;
+    std::size_t m_byte = 0;
+    std::size_t m_position = 0;
+};
+
+// Calls `write(text, start, length, piece)` for every piece.
+template <class Write>
+void forEachPiece(const LinePieces& pieces, Write write) {
+    Positions positions(pieces);
+    for (const Piece* piece = pieces.pieces; piece != pieces.pieces + pieces.count; ++piece) {
+        const std::string_view text = pieces.line.substr(piece->start, piece->length);
+        const std::size_t start = positions.of(piece->start);
+        write(text, start, positions.length(text), *piece);
+    }
+}
+
+void appendJsonEscape(std::string& out, char character) {
+    constexpr char kHex[] = "0123456789abcdef";
+    if (character == '"' || character == '\\') {
+        out += '\\';
+        out += character;
+    } else {
+        const auto value = static_cast<unsigned char>(character);
+        out.append("\\u00").append(1, kHex[value >> 4]).append(1, kHex[value & 0xF]);
+    }
+}
+
+// Of ASCII characters.
+bool isPlainJson(char character) {
+    const auto value = static_cast<unsigned char>(character);
+    return value >= kFirstPrintable && value != '"' && value != '\\';
+}
+
+void appendJsonPiece(std::string& out, std::string_view key, std::size_t start, std::size_t length,
+                     const Piece& piece) {
+    out += "{\"start\":";
+    append(out, start);
+    out += ",\"length\":";
+    append(out, length);
+    out += ",\"key\":";
+    appendJson(out, key);
+    out += ",\"data\":";
+    if (piece.data == nullptr) {
+        out += "null";
+    } else {
+        appendJsonFields(out, dataOf(piece));
+    }
+    out += '}';
+}
+
+void appendRow(std::string& out, std::string_view key, std::string_view data, char end) {
+    out += key;
+    out += '\t';
+    out += withoutClosingTab(data);
+    out += end;
+}
+
+}  // namespace
+
+void formatKeys(std::string& out, const LinePieces& pieces) {
+    for (const Piece* piece = pieces.pieces; piece != pieces.pieces + pieces.count; ++piece) {
+        out.append(pieces.line, piece->start, piece->length) += '\t';
+    }
+    out += pieces.end;
+}
+
+void formatKeysData(std::string& out, const LinePieces& pieces) {
+    forEachPiece(pieces, [&out](auto text, auto start, auto, const Piece& piece) {
+        out.append(text) += '/';
+        append(out, start);
+        out += ':';
+        out.append(dataOf(piece)) += '\t';
+    });
+    out += pieces.end;
+}
+
+void formatTable(std::string& out, const LinePieces& pieces) {
+    forEachPiece(pieces, [&](auto text, auto start, auto length, const Piece& piece) {
+        for (const std::uint64_t number : {pieces.number, std::uint64_t{start}, {length}}) {
+            append(out, number);
+            out += '\t';
+        }
+        appendRow(out, text, dataOf(piece), pieces.end);
+    });
+}
+
+void formatJson(std::string& out, const LinePieces& pieces) {
+    out += "{\"line\":";
+    append(out, pieces.number);
+    out += ",\"matches\":[";
+    bool first = true;
+    forEachPiece(pieces, [&](auto text, auto start, auto length, const Piece& piece) {
+        if (!first) out += ',';
+        first = false;
+        appendJsonPiece(out, text, start, length, piece);
+    });
+    out += "]}";
+    out += pieces.end;
+}
+
+void answerText(std::string& out, const Answer& answer) {
+    appendRow(out, answer.key, answer.data, answer.end);
+}
+
+void answerTable(std::string& out, const Answer& answer) {
+    append(out, answer.number);
+    out += '\t';
+    answerText(out, answer);
+}
+
+void answerJson(std::string& out, const Answer& answer) {
+    out += "{\"line\":";
+    append(out, answer.number);
+    out += ",\"key\":";
+    appendJson(out, answer.key);
+    out += answer.found ? ",\"found\":true,\"data\":" : ",\"found\":false}";
+    if (answer.found) {
+        appendJsonFields(out, answer.data);
+        out += '}';
+    }
+    out += answer.end;
+}
+
+void appendJson(std::string& out, std::string_view text) {
+    out += '"';
+    std::size_t kept = 0;  // where what can be copied as it is begins
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t bytes = characterBytes(text.substr(at));
+        if (bytes > 1 || (bytes == 1 && isPlainJson(text[at]))) {
+            at += bytes;
+            continue;
+        }
+        out.append(text, kept, at - kept);
+        if (bytes == 0) {
+            out += kReplacement;
+        } else {
+            appendJsonEscape(out, text[at]);
+        }
+        kept = ++at;
+    }
+    out.append(text, kept, text.size() - kept);
+    out += '"';
+}
+
+void appendJsonFields(std::string& out, std::string_view data) {
+    out += '[';
+    if (!data.empty()) {
+        std::string_view fields = withoutClosingTab(data);
+        for (std::size_t tab; (tab = fields.find('\t')) != std::string_view::npos;) {
+            appendJson(out, fields.substr(0, tab));
+            out += ',';
+            fields.remove_prefix(tab + 1);
+        }
+        appendJson(out, fields);
+    }
+    out += ']';
+}
+
+}  // namespace dictool

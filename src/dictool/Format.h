@@ -1,0 +1,69 @@
+// The forms in which matches and keys are written.
+
+#ifndef DICTOOL_FORMAT_H
+#define DICTOOL_FORMAT_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "DATMatch.h"
+
+namespace dictool {
+
+// What positions count.
+enum class Unit { kByte, kCharacter };
+
+// A stretch of a line, measured in bytes: a match, or, without data, what lies between two.
+using Piece = DictionaryMatch;
+
+// The pieces of one line, by their start.
+struct LinePieces {
+    std::string_view line;
+    std::uint64_t number;
+    const Piece* pieces;
+    std::size_t count;
+    Unit unit;
+    char end;  // of a line that is written
+};
+
+// Each appends a line's pieces to `out`.
+using FormatPieces = void (*)(std::string& out, const LinePieces& pieces);
+void formatKeys(std::string& out, const LinePieces& pieces);      // as the C `search`
+void formatKeysData(std::string& out, const LinePieces& pieces);  // as it does with data
+void formatTable(std::string& out, const LinePieces& pieces);
+void formatJson(std::string& out, const LinePieces& pieces);
+
+// The answer for one key.
+struct Answer {
+    std::string_view key;
+    std::uint64_t number;
+    bool found;
+    std::string_view data;
+    char end;
+};
+
+using FormatAnswer = void (*)(std::string& out, const Answer& answer);
+void answerText(std::string& out, const Answer& answer);
+void answerTable(std::string& out, const Answer& answer);
+void answerJson(std::string& out, const Answer& answer);
+
+inline std::string_view dataOf(const Piece& piece) {
+    return {piece.data, piece.dataLength};
+}
+
+// A data text without the tab that closes its last field.
+inline std::string_view withoutClosingTab(std::string_view data) {
+    if (!data.empty() && data.back() == '\t') data.remove_suffix(1);
+    return data;
+}
+
+// Appends a JSON string; bytes that are no UTF-8 become U+FFFD each.
+void appendJson(std::string& out, std::string_view text);
+
+// Appends the fields of a data text as a JSON list of strings.
+void appendJsonFields(std::string& out, std::string_view data);
+
+}  // namespace dictool
+
+#endif

@@ -1,0 +1,74 @@
+// lookup: whether texts are keys, and their data.
+
+#include "Filter.h"
+
+namespace dictool {
+
+namespace {
+
+struct LookupOptions : FilterOptions {
+    std::vector<std::string> keys;
+    bool missing = false;
+};
+
+constexpr char kDetails[] =
+    "Without a KEY, takes every line of standard input for one. Writes a line for every key that\n"
+    "is in the image: the key, a tab, its data fields set apart by tabs; with -f tsv the number\n"
+    "of the key in front; with -f json a line for every key, {\"line\":N,\"key\":..,\n"
+    "\"found\":true,\"data\":[..]}. --missing writes the keys that are not in the image instead.\n"
+    "\nExit status: 0 when a line was to be written for a key, other than one of \"found\":false;\n"
+    "1 when none was.";
+
+FormatAnswer formatOf(const LookupOptions& options) {
+    if (options.format == "tsv") return answerTable;
+    return options.format == "json" ? answerJson : answerText;
+}
+
+class LookupWork : public LineWork {
+public:
+    LookupWork(const Handle& handle, const LookupOptions& options)
+        : m_handle(handle),
+          m_format(formatOf(options)),
+          m_writesAll(options.format == "json" && !options.missing),
+          m_wanted(!options.missing),
+          m_end(options.end()) {}
+
+    bool take(std::string_view line, std::uint64_t number, std::string& out) override {
+        const char* data = nullptr;
+        std::size_t size = 0;
+        const bool found = dictionaryLookup(m_handle.get(), line.data(), line.size(), &data, &size);
+        if (m_writesAll || found == m_wanted) {
+            m_format(out, {line, number, found, {data, size}, m_end});
+        }
+        return found == m_wanted;
+    }
+
+private:
+    const Handle& m_handle;
+    FormatAnswer m_format;
+    bool m_writesAll;
+    bool m_wanted;
+    char m_end;
+};
+
+int run(const LookupOptions& options) {
+    const auto makeWork = [&](const Handle& handle) {
+        return std::make_unique<LookupWork>(handle, options);
+    };
+    if (options.keys.empty()) return filterFiles(options, {}, makeWork);
+    return filterTexts(options, options.keys, makeWork);
+}
+
+}  // namespace
+
+void defineLookup(CLI::App& program, Action& action) {
+    static LookupOptions options;
+    CLI::App& command =
+        addCommand(program, action, "lookup", "Look up whole keys", kDetails, options, run);
+    addArgument(command, "IMAGE", options.image, "The image");
+    addArguments(command, "KEY", options.keys, "Keys; none for a line each of standard input");
+    command.add_flag("-m,--missing", options.missing, "Write the keys that are not there instead");
+    addFilterOptions(command, options);
+}
+
+}  // namespace dictool

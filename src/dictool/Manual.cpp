@@ -1,0 +1,108 @@
+// manual, which users are not told of: manual pages, made of what the help is made of.
+
+#include "DATChecked.h"
+#include "Listing.h"
+#include "Output.h"
+#include "Report.h"
+
+namespace dictool {
+
+namespace {
+
+struct ManualOptions {
+    const CLI::App* program = nullptr;
+    std::string command;
+};
+
+std::string roff(const std::string& text) {
+    std::string result;
+    for (const char character : text) {
+        if (character == '\\') {
+            result += "\\e";
+        } else if (character == '-') {
+            result += "\\-";
+        } else {
+            // A dot or a quote at the start of a line would be a request.
+            const bool startsLine = result.empty() || result.back() == '\n';
+            if (startsLine && (character == '.' || character == '\'')) result += "\\&";
+            result += character;
+        }
+    }
+    return result;
+}
+
+std::string section(const std::string& title, const std::string& body) {
+    return body.empty() ? "" : ".SH " + title + "\n" + body + "\n";
+}
+
+std::string item(const std::string& head, const std::string& text) {
+    return ".TP\n\\fB" + roff(head) + "\\fR\n" + roff(text) + "\n";
+}
+
+std::string synopsisOf(const CLI::App& command, const std::string& name) {
+    std::string synopsis = ".B " + roff(name) + "\n[OPTIONS]";
+    for (const CLI::Option* argument : argumentsOf(command)) {
+        std::string word = argument->get_name();
+        if (argument->get_expected_max() > 1) word += "...";
+        synopsis += argument->get_required() ? " " + word : " [" + word + "]";
+    }
+    return commandsOf(command).empty() ? synopsis : synopsis + " COMMAND";
+}
+
+std::string headOf(const CLI::Option& option) {
+    const std::string names = join(namesOf(option), ", ");
+    return takesValue(option) ? names + " " + option.get_type_name() : names;
+}
+
+std::string textOf(const CLI::Option& option) {
+    const std::string usual = option.get_default_str();
+    const std::string text = option.get_description() + ".";
+    return usual.empty() ? text : text + " Without it: " + usual + ".";
+}
+
+std::string pageOf(const CLI::App& command, const std::string& name) {
+    std::string arguments, options, commands;
+    for (const CLI::Option* argument : argumentsOf(command)) {
+        arguments += item(argument->get_name(), argument->get_description() + ".");
+    }
+    for (const CLI::Option* option : optionsOf(command)) {
+        options += item(headOf(*option), textOf(*option));
+    }
+    for (const CLI::App* listed : commandsOf(command)) {
+        commands += item(listed->get_name(), listed->get_description() + ".");
+    }
+    std::string page = name;
+    std::replace(page.begin(), page.end(), ' ', '-');
+    return ".TH " + page + " 1 \"\" \"dictool " + dictionaryVersion() +
+           "\" \"User Commands\"\n.ad l\n" +
+           section("NAME", roff(page + " - " + command.get_description())) +
+           section("SYNOPSIS", synopsisOf(command, name)) +
+           section("DESCRIPTION", roff(command.get_footer())) + section("COMMANDS", commands) +
+           section("ARGUMENTS", arguments) + section("OPTIONS", options);
+}
+
+int run(const ManualOptions& options) {
+    const CLI::App& program = *options.program;
+    if (options.command.empty()) {
+        print(pageOf(program, program.get_name()));
+    } else {
+        const CLI::App& command = *program.get_subcommand(options.command);
+        print(pageOf(command, program.get_name() + " " + command.get_name()));
+    }
+    return kDone;
+}
+
+}  // namespace
+
+void defineManual(CLI::App& program, Action& action) {
+    static ManualOptions options;
+    options.program = &program;
+    CLI::App& command = addCommand(program, action, "manual", "Write a manual page",
+                                   "That of a command, or of the program.", options, run);
+    std::vector<std::string> names;
+    for (const CLI::App* listed : commandsOf(program)) names.push_back(listed->get_name());
+    command.group("");
+    command.add_option("COMMAND", options.command, "The command")->check(CLI::IsMember(names));
+}
+
+}  // namespace dictool

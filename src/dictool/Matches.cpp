@@ -1,0 +1,89 @@
+// Filters that write the matches found in each line.
+
+#include "Filter.h"
+
+namespace dictool {
+
+namespace {
+
+FormatPieces formatOf(const MatchOptions& options) {
+    if (options.format == "tsv") return formatTable;
+    if (options.format == "json") return formatJson;
+    return options.data ? formatKeysData : formatKeys;
+}
+
+class MatchWork : public LineWork {
+public:
+    MatchWork(const Handle& handle, int mode, const MatchOptions& options)
+        : m_handle(handle),
+          m_mode(mode),
+          m_format(formatOf(options)),
+          m_unit(options.offset == "char" ? Unit::kCharacter : Unit::kByte),
+          m_keep(options.keep),
+          m_end(options.end()) {}
+    MatchWork(const MatchWork&) = delete;
+    MatchWork& operator=(const MatchWork&) = delete;
+    ~MatchWork() override { dictionaryReleaseMatches(&m_matches); }
+
+    bool take(std::string_view line, std::uint64_t number, std::string& out) override {
+        if (!dictionaryFind(m_handle.get(), m_mode, DICTIONARY_UNIT_BYTE, line.data(), line.size(),
+                            &m_matches)) {
+            throw Failure{kTrouble,
+                          {"line " + std::to_string(number)},
+                          "too-long",
+                          "too long for the memory at hand, or over 2147483647 bytes; divide it"};
+        }
+        LinePieces pieces = {line, number, m_matches.items, m_matches.count, m_unit, m_end};
+        if (m_keep) {
+            addStretches(line);
+            pieces.pieces = m_pieces.data();
+            pieces.count = m_pieces.size();
+        }
+        m_format(out, pieces);
+        return m_matches.count > 0;
+    }
+
+private:
+    // Fills the pieces with the matches, which do not overlap, and with what lies around them.
+    void addStretches(std::string_view line) {
+        m_pieces.clear();
+        std::size_t passed = 0;
+        const auto passTo = [&](std::size_t next) {
+            if (passed < next) m_pieces.push_back({passed, next - passed, nullptr, 0});
+        };
+        for (std::size_t i = 0; i < m_matches.count; ++i) {
+            const DictionaryMatch& match = m_matches.items[i];
+            passTo(match.start);
+            m_pieces.push_back(match);
+            passed = match.start + match.length;
+        }
+        passTo(line.size());
+    }
+
+    const Handle& m_handle;
+    int m_mode;
+    FormatPieces m_format;
+    Unit m_unit;
+    bool m_keep;
+    char m_end;
+    DictionaryMatches m_matches = {};
+    std::vector<Piece> m_pieces;
+};
+
+}  // namespace
+
+void addMatchOptions(CLI::App& command, MatchOptions& options) {
+    addArgument(command, "IMAGE", options.image, "The image");
+    addArguments(command, "FILE", options.files, "Texts; standard input for none and for -");
+    command.add_flag("-d,--data", options.data, "In text form, write position and data, too");
+    addChoice(command, "--offset", options.offset, {"byte", "char"}, "What positions count");
+    addFilterOptions(command, options);
+}
+
+int filterMatches(const MatchOptions& options, int mode) {
+    return filterFiles(options, options.files, [&](const Handle& handle) {
+        return std::make_unique<MatchWork>(handle, mode, options);
+    });
+}
+
+}  // namespace dictool

@@ -1,0 +1,47 @@
+// Writing that notices when it fails.
+
+#ifndef DICTOOL_OUTPUT_H
+#define DICTOOL_OUTPUT_H
+
+#include <string>
+#include <string_view>
+
+namespace dictool {
+
+// A file or standard output. Throws Failure when it cannot be written, a full disk included, and
+// ClosedPipe when nobody reads it.
+class Output {
+public:
+    // Standard output.
+    Output();
+    // The file `name`, made anew; standard output for "-".
+    explicit Output(const std::string& name);
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    // Gathers text and writes it in large pieces.
+    void add(std::string_view text);
+
+    // Writes what was gathered, then `text`.
+    void write(std::string_view text);
+
+    // Writes what was gathered and closes: only now is everything known to be written.
+    void finish();
+
+    bool isTerminal() const;
+
+private:
+    void writeThrough(std::string_view text);
+
+    std::string m_name;
+    int m_descriptor;
+    std::string m_gathered;
+};
+
+// Writes `text` to standard output, the whole output of a command.
+void print(std::string_view text);
+
+}  // namespace dictool
+
+#endif

@@ -1,0 +1,12 @@
+// The page that `view` fills, from Page.html.
+
+#ifndef DICTOOL_PAGE_H
+#define DICTOOL_PAGE_H
+
+namespace dictool {
+
+extern const char kPage[];
+
+}  // namespace dictool
+
+#endif

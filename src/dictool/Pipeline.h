@@ -1,0 +1,34 @@
+// Lines through several threads, in the order they came.
+
+#ifndef DICTOOL_PIPELINE_H
+#define DICTOOL_PIPELINE_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "Lines.h"
+#include "Output.h"
+
+namespace dictool {
+
+// What is done with lines, by one thread.
+class LineWork {
+public:
+    virtual ~LineWork() = default;
+
+    // Appends to `out` what the line gives. Returns whether anything was found.
+    virtual bool take(std::string_view line, std::uint64_t number, std::string& out) = 0;
+};
+
+using MakeLineWork = std::function<std::unique_ptr<LineWork>()>;
+
+// Has `threads` threads, each with a work of its own, take blocks of lines, and writes what they
+// give in the order of the lines. Memory is bounded by a block and its output a thread. Returns
+// whether anything was found. Throws what a thread throws.
+bool runLines(Lines& lines, Output& output, unsigned threads, const MakeLineWork& makeWork);
+
+}  // namespace dictool
+
+#endif

@@ -1,0 +1,81 @@
+#include "Report.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+namespace dictool {
+
+namespace {
+
+constexpr std::string_view kPlain = "\x1b[0m";
+
+struct SeverityStyle {
+    std::string_view word;
+    std::string_view color;
+};
+
+SeverityStyle styleOf(Severity severity) {
+    constexpr SeverityStyle kError = {"error", "\x1b[1;31m"};
+    constexpr SeverityStyle kWarning = {"warning", "\x1b[1;35m"};
+    return severity == Severity::kError ? kError : kWarning;
+}
+
+bool colored() {
+    const char* refused = std::getenv("NO_COLOR");
+    return errorsOnTerminal() && (refused == nullptr || *refused == '\0');
+}
+
+// There is nowhere left to complain when standard error fails.
+void writeError(std::string_view message) {
+    while (!message.empty()) {
+        const ssize_t written = ::write(STDERR_FILENO, message.data(), message.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return;
+        message.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+}  // namespace
+
+void report(Severity severity, const Place& place, std::string_view code, std::string_view text) {
+    const SeverityStyle style = styleOf(severity);
+    std::string message = "dictool: ";
+    if (!place.file.empty()) {
+        message += place.file;
+        if (place.line != 0) message += ':' + std::to_string(place.line);
+        if (place.column != 0) message += ':' + std::to_string(place.column);
+        message += ": ";
+    }
+    if (colored()) {
+        message.append(style.color).append(style.word).append(kPlain);
+    } else {
+        message += style.word;
+    }
+    message.append(" ").append(code).append(": ").append(text).append("\n");
+    writeError(message);
+}
+
+void report(const Failure& failure) {
+    report(Severity::kError, failure.place, failure.code, failure.text);
+}
+
+void remark(std::string_view text) {
+    writeError(std::string("dictool: ").append(text).append("\n"));
+}
+
+Failure systemFailure(const std::string& file, const std::string& code, const std::string& advice) {
+    return {kTrouble, {file}, code, systemText(errno) + "; " + advice};
+}
+
+std::string systemText(int systemError) {
+    return std::generic_category().message(systemError);
+}
+
+bool errorsOnTerminal() {
+    return isatty(STDERR_FILENO) != 0;
+}
+
+}  // namespace dictool

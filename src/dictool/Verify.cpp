@@ -1,0 +1,57 @@
+// verify: whether images are sound.
+
+#include <algorithm>
+
+#include "Command.h"
+#include "Image.h"
+#include "Output.h"
+
+namespace dictool {
+
+namespace {
+
+struct VerifyOptions {
+    std::vector<std::string> images;
+    bool quiet = false;
+};
+
+constexpr char kDetails[] =
+    "Says ok for an image over which every lookup with every text stays inside, and for any other\n"
+    "file what is wrong with it, with the cell and the byte. All other commands verify the images\n"
+    "they are given, too. Exit status: 0 when all are sound; 4 when one is not; 2 when one cannot\n"
+    "be read.";
+
+Status verify(const std::string& file, bool quiet) {
+    DictionaryImageFault fault;
+    if (!dictionaryVerifyFile(file.c_str(), &fault)) {
+        const Failure failure = imageFailure(file, fault);
+        report(failure);
+        return failure.status;
+    }
+    if (!quiet) {
+        Output output;
+        output.write(file + ": ok\n");
+    }
+    return kDone;
+}
+
+int run(const VerifyOptions& options) {
+    Status worst = kDone;
+    for (const std::string& file : options.images) {
+        worst = std::max(worst, verify(file, options.quiet));
+    }
+    Output().finish();
+    return worst;
+}
+
+}  // namespace
+
+void defineVerify(CLI::App& program, Action& action) {
+    static VerifyOptions options;
+    CLI::App& command = addCommand(program, action, "verify", "Tell whether images are sound",
+                                   kDetails, options, run);
+    addArguments(command, "IMAGE", options.images, "Images").required();
+    command.add_flag("-q,--quiet", options.quiet, "Say nothing about sound images");
+}
+
+}  // namespace dictool

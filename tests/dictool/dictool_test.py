@@ -1,0 +1,296 @@
+"""Runs dictool as its users do. Told where things are by DICTOOL and EXAMPLES."""
+
+import json
+import os
+import random
+import re
+import shutil
+import signal
+import subprocess
+import tempfile
+import unittest
+
+DICTOOL = os.environ["DICTOOL"]
+EXAMPLES = os.environ["EXAMPLES"]
+HERE = tempfile.mkdtemp(prefix="dictool")
+COMMANDS = "build lint search segment lookup dump stat verify diff view".split()
+SOURCE = "\\n\tline\nabc\tn\t1\nbc\tv\nab\t\n東京\tplace\n東京都\tplace\tbig\nbc\tw\n"
+NONE, TROUBLE, REFUSED, BAD_IMAGE, INTERRUPTED, CLOSED_PIPE = 1, 2, 3, 4, 130, 141
+
+
+def run(*arguments, given=b"", **options):
+    """Status, output and errors of one run; texts are UTF-8."""
+    given = given.encode() if isinstance(given, str) else given
+    done = subprocess.run([DICTOOL, *arguments], input=given, cwd=HERE, timeout=300,
+                          stdout=options.pop("stdout", subprocess.PIPE), stderr=subprocess.PIPE,
+                          **options)
+    return done.returncode, done.stdout, done.stderr.decode(errors="replace")
+
+
+def write(name, content):
+    with open(os.path.join(HERE, name), "wb") as file:
+        file.write(content if isinstance(content, bytes) else content.encode())
+    return name
+
+
+def read(name):
+    with open(os.path.join(HERE, name), "rb") as file:
+        return file.read()
+
+
+def setUpModule():
+    assert run("build", "-", "words.bin", given=SOURCE)[0] == 0
+    assert run("build", os.path.join(EXAMPLES, "sample.tsv"), "sample.bin")[0] == 0
+    words = [line.split("\t")[0] for line in run("dump", "sample.bin")[1].decode().splitlines()]
+    dice = random.Random(7)
+    lines = ("".join(dice.choices([*words, " ", ", ", "?"], k=dice.randrange(60)))
+             for _ in range(15000))
+    write("large.txt", "\n".join(lines))
+
+
+def tearDownModule():
+    shutil.rmtree(HERE)
+
+
+def match(start, length, key, *data):
+    return {"start": start, "length": length, "key": key, "data": list(data)}
+
+
+def lines_of(*objects):
+    return "".join(json.dumps(item, ensure_ascii=False, separators=(",", ":")) + "\n"
+                   for item in objects)
+
+
+ABC = match(1, 3, "abc", "n", "1")
+BC = match(2, 2, "bc", "v", ";w")
+
+# Arguments, standard input, output; status 0.
+ANSWERS = [
+    ("search", "xabc\n東京都\n\nq\n", "abc\tbc\t\n東京都\t\n\n\n"),
+    ("search -d", "xabc", "abc/1:n\t1\t\tbc/2:v\t;w\t\t\n"),
+    ("search --all -d", "xabc\n", "ab/1:\t\tabc/1:n\t1\t\tbc/2:v\t;w\t\t\n"),
+    ("search", b"bc\xffbc\nab\0bc\n", "bc\t\nab\t\n"),
+    ("search --longest", b"bc\xffbc\nab\0bc\nab\xf0\x9f\x98\x80\n", "bc\tbc\t\nab\tbc\t\nab\t\n"),
+    ("search", "ab😀bc\n", "bc\t\n"),
+    ("search -z -d", "x\nabc\0ab", "\n/1:line\t\tabc/2:n\t1\t\tbc/3:v\t;w\t\t\0ab/0:\t\t\0"),
+    ("search -f tsv", "\nxabc\n", "2\t1\t3\tabc\tn\t1\n2\t2\t2\tbc\tv\t;w\n"),
+    ("search -f tsv --offset char", "é東京都\n", "1\t1\t3\t東京都\tplace\tbig\n"),
+    ("search --longest -d --offset char", b"\xff\xe6bc", "bc/2:v\t;w\t\t\n"),
+    ("search -f json", "xabc\nq\n",
+     lines_of({"line": 1, "matches": [ABC, BC]}, {"line": 2, "matches": []})),
+    ("segment", "xabcbc東京都ab\n", "abc\tbc\t東京都\tab\t\n"),
+    ("segment --keep", "x, abc!", "x, \tabc\t!\t\n"),
+    ("segment --keep -f json --offset char", b"\"\\\x01\xff\xe6bc\n",
+     '{"line":1,"matches":[{"start":0,"length":5,"key":"\\"\\\\\\u0001\ufffd\ufffd","data":null},'
+     '{"start":5,"length":2,"key":"bc","data":["v",";w"]}]}\n'),
+    ("lookup", "abc\nx\nab", "abc\tn\t1\nab\t\n"),
+    ("lookup -f tsv", "x\nabc\n", "2\tabc\tn\t1\n"),
+    ("lookup --missing", "abc\nx\n", "x\t\n"),
+    ("lookup -z", "\n\0x", "\n\tline\0"),
+    ("lookup -f json", "x\nab\n", lines_of({"line": 1, "key": "x", "found": False},
+                                           {"line": 2, "key": "ab", "found": True, "data": [""]})),
+    ("dump", "", "\\n\tline\nab\t\nabc\tn\t1\nbc\tv\t;w\n東京\tplace\n東京都\tplace\tbig\n"),
+    ("verify", "", "words.bin: ok\n"),
+    ("verify -q", "", ""),
+]
+
+# Source, what is told about it, status of building it, status with --lenient.
+FAULTS = [
+    (b"a\tx\nb\n", ["2:2: error no-field"], TROUBLE, TROUBLE),
+    (b"a\tx\n\nb\ty\n", ["2:1: error empty-record"], TROUBLE, TROUBLE),
+    (b"\tx\nb\ty\n", ["1:1: error empty-key"], TROUBLE, 0),
+    (b"ab\xffc\tx\n", ["1:3: error bad-utf8"], TROUBLE, 0),
+    (b"a\tx\0y\n", ["1:4: error nul"], TROUBLE, TROUBLE),
+    (b"a\tx\r\n", ["1:4: error cr"], TROUBLE, 0),
+    (b"\xef\xbb\xbfa\tx\n", ["1:1: error bom"], TROUBLE, 0),
+    (b"a\tx\nb\ty", ["2:4: error unfinished"], TROUBLE, TROUBLE),
+    (b"a\t" + b"x" * 4194304 + b"\n", ["1:4194299: error record-too-long"], TROUBLE, TROUBLE),
+    ("a\tx\nb😀\ty\n".encode(), ["2:2: error beyond-bmp"], REFUSED, REFUSED),
+    (b"a\nb\n\xff\tx\n", ["1:2: error no-f", "2:2: error no-f", "3:1: error bad"],
+     TROUBLE, TROUBLE),
+]
+
+
+class Dictool(unittest.TestCase):
+    def assertRefused(self, result, status, *beginnings):
+        self.assertEqual(result[0], status, result)
+        lines = result[2].splitlines()
+        self.assertEqual(len(lines), len(beginnings), lines)
+        for line, beginning in zip(lines, beginnings):
+            self.assertTrue(line.startswith("dictool: " + beginning), line)
+
+    def test_answers(self):
+        for arguments, given, expected in ANSWERS:
+            with self.subTest(arguments, given=given):
+                command, *options = arguments.split()
+                result = run(command, "words.bin", *options, given=given)
+                self.assertEqual(result, (0, expected.encode(), ""))
+
+    def test_keys_are_taken_as_they_come(self):
+        keys = ["[a,b]", "[]", "{}", "", "%%", "search", "-", "--", "--all", "[b]", "東京"]
+        found = run("lookup", "words.bin", "-f", "json", *keys)
+        answers = [json.loads(line) for line in found[1].splitlines()]
+        keys.remove("--")
+        self.assertEqual([answer["key"] for answer in answers], keys)
+        self.assertEqual([answer["found"] for answer in answers], 9 * [False] + [True])
+
+    def test_nothing_found(self):
+        for arguments in (["search"], ["segment", "--keep"], ["lookup", "-f", "json"]):
+            self.assertEqual(run(*arguments, "words.bin", given="q\n")[0], NONE)
+            self.assertEqual(run(*arguments, "words.bin", "--exit-zero", given="q\n")[0], 0)
+
+    def test_wrong_sources(self):
+        for source, told, status, lenient in FAULTS:
+            with self.subTest(source[:20]):
+                write("old.bin", "old")
+                write("wrong.tsv", source)
+                told = ["wrong.tsv:" + line for line in told]
+                self.assertRefused(run("lint", "-q", "wrong.tsv"), status, *told)
+                self.assertRefused(run("build", "-q", "wrong.tsv", "old.bin"), status, *told)
+                self.assertEqual(read("old.bin") == b"old", status != REFUSED)
+                self.assertEqual(run("build", "--lenient", "wrong.tsv", "new.bin")[0], lenient)
+
+    def test_build(self):
+        write("semicolons", "a,1;b,2;")
+        separators = ["--field-separator", ",", "--record-separator", "\\059"]
+        self.assertEqual(run("build", "semicolons", "other.bin", *separators)[0], 0)
+        self.assertEqual(run("dump", "other.bin")[1], b"a\t1\nb\t2\n")
+        problems = run("lint", "-", "--max-problems", "2", given="\n\n\n\n")
+        self.assertRefused(problems, TROUBLE, "-:1:1: error", "-:2:1: error", "-: 2 more problems")
+        for arguments, told in ((["gone.tsv", "x.bin"], "gone.tsv: error cannot-read"),
+                                (["-", "gone/x.bin"], "gone/x.bin: error cannot-write")):
+            self.assertRefused(run("build", *arguments), TROUBLE, told)
+        shown = run("build", "-", "x.bin", "--progress", given=SOURCE)[2]
+        self.assertIn("\rdictool: x.bin: 6 keys of 7 records", shown)
+        before = set(os.listdir(HERE))
+        building = subprocess.Popen([DICTOOL, "build", "-", "new"], cwd=HERE, stdin=subprocess.PIPE,
+                                    stderr=subprocess.PIPE)
+        caught = 0
+        while not caught >> (signal.SIGTERM - 1) & 1:
+            status = read(f"/proc/{building.pid}/status").decode()
+            caught = int(re.search(r"SigCgt:\s(\w+)", status)[1], 16)
+        building.send_signal(signal.SIGTERM)
+        building.communicate()
+        self.assertEqual((building.returncode, set(os.listdir(HERE))), (INTERRUPTED, before))
+
+    def test_bad_images(self):
+        image = read("words.bin")
+        bad = [b"", image[:11], image[:-1], image + b"\0", b"\xff" * 12,
+               image[:65537 * 12 + 4] + b"\x7f" + image[65537 * 12 + 5:]]
+        for content in bad:
+            write("bad.bin", content)
+            for command in COMMANDS[2:]:
+                extra = {"diff": ["words.bin"], "view": ["-o", "page.html"]}.get(command, [])
+                self.assertRefused(run(command, "bad.bin", *extra), BAD_IMAGE, "bad.bin: error ")
+                self.assertRefused(run(command, "gone.bin", *extra), TROUBLE, "gone.bin: error ")
+        self.assertRegex(run("verify", "bad.bin")[2], r"\(cell \d+, byte \d+\)")
+
+    def test_dump_gives_back_the_image_or_says_that_it_cannot(self):
+        for image in ("sample.bin", "words.bin"):
+            again = run("build", "-", "again.bin", given=run("dump", image)[1])
+            self.assertEqual((again[0], read("again.bin")), (0, read(image)))
+        comma = ["--record-separator", ",", "--field-separator", ";"]
+        for source, options in [(b"\tx\nb\ty\n", []), (b"a\tx\na\xff\ty\n", []),
+                                (b"abc\tx\nab\xff\ty\n", []),
+                                (b"a\n;x,", comma), (b"a\tb;x,", comma), (b"a;x\ny,", comma)]:
+            built = run("build", "--lenient", "-", "cut.bin", *options, given=source)
+            self.assertEqual(built[0], 0)
+            self.assertRefused(run("dump", "cut.bin"), TROUBLE, "cut.bin: error no-source")
+
+    def test_diff(self):
+        run("build", "-", "other.bin", given="\\n\tline\nabc\tn\t2\nabd\tx\n")
+        told = "-ab\t\n~abc\tn\t2\n+abd\tx\n-bc\tv\t;w\n-東京\tplace\n-東京都\tplace\tbig\n"
+        self.assertEqual(run("diff", "words.bin", "other.bin"), (NONE, told.encode(), ""))
+        self.assertEqual(run("diff", "-q", "words.bin", "other.bin"), (NONE, b"", ""))
+        self.assertEqual(run("diff", "words.bin", "words.bin"), (0, b"", ""))
+
+    def test_stat_and_view(self):
+        numbers = json.loads(run("stat", "-f", "json", "words.bin")[1])
+        self.assertEqual([numbers[name] for name in ("keys", "dataTexts", "usedCells", "keyBytes")],
+                         [6, 6, 9, 23])
+        self.assertEqual(sum(length["count"] for length in numbers["keysByLength"]), 6)
+        self.assertIn(b"\nkeys                           6\n", run("stat", "words.bin")[1])
+        name = "<script>words.bin"
+        write(name, read("words.bin"))
+        page = run("view", name, "-o", "-")[1].decode()
+        data = json.loads(page.split("const data = ")[1].split(";\n")[0])
+        self.assertEqual((data["file"], data["keys"], len(data["occupancy"])), (name, 6, 256 * 96))
+        for outside in ("http", "src=", "url(", "<link", "@import", name):
+            self.assertNotIn(outside, page)
+
+    def test_threads_and_processes_give_the_same_bytes(self):
+        for options in ("search -d", "search -f json --all --offset char", "segment -k", "lookup"):
+            command = [DICTOOL, options.split()[0], "sample.bin", *options.split()[1:]]
+            alone = run(*command[1:], given=read("large.txt"))
+            self.assertEqual(run(*command[1:], "-j8", given=read("large.txt")), alone, options)
+            if "json" in options or not shutil.which("parallel"):
+                continue  # a line's number is that in its process
+            done = subprocess.run(["parallel", "--will-cite", "--pipe", "--keep-order", "--block",
+                                   "200k", *command], input=read("large.txt"), cwd=HERE,
+                                  stdout=subprocess.PIPE, check=False)
+            self.assertTrue(done.stdout == alone[1], options)
+
+    def test_files(self):
+        write("one", "ab\nbc")
+        files = ["one", "gone", "-", ".", "one"]
+        result = run("search", "words.bin", "-f", "tsv", *files, given="abc\n")
+        self.assertRefused(result, TROUBLE, "gone: error cannot-read", ".: error cannot-read")
+        rows = [row.split("\t")[:4:3] for row in result[1].decode().splitlines()]
+        self.assertEqual(rows, [["1", "ab"], ["2", "bc"], ["3", "abc"], ["3", "bc"], ["4", "ab"],
+                                ["5", "bc"]])
+
+    def test_long_lines(self):
+        line = b"abc" * 500000
+        for options in (["-j1"], ["-j8"], ["--line-buffered"]):
+            given = line + b"\n\n" + line
+            result = run("segment", "words.bin", *options, given=given)
+            self.assertTrue(result[1] == b"abc\t" * 500000 + b"\n\n" + b"abc\t" * 500000 + b"\n")
+
+    def test_answers_line_by_line(self):
+        command = [DICTOOL, "search", "--line-buffered", "-j4", "words.bin"]
+        with subprocess.Popen(command, cwd=HERE, stdin=subprocess.PIPE,
+                              stdout=subprocess.PIPE) as process:
+            for _ in range(3):
+                process.stdin.write(b"xabc\n")
+                process.stdin.flush()
+                self.assertEqual(process.stdout.readline(), b"abc\tbc\t\n")
+            process.stdin.close()
+
+    def test_output_that_fails(self):
+        writing = [["search", "-j4"], ["segment"], ["lookup"], ["dump"], ["stat"], ["verify"],
+                   ["view", "-o", "-"], ["--help"], ["search", "--help"], ["--version"]]
+        for command in writing:
+            image = [] if command[-1][:2] == "--" else ["words.bin"]
+            with open("/dev/full", "wb") as full:
+                result = run(*command, *image, given="abc\n", stdout=full)
+            self.assertRefused(result, TROUBLE, "standard output: error cannot-write")
+            reader, writer = os.pipe()
+            os.close(reader)
+            for restore in (True, False):
+                self.assertEqual(run(*command, *image, given="abc\n", stdout=writer,
+                                     restore_signals=restore), (CLOSED_PIPE, None, ""))
+            os.close(writer)
+
+    def test_usage(self):
+        for arguments in ([], ["bogus"], ["search"], ["search", "words.bin", "--bogus"],
+                          ["search", "words.bin", "-f", "xml"], ["search", "words.bin", "-j", "-1"],
+                          ["search", "words.bin", "--all", "--longest"], ["diff", "words.bin"],
+                          ["lint", "x", "--max-problems", "0"], ["stat", "words.bin", "more"]):
+            self.assertRefused(run(*arguments), TROUBLE, "error usage: ")
+
+    def test_every_option_is_documented_everywhere(self):
+        scripts = [run("completion", shell)[1].decode() for shell in ("bash", "zsh", "fish")]
+        for command in COMMANDS:
+            status, text, errors = run(command, "--help")
+            self.assertEqual((status, errors), (0, ""))
+            manual = run("manual", command)[1].decode().replace("\\-", "-")
+            for script in [*scripts, manual]:
+                self.assertIn(command, script)
+            for option in set(re.findall(r"(?m)^  (?:-\w,)?--([\w-]+)", text.decode())):
+                for script in [*scripts, manual]:
+                    self.assertIn(option, script)
+        subprocess.run(["bash", "-n"], input=scripts[0].encode(), check=True)
+
+
+if __name__ == "__main__":
+    unittest.main()
