@@ -152,15 +152,15 @@ TEST(CheckedBuild, MakesTheImageOfThePlainBuildInSilence) {
         Build build(true);
         build.options.fieldSeparator = field;
         build.options.recordSeparator = record;
-        const int descriptor = nextDescriptor();
+        const long descriptors = openDescriptors();
         const Printed printed = printedBy([&] { build.file(source.path(), image.path()); });
         EXPECT_EQ(printed.out + printed.err, "");
-        EXPECT_EQ(nextDescriptor(), descriptor);
+        EXPECT_EQ(openDescriptors(), descriptors);
         const Printed plain = printedBy([&, f = field, r = record] {
+            const SourceCloser closer;
             ASSERT_EQ(app.buildDic(source.path(), f, r), 1) << text;
             app.writeBinaryDic(plainImage.path());
         });
-        close(descriptor);  // which the plain build left
         EXPECT_EQ(build.report.refused == 0, plain.err.find("wrong add") == plain.err.npos);
         EXPECT_TRUE(image.content() == plainImage.content()) << text;
     }
@@ -209,12 +209,12 @@ TEST(CheckedBuild, LeavesTheOldImageWhereItCannotReadOrWrite) {
     const Folder folder, elsewhere;
     const std::string pipe = elsewhere.path + "/pipe";
     mkfifo(pipe.c_str(), 0666);
-    const int descriptor = nextDescriptor();
+    const long descriptors = openDescriptors();
     const auto expectFailure = [&](Build& build, int result, const char* problem, int error) {
         EXPECT_EQ(result, DICTIONARY_NOT_BUILT);
         EXPECT_EQ(build.problems.str(), std::string("0:0 E ") + problem + "\n");
         EXPECT_EQ(build.error, error) << strerror(build.error);
-        EXPECT_EQ(nextDescriptor(), descriptor);
+        EXPECT_EQ(openDescriptors(), descriptors);
         folder.expectAsBefore();
     };
     const std::pair<std::string, int> places[] = {

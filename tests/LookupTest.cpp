@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <cstdlib>
 #include <cstring>
-#include <map>
 #include <memory>
 #include <random>
 #include <string>
@@ -14,6 +13,7 @@
 #include "DATReader.h"
 #include "DATWriter.h"
 #include "LetterCoder.h"
+#include "LookupModel.h"
 
 namespace {
 
@@ -22,136 +22,28 @@ using Dictionary::CDATWriter;
 using Dictionary::ICoderInterface;
 using Dictionary::SPOS;
 
-struct Found {
-    int start;
-    int end;
-    std::string feature;
-    bool operator==(const Found& other) const {
-        return start == other.start && end == other.end && feature == other.feature;
-    }
-};
-
-std::ostream& operator<<(std::ostream& out, const Found& found) {
-    return out << found.start << '-' << found.end << ':' << found.feature;
-}
-
-using Model = std::map<std::string, std::string>;
-
-// Positions at which a character starts, and the text's end.
-std::vector<int> boundaries(const std::string& text) {
-    std::vector<int> result;
-    for (int i = 0; i <= static_cast<int>(text.size()); ++i) {
-        const bool inside = (static_cast<unsigned char>(text.c_str()[i]) & 0xC0) == 0x80;
-        if (!inside) result.push_back(i);
-    }
-    return result;
-}
-
-void addIfKey(const Model& model, const std::string& text, int from, int to,
-              std::vector<Found>& found) {
-    const auto key = model.find(
-        text.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)));
-    if (key != model.end()) found.push_back({from, to - 1, key->second});
-}
-
-std::vector<Found> everyKey(const Model& model, const std::string& text, bool reverse) {
-    std::vector<Found> found;
-    const std::vector<int> cuts = boundaries(text);
-    for (std::size_t i = 0; i < cuts.size(); ++i) {
-        for (std::size_t j = reverse ? 0 : i + 1; j < (reverse ? i : cuts.size()); ++j) {
-            addIfKey(model, text, cuts[reverse ? j : i], cuts[reverse ? i : j], found);
-        }
-    }
-    return found;
-}
-
-// Greedy segmentation; a reversed one runs from the end and is turned round.
-std::vector<Found> segments(const Model& model, const std::string& text, bool reverse) {
-    std::vector<Found> result;
-    const std::vector<int> cuts = boundaries(text);
-    const int last = static_cast<int>(cuts.size()) - 1;
-    const int step = reverse ? -1 : 1;
-    int at = reverse ? last : 0;
-    const int stop = last - at;
-    const auto cut = [&](int index) { return cuts[static_cast<std::size_t>(index)]; };
-    while (at != stop) {
-        std::vector<Found> longest;
-        int next = at + step;
-        for (int to = at + step; to != stop + step; to += step) {
-            const std::size_t before = longest.size();
-            addIfKey(model, text, std::min(cut(at), cut(to)), std::max(cut(at), cut(to)), longest);
-            if (longest.size() > before) next = to;
-        }
-        if (!longest.empty()) result.push_back(longest.back());
-        at = next;
-    }
-    if (reverse) std::reverse(result.begin(), result.end());
-    return result;
-}
+using Words = LookupModel::Words;
 
 class Lookup {
 public:
-    Lookup(ICoderInterface& coder, const Model& model, bool reverse)
-        : m_model(model), m_reverse(reverse) {
+    Lookup(ICoderInterface& coder, const Words& words, bool reverse) : m_model(words, reverse) {
         testing::internal::CaptureStdout();
-        CDATWriter writer(&coder, reverse);
-        for (const auto& [key, feature] : model) writer.addKeys(key.c_str(), feature);
-        writer.buildDAT();
+        m_image = std::make_unique<LookupImage>(coder, words, reverse);
         testing::internal::GetCapturedStdout();
-        const std::unique_ptr<char[]> image(writer.write());
-        m_image = std::make_unique<GuardedBytes>(
-            std::string(image.get(), static_cast<std::size_t>(writer.imageSize())));
-        std::memcpy(&m_features, image.get() + 8, sizeof m_features);
-        m_reader = std::make_unique<CDATReader>(&coder, m_image->data(), reverse);
     }
 
     void check(const std::string& text) {
-        std::vector<SPOS> records;
-        m_reader->allMatch(text.c_str(), records, false, -1);
-        const std::vector<Found> every = everyKey(m_model, text, m_reverse);
-        EXPECT_EQ(every, withTexts(records)) << text;
-
-        records.clear();
-        m_reader->maxMatch(text.c_str(), records);
-        EXPECT_EQ(segments(m_model, text, m_reverse), withTexts(records)) << text;
-
-        std::string feature;
-        m_reader->exactMatch(text.c_str(), feature);
-        const bool findable = !m_reverse || text.size() == 1;
-        const auto key = findable ? m_model.find(text) : m_model.end();
-        EXPECT_EQ(key == m_model.end() ? "" : key->second, feature) << text;
-        if (!m_reverse) checkGroups(text, every);
+        const Answers expected = m_model.answers(text);
+        const Answers actual = m_image->answers(text);
+        EXPECT_EQ(expected.every, actual.every) << text;
+        EXPECT_EQ(expected.segments, actual.segments) << text;
+        EXPECT_EQ(expected.groups, actual.groups) << text;
+        EXPECT_EQ(expected.exact, actual.exact) << text;
     }
 
 private:
-    void checkGroups(const std::string& text, const std::vector<Found>& every) {
-        std::vector<std::vector<std::pair<int, std::string>>> expected(text.size());
-        for (const Found& found : every) {
-            expected[static_cast<std::size_t>(found.start)].emplace_back(
-                found.end + 1 - found.start, found.feature);
-        }
-        std::vector<std::vector<std::pair<int, std::string>>> groups;
-        m_reader->allMatch(text.c_str(), groups, false, -1);
-        EXPECT_EQ(expected, groups) << text;
-    }
-
-    std::vector<Found> withTexts(const std::vector<SPOS>& records) const {
-        std::vector<Found> result;
-        for (const SPOS& record : records) {
-            const char* feature = m_image->data() + m_features + record.feature;
-            int length;
-            std::memcpy(&length, feature, sizeof length);
-            result.push_back({record.start, record.end,
-                              std::string(feature + 4, static_cast<std::size_t>(length))});
-        }
-        return result;
-    }
-
-    Model m_model;
-    bool m_reverse;
-    int m_features = 0;
-    std::unique_ptr<GuardedBytes> m_image;
-    std::unique_ptr<CDATReader> m_reader;
+    LookupModel m_model;
+    std::unique_ptr<LookupImage> m_image;
 };
 
 // Calls `visit` with every string of at most `length` of the letters.
@@ -164,26 +56,51 @@ void forEachText(const std::vector<std::string>& letters, int length, const Visi
         forEachText(letters, length - 1, visit, text + letter);
 }
 
-// All dictionaries of up to three keys over two letters, times all texts up to six.
-TEST(Lookup, EqualsTheModelOnAllSmallDictionaries) {
+// UTF-8 with so few codes that images stay small.
+class FewCodesCoder : public Dictionary::CUTF8Coder {
+public:
+    int encodeString(const char* text, std::vector<int>& codes, std::vector<SPOS>& positions,
+                     int length) override {
+        const int result = CUTF8Coder::encodeString(text, codes, positions, length);
+        for (int& code : codes) code %= getNumOfSingleWord();
+        return result;
+    }
+    int getNumOfSingleWord() override { return 64; }
+};
+
+// The longest texts to look into; DICTIONARY_SCOPE sets another size for long runs.
+int scope() {
+    const char* const given = std::getenv("DICTIONARY_SCOPE");
+    return given == nullptr ? 7 : std::atoi(given);
+}
+
+// All dictionaries of up to three keys over two letters, times all texts of the scope.
+void checkAllSmallDictionaries(ICoderInterface& coder, const std::vector<std::string>& letters) {
     std::vector<std::string> keys;
     std::vector<std::string> texts;
-    forEachText({"A", "B"}, 3, [&](const std::string& key) { keys.push_back(key); });
-    forEachText({"A", "B"}, 6, [&](const std::string& text) { texts.push_back(text); });
+    forEachText(letters, 3, [&](const std::string& key) { keys.push_back(key); });
+    forEachText(letters, scope(), [&](const std::string& text) { texts.push_back(text); });
     keys.erase(keys.begin());
-    LetterCoder coder;
     for (std::size_t i = 0; i < keys.size(); ++i) {
         for (std::size_t j = i; j < keys.size(); ++j) {
             for (std::size_t k = j; k < keys.size(); ++k) {
-                const Model model = {{keys[i], "1"}, {keys[j], "22"}, {keys[k], "333"}};
+                const Words words = {{keys[i], "1"}, {keys[j], "22"}, {keys[k], "333"}};
                 for (const bool reverse : {false, true}) {
-                    Lookup lookup(coder, model, reverse);
+                    Lookup lookup(coder, words, reverse);
                     for (const std::string& text : texts) lookup.check(text);
-                    ASSERT_FALSE(HasFailure()) << keys[i] << ' ' << keys[j] << ' ' << keys[k];
+                    ASSERT_FALSE(testing::Test::HasFailure())
+                        << keys[i] << ' ' << keys[j] << ' ' << keys[k];
                 }
             }
         }
     }
+}
+
+TEST(Lookup, EqualsTheModelOnAllSmallDictionaries) {
+    LetterCoder letters;
+    checkAllSmallDictionaries(letters, {"A", "B"});
+    FewCodesCoder characters;
+    checkAllSmallDictionaries(characters, {"a", "中"});
 }
 
 TEST(Lookup, EqualsTheModelOnRandomUtf8) {
@@ -196,11 +113,11 @@ TEST(Lookup, EqualsTheModelOnRandomUtf8) {
     };
     Dictionary::CUTF8Coder coder;
     for (int round = 0; round < 40 && !HasFailure(); ++round) {
-        Model model;
-        for (int i = 0; i < 60; ++i) model[text(5) + letters[random() % 5]] = std::to_string(i);
-        Lookup lookup(coder, model, round % 2 == 1);
+        Words words;
+        for (int i = 0; i < 60; ++i) words[text(5) + letters[random() % 5]] = std::to_string(i);
+        Lookup lookup(coder, words, round % 2 == 1);
         for (int i = 0; i < 200; ++i) lookup.check(text(40));
-        for (const auto& entry : model) lookup.check(entry.first);
+        for (const auto& entry : words) lookup.check(entry.first);
     }
 }
 

@@ -1,9 +1,14 @@
 // Whole dictionaries. A real one, the word list of the Debian package edict, is held against a
-// plain map: every key with its data, and everything found in a real text. The sample's image is
-// pinned to the byte.
+// plain map: every key with its data, and everything found in a real text; where the library marisa
+// is installed, against that, too. The sample's image is pinned to the byte.
+
+#if __has_include(<marisa.h>)
+#include <marisa.h>
+#endif
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <sstream>
 #include <tuple>
 
@@ -70,36 +75,67 @@ std::string found(const std::string& text, void* handle, bool withFeatures) {
     return keys;
 }
 
-TEST(RealDictionary, FindsWhatAPlainMapFinds) {
-    if (access(kWordList, R_OK) != 0) GTEST_SKIP() << "the package edict is not installed";
-    const TemporaryFile utf8, source, imageFile;
-    const std::string conversion = std::string("iconv -f EUC-JP -t UTF-8 ") + kWordList + " > ";
-    ASSERT_EQ(std::system((conversion + utf8.path()).c_str()), 0);
-    const std::string everything = utf8.content();
-    const Words words = wordsOf(everything, source);
-    ASSERT_GT(words.size(), 100000u);
-    printedBy([&] { buildTree(source.path(), imageFile.path()); });
-    std::string image = imageFile.content();
-
-    Dictionary::CUTF8Coder coder;
-    Dictionary::CDATReader reader(&coder, image.data(), false);
-    for (const auto& [key, feature] : words) {
-        std::string answer;
-        reader.exactMatch(key.c_str(), answer);
-        ASSERT_EQ(answer, feature) << key;
+class RealDictionary : public testing::Test {
+protected:
+    void SetUp() override {
+        if (access(kWordList, R_OK) != 0) GTEST_SKIP() << "the package edict is not installed";
+        const TemporaryFile utf8, source;
+        const std::string conversion = std::string("iconv -f EUC-JP -t UTF-8 ") + kWordList + " > ";
+        ASSERT_EQ(std::system((conversion + utf8.path()).c_str()), 0);
+        const std::string everything = utf8.content();
+        words = wordsOf(everything, source);
+        ASSERT_GT(words.size(), 100000u);
+        printedBy([&] { buildTree(source.path(), imageFile.path()); });
+        image = imageFile.content();
+        reader = std::make_unique<Dictionary::CDATReader>(&coder, &image[0], false);
+        const std::size_t lineStart = everything.find('\n', everything.size() / 2) + 1;
+        text = everything.substr(lineStart, kTextBytes);
     }
 
-    const std::size_t lineStart = everything.find('\n', everything.size() / 2) + 1;
-    const std::string text = everything.substr(lineStart, kTextBytes);
+    const TemporaryFile imageFile;
+    Words words;
+    std::string image, text;
+    Dictionary::CUTF8Coder coder;
+    std::unique_ptr<Dictionary::CDATReader> reader;
+};
+
+TEST_F(RealDictionary, FindsWhatAPlainMapFinds) {
+    for (const auto& [key, feature] : words) {
+        std::string answer;
+        reader->exactMatch(key.c_str(), answer);
+        ASSERT_EQ(answer, feature) << key;
+    }
     void* const handle = loadBin(imageFile.path());
     Findings findings({}, {}, found(text, handle, false), found(text, handle, true));
     destroyBin(handle);
-    reader.allMatch(text.c_str(), std::get<0>(findings), false, -1);
+    reader->allMatch(text.c_str(), std::get<0>(findings), false, -1);
     std::vector<Dictionary::SPOS> longest;
-    reader.maxMatch(text.c_str(), longest);
+    reader->maxMatch(text.c_str(), longest);
     for (const auto& word : longest) std::get<1>(findings).emplace_back(word.start, word.end);
     EXPECT_TRUE(findings == findingsOf(words, text));
 }
+
+#if __has_include(<marisa.h>)
+TEST_F(RealDictionary, FindsWhatMarisaFinds) {
+    marisa::Keyset keys;
+    for (const auto& word : words) keys.push_back(word.first.data(), word.first.size());
+    marisa::Trie trie;
+    trie.build(keys);
+    marisa::Agent agent;
+    std::vector<std::pair<std::size_t, std::size_t>> expected, actual;  // first and last bytes
+    for (std::size_t start = 0; start < text.size(); ++start) {
+        agent.set_query(&text[start], text.size() - start);
+        while (trie.common_prefix_search(agent)) {
+            expected.emplace_back(start, start + agent.key().length() - 1);
+        }
+    }
+    std::vector<Dictionary::SPOS> every;
+    reader->allMatch(text.c_str(), every, false, -1);
+    for (const auto& word : every) actual.emplace_back(word.start, word.end);
+    EXPECT_GT(actual.size(), 10000u);
+    EXPECT_TRUE(actual == expected);
+}
+#endif
 
 TEST(SampleDictionary, ImageStaysTheSameToTheByte) {
     const TemporaryFile image;

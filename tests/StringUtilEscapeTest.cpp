@@ -2,40 +2,11 @@
 
 #include <map>
 #include <string>
-#include <tuple>
 
 #include "BoundaryText.h"
-#include "StringUtil.h"
+#include "SlowText.h"
 
 namespace {
-
-// The cleaned text, the count of replaced bytes, which starts at 100, and the consumed bytes.
-using Cleaned = std::tuple<std::string, int, std::size_t>;
-
-Cleaned clean(const char* text, std::size_t length) {
-    int replaced = 100, consumed = -1;
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
-    const unsigned char* const cleaned =
-        Dictionary::Escape(bytes, static_cast<int>(length), &replaced, &consumed);
-    return {reinterpret_cast<const char*>(cleaned), replaced, consumed};
-}
-
-// The same for a text without references.
-Cleaned cleanSlowly(std::string text, std::size_t length) {
-    int replaced = 100;
-    std::size_t i = 0;
-    for (; i < length; ++i) {
-        const int byte = text[i] & 0xFF, next = text[i + 1] & 0xFF;
-        if (byte > 0x80 && byte < 0xFE && next >= 0x40 && next < 0xFF && next != 0x7F) {
-            ++i;
-        } else if ((byte < 0x20 && std::string("\3\4\t\n\r").find(text[i]) == std::string::npos) ||
-                   byte > 0x7E) {
-            text[i] = ' ';
-            ++replaced;
-        }
-    }
-    return {text.substr(0, i), replaced, i};
-}
 
 TEST(Escape, CleansEveryOneAndTwoBytes) {
     for (int word = 0; word < 0x10000; ++word) {

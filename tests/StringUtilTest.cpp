@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "BoundaryText.h"
+#include "SlowText.h"
 #include "TemporaryFile.h"
 
 namespace {
@@ -59,14 +60,6 @@ TEST(StringUtil, ChangesInPlace) {
         EXPECT_EQ(GBKSubStr(text, length), kept[length]);
         EXPECT_EQ(text, std::string("a\260\241\260b", kept[length]));
     }
-}
-
-bool matchSlowly(const char* pattern, const char* text) {
-    const bool mayBeNothing = *pattern == '*' || *pattern == '?';
-    if (mayBeNothing && matchSlowly(pattern + 1, text)) return true;
-    if (*pattern == '\0' || *text == '\0') return *pattern == *text;
-    if (!mayBeNothing && *pattern != *text) return false;
-    return matchSlowly(*pattern == '*' ? pattern : pattern + 1, text + 1);
 }
 
 Strings wordsOver(const std::string& alphabet) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -49,5 +50,18 @@ inline int nextDescriptor() {
     close(descriptor);
     return descriptor;
 }
+
+inline long openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+// Closes at the end the source that the plain build in its scope leaves open.
+class SourceCloser {
+public:
+    ~SourceCloser() { close(m_source); }
+
+private:
+    int m_source = nextDescriptor();
+};
 
 #endif

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "BoundaryText.h"
+#include "SlowText.h"
 
 namespace {
 
@@ -73,26 +74,6 @@ TEST(UnicodeConversion, ConvertsEveryCharacterThereAndBack) {
         checkRooms(repeated<ConvertUTF32toUTF8, uint32_t, uint8_t>, utf32, utf8, smallest);
         checkRooms(repeated<ConvertUTF8toUTF32, uint8_t, uint32_t>, utf8, utf32, smallest);
     }
-}
-
-// Reads the first character of `bytes` by its bits.
-ConversionResult readSlowly(const std::string& bytes, uint32_t& value, long& length) {
-    static const uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    const auto lead = static_cast<uint8_t>(bytes[0]);
-    int ones = 0;
-    while (ones < 6 && (lead << ones & 0x80)) ++ones;
-    length = ones == 0 ? 1 : ones;
-    if (static_cast<long>(bytes.size()) < length) return sourceExhausted;
-    if (ones == 1 || ones > 4) return sourceIllegal;
-
-    value = lead & (0xFFu >> (ones + 1));
-    for (const char byte : bytes.substr(1, static_cast<std::size_t>(length) - 1)) {
-        if ((byte & 0xC0) != 0x80) return sourceIllegal;
-        value = value << 6 | (byte & 0x3F);
-    }
-    const bool surrogate = value >= 0xD800 && value <= 0xDFFF;
-    const bool legal = value >= smallest[length] && value <= 0x10FFFF && !surrogate;
-    return legal ? conversionOK : sourceIllegal;
 }
 
 TEST(UnicodeConversion, JudgesUtf8LikeASlowReader) {

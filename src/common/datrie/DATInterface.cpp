@@ -1,6 +1,7 @@
 #include "DATInterface.h"
 
 #include <cstdlib>
+#include <memory>
 
 #include "DATDictionarySample.h"
 
@@ -24,9 +25,9 @@ void buildTree(const char* sourceFileName, const char* binaryFileName) {
 }
 
 void* loadBin(const char* fileName) {
-    auto* app = new CDictionayApp;
+    auto app = std::make_unique<CDictionayApp>();
     app->loadBinaryDic(fileName);
-    return app;
+    return app.release();
 }
 
 char* search(const char* text, void* handle, bool withFeatures) {

@@ -18,7 +18,12 @@ constexpr std::uint8_t kAllFree = 0xFF;
 
 FreeCells::FreeCells(std::int64_t reserved) : m_end(reserved), m_covered(0) {
     cover(reserved);
-    for (std::int64_t cell = 0; cell < reserved; ++cell) take(cell);
+    for (std::int64_t shift = 0; shift < kCopies && shift < reserved; ++shift) {
+        const auto taken = static_cast<std::size_t>(reserved - shift);
+        std::vector<std::uint8_t>& copy = m_copies[static_cast<std::size_t>(shift)];
+        std::fill_n(copy.begin(), taken / kByteBits, std::uint8_t{0});
+        copy[taken / kByteBits] = static_cast<std::uint8_t>(kAllFree << taken % kByteBits);
+    }
 }
 
 void FreeCells::cover(std::int64_t cell) {

@@ -1,0 +1,120 @@
+// The check of sources: what it tells is in order, what it accepts is built, and as the plain build
+// would build it.
+
+#include "DATChecked.h"
+#include "DATDictionarySample.h"
+#include "Fuzz.h"
+#include "SlowText.h"
+#include "TemporaryFile.h"
+
+namespace {
+
+// A build takes far longer than a check, so only one source in so many is built.
+constexpr std::size_t kBuilds = 16;
+
+struct Told {
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> places;
+    int worst = DICTIONARY_WARNING;
+};
+
+struct Separators {
+    const char* field;
+    const char* record;
+};
+
+constexpr Separators kSeparators[] = {{"\t", "\n"}, {"||", ";;"}, {"\\009", "\\013\\010"}};
+
+DictionaryBuildOptions optionsFor(const Separators& separators, bool lenient, Told& told) {
+    DictionaryBuildOptions options = {};
+    options.size = sizeof options;
+    options.fieldSeparator = separators.field;
+    options.recordSeparator = separators.record;
+    options.problemLimit = 1000000;
+    options.lenient = lenient;
+    options.context = &told;
+    options.onProblem = [](void* context, const DictionaryProblem* problem) {
+        Told& all = *static_cast<Told*>(context);
+        all.places.emplace_back(problem->line, problem->column);
+        all.worst = std::min(all.worst, problem->severity);
+    };
+    return options;
+}
+
+bool isUtf8(std::string text) {
+    while (!text.empty()) {
+        std::uint32_t value = 0;
+        long units = 0;
+        if (readSlowly(text, value, units) != conversionOK) return false;
+        text.erase(0, static_cast<std::size_t>(units));
+    }
+    return true;
+}
+
+// Whether the strict check is to find no error.
+bool isSound(const std::string& source, const Separators& separators) {
+    const std::string recordEnd = Dictionary::getEscapeSeparator(separators.record);
+    std::vector<std::string> records = split(source, recordEnd);
+    const bool isFinished = records.back().empty();
+    records.pop_back();
+    const auto isGood = [&](const std::string& record) {
+        const std::size_t key = record.find(Dictionary::getEscapeSeparator(separators.field));
+        if (key == record.npos || key == 0) return false;
+        const bool endsInCr = recordEnd == "\n" && record.back() == '\r';
+        return !endsInCr && isUtf8(record.substr(0, key));
+    };
+    return isFinished && std::all_of(records.begin(), records.end(), isGood) &&
+           source.find('\0') == source.npos && source.find("\xEF\xBB\xBF") != 0;
+}
+
+// Checks a source and returns whether an image can be made of it.
+int check(const std::string& source, const Separators& separators, bool lenient) {
+    Told told;
+    const DictionaryBuildOptions options = optionsFor(separators, lenient, told);
+    DictionaryBuildReport report = {};
+    report.size = sizeof report;
+    const int result =
+        dictionaryBuildBytes(source.data(), source.size(), nullptr, &options, &report);
+    require(std::is_sorted(told.places.begin(), told.places.end()), "problems come in order");
+    require(told.places.size() == report.problems, "problems are counted");
+    require(told.places.empty() || told.places.back().first <= report.records,
+            "problems are those of records");
+    const int expected = told.worst == DICTIONARY_ERROR     ? DICTIONARY_NOT_BUILT
+                         : told.worst == DICTIONARY_REFUSED ? DICTIONARY_BUILT_WITHOUT_SOME
+                                                            : DICTIONARY_BUILT;
+    require(result == expected, "the worst problem decides");
+    return result;
+}
+
+void requireSameImage(const std::string& text, const Separators& separators, int expected) {
+    const TemporaryFile source(text), image, plainImage;
+    Told told;
+    const DictionaryBuildOptions options = optionsFor(separators, true, told);
+    require(
+        dictionaryBuildBytes(text.data(), text.size(), image.path(), &options, nullptr) == expected,
+        "a build ends as the check did");
+    int result = 0;
+    printedBy([&] {
+        const SourceCloser closer;
+        Dictionary::CDictionayApp app;
+        result = app.buildDic(source.path(), separators.field, separators.record);
+        app.writeBinaryDic(plainImage.path());
+    });
+    require(result == 1, "the plain build takes what the check takes");
+    require(image.content() == plainImage.content(), "both builds make one image");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Input input(data, size);
+    const Separators& separators = kSeparators[input.below(std::size(kSeparators))];
+    const bool alsoBuild = input.below(kBuilds) == 0;
+    const std::string source = input.rest();
+    const int strict = check(source, separators, false);
+    const int lenient = check(source, separators, true);
+    require((strict != DICTIONARY_NOT_BUILT) == isSound(source, separators), "errors are found");
+    require(strict == DICTIONARY_NOT_BUILT || strict == lenient,
+            "what is good enough for the strict check is for the other");
+    if (alsoBuild && lenient != DICTIONARY_NOT_BUILT) requireSameImage(source, separators, lenient);
+    return 0;
+}

@@ -1,0 +1,186 @@
+// Every allocation of every operation fails, once and for good: the caller learns it, nothing is
+// lost, and what was loaded answers as before.
+
+#include <cerrno>
+#include <functional>
+#include <memory>
+
+#include "DATDictionary.h"
+#include "DATDictionarySample.h"
+#include "DATReader.h"
+#include "Faults.h"
+#include "TemporaryFile.h"
+
+namespace {
+
+using namespace Dictionary;
+
+constexpr char kSource[] = "a\t1\nab\t2\n中文\tx\ty\nab\t3\na😀\trefused\nlonger than inline\tz\n";
+constexpr char kText[] = "ab中文 longer than inline, 中文 again, and ab again and again";
+
+struct Dictionaries {
+    Dictionaries() {
+        printedBy([&] {
+            const SourceCloser closer;
+            buildTree(source.path(), image.path());
+        });
+        bytes = image.content();
+        handle.reset(loadBin(image.path()));
+    }
+
+    const TemporaryFile source{kSource}, image, target;
+    std::string bytes;
+    std::unique_ptr<void, decltype(&destroyBin)> handle{nullptr, destroyBin};
+    CUTF8Coder coder;
+};
+
+// An operation, told as text. What reports a lack of memory in another way throws.
+using Operation = std::function<std::string()>;
+
+void throwIf(bool memoryIsShort) {
+    if (memoryIsShort) throw std::bad_alloc();
+}
+
+std::string list(const std::vector<SPOS>& records) {
+    std::string text;
+    for (const SPOS& r : records) text += std::to_string(r.start) + '-' + std::to_string(r.end);
+    return text;
+}
+
+Operation lookup(Dictionaries& all, bool reverse) {
+    return [&all, reverse] {
+        CDATReader reader(&all.coder, &all.bytes[0], reverse);
+        std::string text;
+        std::vector<SPOS> records;
+        CDictionayApp::Matches groups;
+        reader.exactMatch("longer than inline", text);
+        reader.allMatch(kText, records, false, -1);
+        reader.maxMatch(kText, records);
+        reader.allMatch(kText, groups, false, -1);
+        return text + list(records) + std::to_string(groups.size());
+    };
+}
+
+using Result = std::unique_ptr<char, decltype(&freeResult)>;
+
+Operation queries(CDictionayApp& app) {
+    return [&app] {
+        CDictionayApp::Matches matches;
+        app.allMatch(kText, matches);
+        app.showAllMatch(kText, matches);
+        const Result text(app.returnListStr(kText, matches, true), freeResult);
+        std::string feature;
+        app.showExactMatch("ab", feature);
+        return text.get() + feature;
+    };
+}
+
+Operation searching(void* handle) {
+    return [handle] {
+        const Result text(search(kText, handle, true), freeResult);
+        return std::string(text.get());
+    };
+}
+
+std::string write(const Dictionaries& all) {
+    const SourceCloser closer;
+    CDictionayApp app;
+    app.buildDic(all.source.path(), "\t", "\n");
+    app.writeBinaryDic(all.target.path());
+    disarm();
+    return all.target.content();
+}
+
+std::string writeByKeys(CUTF8Coder& coder) {
+    CDATWriter writer(&coder, true);
+    for (const char* key : {"a", "ab", "中文", "b"}) writer.addKeys(key, "of this key, the data");
+    writer.buildDAT();
+    std::vector<std::pair<std::string, std::string>> shown;
+    writer.show(shown);
+    const std::unique_ptr<char[]> image(writer.write());
+    return {image.get(), static_cast<std::size_t>(writer.imageSize())};
+}
+
+std::string checkedBuild(const Dictionaries& all, const char* image) {
+    int code = DICTIONARY_PROBLEM_NONE;
+    DictionaryBuildOptions options = {};
+    options.size = sizeof options;
+    options.context = &code;
+    options.onProblem = [](void* context, const DictionaryProblem* problem) {
+        *static_cast<int*>(context) = problem->code;
+    };
+    const int result = dictionaryBuild(all.source.path(), image, &options, nullptr);
+    throwIf(result == DICTIONARY_NOT_BUILT && code == DICTIONARY_PROBLEM_NO_MEMORY);
+    disarm();
+    return std::to_string(result) + all.target.content();
+}
+
+std::string openByClass(const Dictionaries& all, DictionaryOpenMode mode) {
+    try {
+        verifyImage(all.image.path());
+        const CImage image = CImage::open(all.image.path(), mode);
+        std::string data;
+        image.lookup("longer than inline", data);
+        return data + std::to_string(image.find(DICTIONARY_FIND_LONGEST, kText).size());
+    } catch (const CImageError& error) {
+        throwIf(error.fault().code == DICTIONARY_IMAGE_NO_MEMORY);
+        return error.what();
+    }
+}
+
+std::string load(const char* name) {
+    destroyBin(loadBin(name));
+    return "";
+}
+
+// One run with a fault in it. Returns false when the fault did not come about.
+bool failOnce(const Operation& operation, const std::string& expected, const Fault& fault) {
+    const long allocations = liveAllocations();
+    const long descriptors = openDescriptors();
+    bool isSame = false;
+    bool isRefused = false;
+    printedBy([&] {
+        arm(fault);
+        try {
+            isSame = operation() == expected;
+        } catch (const std::bad_alloc&) {
+            isRefused = true;
+        }
+        disarm();
+    });
+    EXPECT_EQ(liveAllocations(), allocations) << "allocation " << fault.number;
+    EXPECT_EQ(openDescriptors(), descriptors) << "allocation " << fault.number;
+    EXPECT_TRUE(isSame || (hasStruck() && isRefused)) << "allocation " << fault.number;
+    return hasStruck();
+}
+
+TEST(AllocationFault, ReachesTheCallerAndLeavesNothingBehind) {
+    Dictionaries all;
+    const std::pair<const char*, Operation> operations[] = {
+        {"plain build", [&] { return write(all); }},
+        {"writer", [&] { return writeByKeys(all.coder); }},
+        {"checked build", [&] { return checkedBuild(all, all.target.path()); }},
+        {"check", [&] { return checkedBuild(all, nullptr); }},
+        {"load", [&] { return load(all.image.path()); }},
+        {"load nothing", [&] { return load("/no/such/image"); }},
+        {"open", [&] { return openByClass(all, DICTIONARY_OPEN_MAP); }},
+        {"open a copy", [&] { return openByClass(all, DICTIONARY_OPEN_COPY); }},
+        {"lookup", lookup(all, false)},
+        {"reverse lookup", lookup(all, true)},
+        {"queries", queries(*static_cast<CDictionayApp*>(all.handle.get()))},
+        {"search", searching(all.handle.get())}};
+    for (const auto& [name, operation] : operations) {
+        SCOPED_TRACE(name);
+        std::string expected, afterwards;
+        printedBy([&, &run = operation] { expected = run(); });
+        for (const bool forGood : {false, true}) {
+            int number = 1;
+            while (failOnce(operation, expected, {kAllocation, number, ENOMEM, forGood})) ++number;
+            EXPECT_GT(number, 1);
+        }
+        printedBy([&, &run = operation] { afterwards = run(); });
+        EXPECT_TRUE(afterwards == expected);
+    }
+}
+
+}  // namespace

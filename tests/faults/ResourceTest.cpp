@@ -1,0 +1,93 @@
+// Loads, searches and builds by the thousand: memory and descriptors stay as they are, but for what
+// the plain functions are known to keep, which is counted.
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "DATChecked.h"
+#include "DATInterface.h"
+#include "DATMatch.h"
+#include "Faults.h"
+#include "TemporaryFile.h"
+
+namespace {
+
+constexpr char kText[] = "ab中文 and longer texts, 中文 again";
+
+// Rounds of loads; DICTIONARY_ROUNDS sets another number for long runs.
+int rounds() {
+    const char* const given = std::getenv("DICTIONARY_ROUNDS");
+    return given == nullptr ? 300 : std::atoi(given);
+}
+
+constexpr int kBuildsIn = 10;   // that many rounds there is one build
+constexpr int kFewRounds = 20;  // of what keeps something
+
+struct Resources {
+    long allocations = liveAllocations();
+    long descriptors = openDescriptors();
+    long mappings = countLines("/proc/self/maps");
+
+    static long countLines(const char* path) {
+        std::ifstream file(path);
+        return std::count(std::istreambuf_iterator<char>(file), {}, '\n');
+    }
+};
+
+struct Kept {
+    long allocations, descriptors;
+};
+
+// What `action` leaves in use, each time.
+template <typename Action>
+void expectKept(const char* name, int times, Kept kept, const Action& action) {
+    printedBy(action);
+    const Resources before;
+    printedBy([&] {
+        for (int i = 0; i < times; ++i) action();
+    });
+    const Resources after;
+    EXPECT_EQ(after.allocations - before.allocations, kept.allocations * times) << name;
+    EXPECT_EQ(after.descriptors - before.descriptors, kept.descriptors * times) << name;
+    // Memory for small things may come in one piece more.
+    EXPECT_LE(after.mappings - before.mappings, 8) << name;
+}
+
+void searchManyTimes(void* handle) {
+    DictionaryMatches matches = {nullptr, 0, 0};
+    for (int i = 0; i < 50; ++i) {
+        freeResult(search(kText, handle, true));
+        dictionaryFind(handle, DICTIONARY_FIND_ALL, DICTIONARY_UNIT_BYTE, kText, sizeof kText - 1,
+                       &matches);
+    }
+    dictionaryReleaseMatches(&matches);
+    destroyBin(handle);
+}
+
+TEST(Resource, StayAsTheyAreOverLoadsAndSearches) {
+    const std::string source = "ab\t1\n中文\t2\n";
+    const TemporaryFile image, empty;
+    dictionaryBuildBytes(source.data(), source.size(), image.path(), nullptr, nullptr);
+    expectKept("loadBin", rounds(), {0, 0}, [&] { searchManyTimes(loadBin(image.path())); });
+    for (const int mode : {DICTIONARY_OPEN_MAP, DICTIONARY_OPEN_COPY}) {
+        expectKept("dictionaryOpen", rounds(), {0, 0},
+                   [&] { searchManyTimes(dictionaryOpen(image.path(), mode, nullptr)); });
+    }
+    expectKept("refused image", rounds(), {0, 0},
+               [&] { dictionaryOpen(empty.path(), 0, nullptr); });
+    expectKept("missing image", rounds(), {0, 0}, [] { destroyBin(loadBin("/no/such/image")); });
+    expectKept("failed mapping", kFewRounds, {0, 1}, [&] { destroyBin(loadBin(empty.path())); });
+}
+
+TEST(Resource, StayAsTheyAreOverBuilds) {
+    const TemporaryFile good("ab\t1\n"), bad("ab\t1\nnone\n"), image;
+    expectKept("checked", rounds() / kBuildsIn, {0, 0},
+               [&] { dictionaryBuild(good.path(), image.path(), nullptr, nullptr); });
+    expectKept("refused", rounds() / kBuildsIn, {0, 0},
+               [&] { dictionaryBuild(bad.path(), image.path(), nullptr, nullptr); });
+    expectKept("plain", kFewRounds, {0, 1}, [&] { buildTree(good.path(), image.path()); });
+    // The record reader keeps itself, its three buffers and its source.
+    expectKept("stopped", kFewRounds, {4, 1}, [&] { buildTree(bad.path(), image.path()); });
+}
+
+}  // namespace
