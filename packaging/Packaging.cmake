@@ -60,12 +60,13 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
     ${CMAKE_CURRENT_LIST_DIR}/python/postinst ${CMAKE_CURRENT_LIST_DIR}/python/prerm)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-set(python_package ${PROJECT_SOURCE_DIR}/bindings/python/dictionary)
-if(EXISTS ${python_package})
-    install(DIRECTORY ${python_package} DESTINATION lib/python3/dist-packages
-        COMPONENT python EXCLUDE_FROM_ALL
-        PATTERN __pycache__ EXCLUDE)
-endif()
+# By the note beside it the package is known to pip and to importlib.metadata.
+set(python_note ${PROJECT_BINARY_DIR}/python/${PROJECT_NAME}-${PROJECT_VERSION}.dist-info)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/python/METADATA.in ${python_note}/METADATA @ONLY)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python/dictionary ${python_note}
+    DESTINATION lib/python3/dist-packages COMPONENT python EXCLUDE_FROM_ALL
+    PATTERN __pycache__ EXCLUDE
+    PATTERN libdictionary.so.1 EXCLUDE)
 
 # The one runs over the files before they are packed, the other over the packages.
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/FinishFiles.cmake)

@@ -209,6 +209,8 @@ TEST(CheckedBuild, LeavesTheOldImageWhereItCannotReadOrWrite) {
     const Folder folder, elsewhere;
     const std::string pipe = elsewhere.path + "/pipe";
     mkfifo(pipe.c_str(), 0666);
+    const std::string loop = elsewhere.path + "/loop";
+    fs::create_symlink("loop", loop);
     const long descriptors = openDescriptors();
     const auto expectFailure = [&](Build& build, int result, const char* problem, int error) {
         EXPECT_EQ(result, DICTIONARY_NOT_BUILT);
@@ -217,16 +219,19 @@ TEST(CheckedBuild, LeavesTheOldImageWhereItCannotReadOrWrite) {
         EXPECT_EQ(openDescriptors(), descriptors);
         folder.expectAsBefore();
     };
-    const std::pair<std::string, int> places[] = {
-        {"/no/such/image", ENOENT},  {folder.path, EISDIR},
-        {folder.path + "/", EISDIR}, {"", ENOENT},
-        {pipe, EOPNOTSUPP},          {folder.image + "/x", ENOTDIR}};
+    const std::pair<std::string, int> places[] = {{"/no/such/image", ENOENT},
+                                                  {folder.path, EISDIR},
+                                                  {folder.path + "/", EISDIR},
+                                                  {"", ENOENT},
+                                                  {pipe, EOPNOTSUPP},
+                                                  {folder.image + "/x", ENOTDIR},
+                                                  {loop, ELOOP}};
     for (const auto& [place, error] : places) {
         Build early;
         expectFailure(early, early.bytes(kGood, place), "cannot-write", error);
         EXPECT_TRUE(early.steps.empty()) << place;
     }
-    Build full, occupied, missing, unreadable;
+    Build full, occupied, missing, unreadable, none, noBytes;
     const int onFull = onFullDisk([&] { return full.bytes(kGood, folder.image); });
     expectFailure(full, onFull, "cannot-write", EFBIG);
     const std::string other = folder.path + "/other";
@@ -237,6 +242,11 @@ TEST(CheckedBuild, LeavesTheOldImageWhereItCannotReadOrWrite) {
     const char* const image = folder.image.c_str();
     expectFailure(missing, missing.file("/no/such", image), "cannot-read", ENOENT);
     expectFailure(unreadable, unreadable.file(folder.path, image), "cannot-read", EISDIR);
+    const int ofNone = dictionaryBuild(nullptr, image, &none.options, &none.report);
+    expectFailure(none, ofNone, "cannot-read", EFAULT);
+    const int ofNoBytes =
+        dictionaryBuildBytes(nullptr, 1, image, &noBytes.options, &noBytes.report);
+    expectFailure(noBytes, ofNoBytes, "cannot-read", EFAULT);
 }
 
 TEST(CheckedBuild, KeepsLinksAndAccess) {

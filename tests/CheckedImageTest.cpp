@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include "BoundaryText.h"
@@ -152,6 +153,8 @@ TEST(CheckedOpen, GivesHandlesToSearch) {
             DictionaryImageFault fault;
             void* const handle = dictionaryOpen(image.path(), mode, &fault);
             ASSERT_NE(handle, nullptr) << fault.text;
+            EXPECT_EQ(fault.code, DICTIONARY_IMAGE_OK);
+            EXPECT_EQ(fault.systemError, 0);
             // A copy stands, whatever becomes of the file.
             if (mode == DICTIONARY_OPEN_COPY) std::ofstream(image.path(), std::ios::trunc);
             char* const result = search("xab", handle, true);
@@ -183,6 +186,10 @@ TEST(CheckedOpen, SaysWhyItCannotOpen) {
         EXPECT_EQ(dictionaryOpen(name, mode, &fault), nullptr);
         EXPECT_EQ(fault.code, code) << fault.text;
         EXPECT_EQ(fault.systemError, systemError);
+    }
+    for (const int code : {INT_MIN, -1, 100, INT_MAX}) {
+        EXPECT_STREQ(dictionaryFaultName(code), "unknown");
+        EXPECT_STREQ(dictionaryProblemName(code), "unknown");
     }
 }
 

@@ -106,6 +106,9 @@ TEST(Dictionary, SaysWhyAnImageIsNotLoaded) {
         EXPECT_EQ(printedBy([&, name = path] { app.loadBinaryDic(name); }).err, message);
         if (path == empty.path()) continue;  // not to be searched
         EXPECT_EQ(take(search("text", &app, true)), "");
+        CDictionayApp::Matches matches;
+        app.allMatch("text", matches);
+        EXPECT_TRUE(matches.empty());
     }
     destroyBin(nullptr);
 }
@@ -122,6 +125,7 @@ TEST(Dictionary, ShowsMatches) {
     EXPECT_EQ(matches, expected);
     const Printed shown = printedBy([&] { app.showAllMatch("ab中", matches); });
     EXPECT_EQ(shown.err, "a : 1\t\nab : 2\t\n中 : 3\t\n");
+    EXPECT_EQ(take(search(nullptr, handle.get(), true)), "");
     std::string feature;
     EXPECT_EQ(printedBy([&] { app.showExactMatch(nullptr, feature); }).err, "EXACT MATCH\n");
 }

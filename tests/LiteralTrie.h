@@ -4,7 +4,9 @@
 #ifndef TESTS_LITERAL_TRIE_H
 #define TESTS_LITERAL_TRIE_H
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <set>
@@ -30,12 +32,18 @@ public:
         m_features[feature].insert(static_cast<int>(m_keys.size()) - 1);
     }
 
+    // Keys that do not exist are ignored, but the text is there.
+    void put(const std::string& feature, int key) {
+        std::set<int>& keys = m_features[feature];
+        if (key > 0 && key < static_cast<int>(m_keys.size())) keys.insert(key);
+    }
+
     void build() {
         m_cells.clear();
         int offset = 0;
         for (const auto& [text, keys] : m_features) {
             for (const int key : keys) m_offsets[at(key)] = offset;
-            offset += 4 + static_cast<int>(text.size());
+            offset += 4 + static_cast<int>(std::strlen(text.c_str()));
         }
         makeUnits();
         std::set<const Unit*, Dictionary::CWriteSort> order;
@@ -52,6 +60,33 @@ public:
     // Progress lines of the last build, the closing one left out.
     int reports() const { return m_reports; }
     int cellCount() const { return m_highest + 1; }
+    int firstFreeFrom(int position) {
+        while (cell(position).check != -2) ++position;
+        return position;
+    }
+
+    // The node through which most keys pass; null if there is no node.
+    const Unit* widest() const {
+        const auto found = std::max_element(
+            m_units.begin(), m_units.end(), [](const Unit* left, const Unit* right) {
+                return left->passingKeys.size() < right->passingKeys.size();
+            });
+        return found == m_units.end() ? nullptr : *found;
+    }
+
+    int findBase(const Unit& unit) {
+        m_hint = firstFreeFrom(m_hint);
+        for (int position = m_hint;; ++position) {
+            const int base = position - label(unit, *unit.passingKeys.begin());
+            bool fits = true;
+            for (const int key : unit.passingKeys) {
+                const int child = base + label(unit, key);
+                fits = fits && child > m_alphabet && cell(child).check == -2;
+            }
+            if (fits) return base;
+        }
+    }
+
     Cell& cell(int index) {
         if (at(index) >= m_cells.size()) m_cells.resize(at(index) + 1);
         return m_cells[at(index)];
@@ -104,19 +139,6 @@ private:
     }
 
     int label(const Unit& unit, int key) const { return m_keys[at(key)][at(unit.depth) + 1]; }
-
-    int findBase(const Unit& unit) {
-        while (cell(m_hint).check != -2) ++m_hint;
-        for (int position = m_hint;; ++position) {
-            const int base = position - label(unit, *unit.passingKeys.begin());
-            bool fits = true;
-            for (const int key : unit.passingKeys) {
-                const int child = base + label(unit, key);
-                fits = fits && child > m_alphabet && cell(child).check == -2;
-            }
-            if (fits) return base;
-        }
-    }
 
     int m_alphabet;
     int m_hint;

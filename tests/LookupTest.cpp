@@ -174,9 +174,21 @@ TEST(Lookup, KeepsItsRulesOnTheEdges) {
     reader.exactMatch("ab\x80", feature);
     EXPECT_EQ("", feature);
     std::vector<SPOS> untouched;
-    CDATReader(&coder, nullptr, false).allMatch("ab", untouched, false, -1);
+    reader.exactMatch(nullptr, feature);
+    reader.allMatch(nullptr, untouched, false, -1);
     reader.maxMatch(nullptr, untouched);
-    EXPECT_TRUE(untouched.empty());
+    for (const bool hasCoder : {false, true}) {
+        CDATReader half(hasCoder ? &coder : nullptr, hasCoder ? nullptr : image.get(), false);
+        half.exactMatch("ab", feature);
+        half.allMatch("ab", untouched, false, -1);
+        half.maxMatch("ab", untouched);
+    }
+    EXPECT_TRUE(untouched.empty() && feature.empty());
+    std::vector<int> codes = {'a', 'b'};
+    for (int to = 0; to < 4; ++to) {  // never behind the codes
+        reader.printVec(codes, 0, to);
+        reader.printVec(codes, to, 0);
+    }
 }
 
 // Images of few cells, at the end of readable memory: no text leads outside.
@@ -188,6 +200,7 @@ TEST(Lookup, StaysInsideSmallImages) {
             CDATWriter writer(nullCoder ? nullptr : static_cast<ICoderInterface*>(&letters), false);
             testing::internal::CaptureStdout();
             if (keys > 0) writer.addKeys("AB", "");
+            EXPECT_FALSE(writer.addKeys(nullptr, ""));
             writer.buildDAT();
             testing::internal::GetCapturedStdout();
             const std::unique_ptr<char[]> image(writer.write());

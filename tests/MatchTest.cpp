@@ -113,13 +113,18 @@ TEST(Match, SeveralTextsShareAList) {
         EXPECT_EQ(ends, (std::vector<std::size_t>{2, 2, 2, 3}));
         EXPECT_EQ(matches.count, 3u);
     }
-    EXPECT_FALSE(dictionaryFind(image.handle(), 4, 0, "a", 1, &matches));
-    EXPECT_FALSE(dictionaryFind(image.handle(), 0, -1, "a", 1, &matches));
+    for (const auto& [mode, unit] : {std::pair{4, 0}, {-1, 0}, {0, -1}, {0, 3}}) {
+        EXPECT_FALSE(dictionaryFindInEach(image.handle(), mode, unit, texts, sizes, 4, &matches,
+                                          ends.data()));
+        EXPECT_EQ(ends, std::vector<std::size_t>(4));
+    }
+    EXPECT_FALSE(dictionaryFind(image.handle(), 0, 0, "a", 1, nullptr));
     EXPECT_FALSE(dictionaryFind(image.handle(), 0, 0, "a", tooLong, &matches));
     EXPECT_FALSE(dictionaryLookup(image.handle(), "a", tooLong, nullptr, nullptr));
     EXPECT_EQ(matches.count, 0u);
     dictionaryReleaseMatches(&matches);
     EXPECT_EQ(matches.items, nullptr);
+    dictionaryReleaseMatches(nullptr);
 }
 
 TEST(Match, HandlesWithoutAnImageFindNothing) {
@@ -138,6 +143,15 @@ TEST(Match, HandlesWithoutAnImageFindNothing) {
     close(descriptor);  // a failed mapping leaves it open
 }
 
+void expectError(const char* source, const char* image, const std::string& start) {
+    try {
+        Dictionary::buildImage(source, image);
+        FAIL();
+    } catch (const Dictionary::CBuildError& error) {
+        EXPECT_EQ(std::string(error.what()).find(start), 0u) << error.what();
+    }
+}
+
 TEST(Match, TheCppFaceSaysWhatIsWrong) {
     const TemporaryFile source("a\t1\n\U0001F600\t2\n"), image("not an image");
     try {
@@ -147,11 +161,25 @@ TEST(Match, TheCppFaceSaysWhatIsWrong) {
         const std::string message = image.path() + (": header: " + std::string(error.fault().text));
         EXPECT_EQ(error.what(), message + ", cell 0, byte 8");
     }
-    EXPECT_THROW(Dictionary::buildImage("/no/such/file", image.path()), Dictionary::CBuildError);
+    expectError("/no/such/file", image.path(), "/no/such/file: cannot-read");
+    expectError(source.path(), "/no/such/image", "/no/such/image: cannot-write");
+    const TemporaryFile bad("\U0001F600\t2\nnone\n");
+    expectError(bad.path(), image.path(), bad.path() + std::string(":2:5: no-field"));
+    EXPECT_STRNE(Dictionary::CBuildError({}).what(), "");
     const Dictionary::SBuild build = Dictionary::buildImage(source.path(), image.path());
     EXPECT_EQ(build.result, DICTIONARY_BUILT_WITHOUT_SOME);
     EXPECT_EQ(build.problems.at(0).message().find(source.path() + std::string(":2:1: beyond")), 0u);
     Dictionary::verifyImage(image.path());
+    std::vector<int> stages;
+    DictionaryBuildOptions options = {};
+    options.context = &stages;
+    options.onProgress = [](void* context, int stage, std::uint64_t, std::uint64_t) {
+        static_cast<std::vector<int>*>(context)->push_back(stage);
+        return stage != DICTIONARY_STAGE_PLACE;
+    };
+    EXPECT_EQ(Dictionary::buildImage(source.path(), image.path(), options).result,
+              DICTIONARY_STOPPED);
+    EXPECT_EQ(stages, (std::vector<int>{DICTIONARY_STAGE_READ, DICTIONARY_STAGE_PLACE}));
 }
 
 }  // namespace

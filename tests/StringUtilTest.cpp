@@ -30,7 +30,7 @@ TEST(StringUtil, Splits) {
     Strings p = {"1", "2", "3"};
     expectPieces({"1", "2", "3"}, SplitStrByStr("a--b", "--", p), p);
     expectPieces({"a", "b"}, SplitStr(",a,,b,", ',', p), p);
-    expectPieces({"a[b", "d"}, SplitStr("]x[a[b]c][d]][b", '[', ']', p), p);
+    expectPieces({"a[b", "d"}, SplitStr("]x[a[b]c][][d]][b", '[', ']', p), p);
     expectPieces({"a", "c"}, SplitStr("|a|b|c|d", '|', '|', p), p);
     expectPieces({"2011", "02", "03", "04"}, SplitStr("2011-02-03 04::", " -:", p), p);
 }
@@ -54,6 +54,9 @@ TEST(StringUtil, ChangesInPlace) {
     text = "\1a\2\t\177\260\1\377\200\260";
     EXPECT_EQ(SimpleEscape(text), 10);
     EXPECT_EQ(text, " a \t\177\260 \377\200 ");
+    text = "a\1z";
+    EXPECT_EQ(SimpleEscape(text), 3);
+    EXPECT_EQ(text, "a z");
     const std::size_t kept[] = {0, 1, 1, 3, 3, 5, 5, 5};
     for (std::size_t length = 0; length < 8; ++length) {
         text = "a\260\241\260b\260";
@@ -129,6 +132,7 @@ TEST(StringUtil, CountsSecondsInTheLocalZone) {
     constexpr int kHour = 3600;
     setenv("TZ", "WST5EST,M3.2.0,M11.1.0", 1);
     EXPECT_EQ(Str2Seconds("1970-01-02 00:00:00"), 29 * kHour);
+    EXPECT_EQ(Str2Seconds("1970-01-02 00:00"), 0);
     EXPECT_EQ(Str2SecondsSimple("1970-07-01 01:00:00"), 181 * 24 * kHour);  // summer
     EXPECT_EQ(Str2SecondsSimple("1969-12-31 19:00:00"), 0);
     EXPECT_EQ(Str2SecondsSimple("1969-12-31 19:00:01"), 1 - 5 * kHour);
@@ -148,6 +152,8 @@ TEST(StringUtil, ListsNamesWithOneOfItsLetters) {
     EXPECT_EQ(GetAllFileByDir(directory, files), 4);
     std::sort(files.begin(), files.end());
     EXPECT_EQ(files, expected);
+    EXPECT_EQ(GetAllFileByDir(expected[0], files), 1);
+    EXPECT_EQ(files, Strings{expected[0]});
     std::filesystem::remove_all(directory);
     const Printed printed = printedBy([&] { GetAllFileByDir(directory, files); });
     EXPECT_EQ(printed.out, "open File " + directory + "failed!\n");

@@ -105,8 +105,10 @@ TEST(UnicodeConversion, FollowsTheFlagsAtIllegalValues) {
     check(ConvertUTF32toUTF16, strict, {'a', 0xD800, 'b'}, {sourceIllegal, 1, {'a'}});
     check(ConvertUTF32toUTF16, lenient, {'a', 0xDFFF}, {conversionOK, 2, {'a', 0xFFFD}});
     check(ConvertUTF32toUTF16, strict, {'a', 0x110000, 'b'}, {sourceIllegal, 3, {'a', 'b'}});
+    check(ConvertUTF32toUTF16, lenient, {0x110000}, {conversionOK, 1, {0xFFFD}});
     EXPECT_EQ(std::get<0>(convert(ConvertUTF32toUTF16, {0xD800}, 0)), targetExhausted);
 
+    check(ConvertUTF32toUTF8, strict, {}, {conversionOK, 0, {}});
     check(ConvertUTF32toUTF8, strict, {'a', 'b'}, {conversionOK, 1, {'a'}});
     check(ConvertUTF32toUTF8, strict, {0xDFFF}, {sourceIllegal, 0, {}});
     check(ConvertUTF32toUTF8, lenient, {0xDFFF}, {conversionOK, 1, {0xED, 0xBF, 0xBF}});
@@ -119,6 +121,7 @@ TEST(UnicodeConversion, FollowsTheFlagsAtIllegalValues) {
 
     check(ConvertUTF8toUTF16, lenient, {'a', 0xED, 0xA0, 0x80}, {sourceIllegal, 1, {'a'}});
     check(ConvertUTF8toUTF16, lenient, {'a', 0xF0, 0x9F, 0x98}, {sourceExhausted, 1, {'a'}});
+    check(ConvertUTF8toUTF32, strict, {}, {conversionOK, 0, {}});
     check(ConvertUTF8toUTF32, strict, {'a', 'b'}, {conversionOK, 1, {'a'}});
 }
 

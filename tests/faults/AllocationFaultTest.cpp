@@ -15,8 +15,13 @@ namespace {
 
 using namespace Dictionary;
 
-constexpr char kSource[] = "a\t1\nab\t2\n中文\tx\ty\nab\t3\na😀\trefused\nlonger than inline\tz\n";
-constexpr char kText[] = "ab中文 longer than inline, 中文 again, and ab again and again";
+// Too long for the room that a search has on the stack.
+const std::string kLongKey(200, 'k');
+const std::string kSource =
+    "a\t1\nab\t2\n中文\tx\ty\nab\t3\na😀\trefused\nlonger than inline\tz\n" + kLongKey + "\t\n";
+const std::string kLongText =
+    "ab中文 longer than inline, 中文 again" + kLongKey + " and " + kLongKey;
+const char* const kText = kLongText.c_str();
 
 struct Dictionaries {
     Dictionaries() {
@@ -120,10 +125,22 @@ std::string openByClass(const Dictionaries& all, DictionaryOpenMode mode) {
         verifyImage(all.image.path());
         const CImage image = CImage::open(all.image.path(), mode);
         std::string data;
+        throwIf(!image.lookup(kLongKey, data));
         image.lookup("longer than inline", data);
         return data + std::to_string(image.find(DICTIONARY_FIND_LONGEST, kText).size());
     } catch (const CImageError& error) {
         throwIf(error.fault().code == DICTIONARY_IMAGE_NO_MEMORY);
+        return error.what();
+    }
+}
+
+std::string buildByClass(const Dictionaries& all) {
+    try {
+        const SBuild build = buildImage(all.source.path(), all.target.path());
+        disarm();
+        return build.problems.at(0).message() + all.target.content();
+    } catch (const CBuildError& error) {
+        throwIf(error.problems().back().code == DICTIONARY_PROBLEM_NO_MEMORY);
         return error.what();
     }
 }
@@ -161,6 +178,7 @@ TEST(AllocationFault, ReachesTheCallerAndLeavesNothingBehind) {
         {"writer", [&] { return writeByKeys(all.coder); }},
         {"checked build", [&] { return checkedBuild(all, all.target.path()); }},
         {"check", [&] { return checkedBuild(all, nullptr); }},
+        {"build by class", [&] { return buildByClass(all); }},
         {"load", [&] { return load(all.image.path()); }},
         {"load nothing", [&] { return load("/no/such/image"); }},
         {"open", [&] { return openByClass(all, DICTIONARY_OPEN_MAP); }},

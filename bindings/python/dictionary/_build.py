@@ -96,7 +96,9 @@ class _Watch:
     def on_progress(self, _: object, stage: int, done: int, total: int) -> bool:
         if self._progress is not None and not self.stopped:
             try:
-                self.stopped = self._progress(_STAGES[stage], done, total) is False
+                # Never the other way round, as the caller may be interrupted meanwhile.
+                if self._progress(_STAGES[stage], done, total) is False:
+                    self.stopped = True
             except BaseException as failure:
                 self.failure, self.stopped = failure, True
         return not self.stopped
