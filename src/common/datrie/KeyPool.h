@@ -39,8 +39,6 @@ public:
         return {m_codes.data() + begin, static_cast<std::uint32_t>(m_ends[number] - begin)};
     }
 
-    void prefetch(std::uint32_t number) const { __builtin_prefetch(&m_ends[number]); }
-
 private:
     std::vector<std::int32_t> m_codes;
     std::vector<std::size_t> m_ends = {0};
