@@ -155,6 +155,11 @@ TEST(Placement, NodeByNodeEqualsAWholeBuild) {
     for (Dictionary::SInnerDATWUnit* unit : order) EXPECT_TRUE(single.buildDATWUnit(unit));
     single.writeFeature();
     EXPECT_TRUE(whole.buildDAT());
+    std::vector<std::pair<std::string, std::string>> shown, expected;
+    for (const std::string& key : keys) expected.emplace_back(key, "same");
+    EXPECT_EQ(whole.show(shown), static_cast<int>(keys.size()));
+    std::sort(shown.begin(), shown.end());
+    EXPECT_EQ(shown, expected);
 
     const std::unique_ptr<char[]> wholeImage(whole.write());
     const std::unique_ptr<char[]> singleImage(single.write());
