@@ -296,6 +296,7 @@ TEST(CheckedBuild, LeavesTheOldOrTheNewImageWhenKilled) {
     std::mt19937 random(6);
     for (int round = 0; round < 40; ++round) {
         const pid_t child = fork();
+        ASSERT_NE(child, -1);
         while (child == 0) {
             Build().bytes(kOther, folder.image);
             Build().bytes(kGood, folder.image);
