@@ -30,7 +30,7 @@ CellArray::CellArray(std::int32_t alphabetSize)
       m_free(m_hint) {}
 
 void CellArray::clear() {
-    std::vector<Cell>().swap(m_cells);
+    m_blocks.clear();
     m_free = FreeCells(std::int64_t{m_alphabetSize} + 1);
     m_limit = kMaxCells;
 }
@@ -40,23 +40,19 @@ void CellArray::reserve(std::int64_t size) {
 }
 
 std::int64_t CellArray::firstFreeFrom(std::int64_t index) {
-    while (index < static_cast<std::int64_t>(m_cells.size()) && !isFree(index)) ++index;
+    while (index < stored() && !isFree(index)) ++index;
     reserve(index + 1);
     return index;
-}
-
-void CellArray::expect(std::uint64_t nodes) {
-    constexpr std::uint64_t kSlack = 32;  // one cell in as many for those that stay free
-    const auto rootCells = static_cast<std::uint64_t>(m_alphabetSize) + 1;
-    m_cells.reserve(static_cast<std::size_t>(rootCells + nodes + nodes / kSlack));
 }
 
 Cell& CellArray::use(std::int64_t index) {
     reserve(index + 1);
     m_highest = std::max(m_highest, index);
-    const auto position = static_cast<std::size_t>(index);
-    if (position >= m_cells.size()) m_cells.resize(position + 1, kFreeCell);
-    return m_cells[position];
+    while (index >= stored()) {
+        m_blocks.push_back(std::unique_ptr<Cell[]>(new Cell[kBlockCells]));
+        std::fill_n(m_blocks.back().get(), kBlockCells, kFreeCell);
+    }
+    return stored(index);
 }
 
 bool CellArray::takeRoot(std::int32_t code) {

@@ -5,6 +5,7 @@
 #define DICTIONARY_CELL_ARRAY_H
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "FreeCells.h"
@@ -28,21 +29,16 @@ public:
     bool isFree(std::int64_t index) const { return cellAt(index).check == kFreeCheck; }
 
     // The cell as it stands; a free one beyond the capacity.
-    Cell cellAt(std::int64_t index) const {
-        return index < static_cast<std::int64_t>(m_cells.size())
-                   ? m_cells[static_cast<std::size_t>(index)]
-                   : kFreeCell;
-    }
+    Cell cellAt(std::int64_t index) const { return index < stored() ? stored(index) : kFreeCell; }
 
-    void prefetch(std::int64_t index) const { __builtin_prefetch(m_cells.data() + index, 1); }
+    void prefetch(std::int64_t index) const {
+        if (index < stored()) __builtin_prefetch(&stored(index), 1);
+    }
 
     // Raises the capacity by doublings to at least `size` cells.
     void reserve(std::int64_t size);
     // The first free cell at or after `index`, to which the capacity is raised.
     std::int64_t firstFreeFrom(std::int64_t index);
-
-    // Provides storage for about `nodes` nodes at once.
-    void expect(std::uint64_t nodes);
 
     // From here on no cell at or beyond `limit` is given out.
     void limitTo(std::int64_t limit) { m_limit = limit; }
@@ -73,6 +69,14 @@ public:
     std::int64_t countOneMore();
 
 private:
+    // Storage comes in blocks, which neither move nor ask for much memory in one piece.
+    static constexpr std::int64_t kBlockCells = 4096;
+
+    std::int64_t stored() const { return static_cast<std::int64_t>(m_blocks.size()) * kBlockCells; }
+    Cell& stored(std::int64_t index) const {
+        const auto position = static_cast<std::uint64_t>(index);
+        return m_blocks[position / kBlockCells][position % kBlockCells];
+    }
     void advanceHint();
     Cell& use(std::int64_t index);
 
@@ -81,7 +85,7 @@ private:
     std::int64_t m_hint;  // no cell before it is free
     std::int64_t m_highest = 0;
     std::int64_t m_limit;
-    std::vector<Cell> m_cells;
+    std::vector<std::unique_ptr<Cell[]> > m_blocks;
     FreeCells m_free;
     std::vector<std::int64_t> m_offsets;  // scratch of findBase
 };

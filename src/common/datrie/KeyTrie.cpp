@@ -15,21 +15,27 @@ std::uint64_t leadingCodes(KeyCodes key) {
     std::uint64_t lead = 0;
     for (std::uint32_t i = 0; i < 2; ++i) {
         const std::uint32_t code =
-            i < key.length ? static_cast<std::uint32_t>(key[i]) ^ kSignBit : 0;
+            i < key.length() ? static_cast<std::uint32_t>(key[i]) ^ kSignBit : 0;
         lead = lead << 32 | code;
     }
     return lead;
 }
 
-bool precedes(KeyCodes left, KeyCodes right) {
-    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end());
+bool precedesByNumber(const SolitaryNode& left, const SolitaryNode& right) {
+    return left.number < right.number;
 }
 
 std::uint32_t commonPrefix(KeyCodes left, KeyCodes right) {
-    const std::uint32_t limit = std::min(left.length, right.length);
+    const std::uint32_t limit = std::min(left.length(), right.length());
     std::uint32_t shared = 0;
     while (shared < limit && left[shared] == right[shared]) ++shared;
     return shared;
+}
+
+bool precedes(KeyCodes left, KeyCodes right) {
+    const std::uint32_t shared = commonPrefix(left, right);
+    if (shared == right.length()) return false;
+    return shared == left.length() || left[shared] < right[shared];
 }
 
 // Stable counting sort by `keyOf`, whose values lie below `limit`.
@@ -55,15 +61,12 @@ std::uint32_t greatest(const std::vector<Item>& items, KeyOf keyOf) {
 
 KeyTrie::KeyTrie(const KeyPool& keys) : m_keys(keys) {
     m_order.reserve(keys.size());
-    m_runs.reserve(keys.size());
     for (std::uint32_t number = 1; number <= keys.size(); ++number) {
-        if (keys[number].length > 0) m_order.push_back(number);
+        if (keys[number].length() > 0) m_order.push_back(number);
     }
     sortKeys();
     findBranches();
     findSharedNodes();
-    findSolitaryRuns();
-    orderForPlacement();
 }
 
 void KeyTrie::sortKeys() {
@@ -88,25 +91,22 @@ void KeyTrie::sortKeys() {
                    [](const auto& entry) { return entry.second; });
 }
 
-void KeyTrie::sortByNumber(std::vector<std::uint32_t>& ranks) const {
-    const auto byNumber = [this](std::uint32_t left, std::uint32_t right) {
-        return m_order[left] < m_order[right];
-    };
-    if (std::is_sorted(ranks.begin(), ranks.end(), byNumber)) return;
-    std::sort(ranks.begin(), ranks.end(), byNumber);
-}
-
 void KeyTrie::findBranches() {
     m_branches.resize(m_order.size());
+    std::size_t sharedPrefixes = 0;
+    std::uint32_t before = 0;
     for (std::uint32_t rank = 0; rank < m_order.size(); ++rank) {
         const std::uint32_t shared = rank == 0 ? 0 : commonPrefix(codesAt(rank - 1), codesAt(rank));
         m_branches[rank] = {shared, stepOf(rank, shared)};
+        if (shared > before) sharedPrefixes += shared - before;
+        before = shared;
     }
+    m_shared.reserve(sharedPrefixes);
 }
 
 Step KeyTrie::stepOf(std::uint32_t rank, std::uint32_t prefix) const {
     const KeyCodes key = codesAt(rank);
-    return {prefix < key.length ? key[prefix] : 0, key.length - prefix};
+    return {prefix < key.length() ? key[prefix] : 0, key.length() - prefix};
 }
 
 std::uint32_t KeyTrie::sharedWithNext(std::uint32_t rank) const {
@@ -140,6 +140,21 @@ void KeyTrie::findSharedNodes() {
         if (open.back().prefix < prefix) open.push_back({first, prefix, maker});
         open.back().maker = std::min(open.back().maker, maker);
     }
+
+    std::vector<TrieNode> scratch;
+    sortByDepthAndMaker(m_shared, scratch);
+    const auto passing = [](const TrieNode& node) { return node.passing(); };
+    const std::uint32_t most = greatest(m_shared, passing);
+    countingSort(m_shared, scratch, most + std::size_t{1},
+                 [&](const TrieNode& node) { return most - node.passing(); });
+}
+
+template <class Item>
+void KeyTrie::sortByDepthAndMaker(std::vector<Item>& items, std::vector<Item>& scratch) const {
+    const auto maker = [](const Item& item) { return item.maker; };
+    const auto depth = [](const Item& item) { return item.depth; };
+    if (!m_inOrder) countingSort(items, scratch, m_keys.size() + 1, maker);
+    countingSort(items, scratch, greatest(items, depth) + std::size_t{1}, depth);
 }
 
 // The nodes of one interval: at every prefix length above its parent's all keys go on, but at
@@ -159,8 +174,12 @@ void KeyTrie::addSharedNodes(const TrieNode& interval, std::uint32_t prefix,
     m_shared.push_back(node);
 }
 
-void KeyTrie::findSolitaryRuns() {
+void KeyTrie::beginSolitaryNodes() {
+    std::vector<TrieNode>().swap(m_shared);
     for (std::uint32_t rank = 0; rank < m_order.size(); ++rank) addSolitaryRun(rank);
+    std::vector<Branch>().swap(m_branches);
+    std::vector<SolitaryRun> scratch;
+    sortByDepthAndMaker(m_runs, scratch);
 }
 
 void KeyTrie::addSolitaryRun(std::uint32_t rank) {
@@ -182,27 +201,42 @@ void KeyTrie::addSolitaryRun(std::uint32_t rank) {
         }
     }
     if (run.depth + 1 >= length) return;
-    m_solitaryCount += length - 1 - run.depth;
     m_runs.push_back(run);
 }
 
-void KeyTrie::orderForPlacement() {
-    const auto maker = [](const auto& item) { return item.maker; };
-    const auto depth = [](const auto& item) { return item.depth; };
-    const auto passing = [](const TrieNode& node) { return node.passing(); };
-    const auto sortByDepthAndMaker = [&](auto& items, auto& scratch) {
-        if (!m_inOrder) countingSort(items, scratch, m_keys.size() + 1, maker);
-        countingSort(items, scratch, greatest(items, depth) + std::size_t{1}, depth);
-    };
+bool KeyTrie::nextSolitaryNodes(std::vector<SolitaryNode>& nodes) {
+    m_above.clear();
+    std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(m_above),
+                 [](const SolitaryNode& node) { return !node.isLast(); });
+    // The first nodes of runs stood by the runs' makers, all others stand by their own numbers.
+    if (!m_inOrder) std::sort(m_above.begin(), m_above.end(), precedesByNumber);
+    nodes.clear();
+    if (m_above.empty() && m_runsBegun == m_runs.size()) return false;
+    m_solitaryDepth = m_above.empty() ? m_runs[m_runsBegun].depth : m_solitaryDepth + 1;
+    for (const SolitaryNode& above : m_above) {
+        addRunsBefore(above.number, nodes);
+        nodes.push_back({above.rank, above.number, above.left - 1, above.nextCode + 1});
+    }
+    addRunsBefore(kNoNumber, nodes);
+    return true;
+}
 
-    std::vector<SolitaryRun> runScratch;
-    sortByDepthAndMaker(m_runs, runScratch);
-
-    std::vector<TrieNode> nodeScratch;
-    sortByDepthAndMaker(m_shared, nodeScratch);
-    const std::uint32_t most = greatest(m_shared, passing);
-    countingSort(m_shared, nodeScratch, most + std::size_t{1},
-                 [&](const TrieNode& node) { return most - node.passing(); });
+// Adds the nodes in which runs of the depth begin and whose makers' numbers are below `number`.
+void KeyTrie::addRunsBefore(std::uint32_t number, std::vector<SolitaryNode>& nodes) {
+    constexpr std::size_t kFarAhead = 16;
+    constexpr std::size_t kNearAhead = 8;
+    for (; m_runsBegun < m_runs.size(); ++m_runsBegun) {
+        const SolitaryRun* const run = &m_runs[m_runsBegun];
+        if (run->depth != m_solitaryDepth || run->maker >= number) return;
+        if (m_runsBegun + kFarAhead < m_runs.size()) {
+            __builtin_prefetch(&m_order[run[kFarAhead].rank]);
+            m_keys.prefetchBegin(m_order[run[kNearAhead].rank]);
+        }
+        const std::uint32_t key = m_order[run->rank];
+        const std::size_t nextCode = m_keys.beginOf(key) + run->depth + 1;
+        const auto left = static_cast<std::uint32_t>(m_keys.beginOf(key + 1) - nextCode);
+        nodes.push_back({run->rank, key, left, nextCode});
+    }
 }
 
 void KeyTrie::childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const {

@@ -35,6 +35,16 @@ struct TrieNode {
     std::uint32_t passing() const { return last - first; }
 };
 
+// A node that exactly one key passes.
+struct SolitaryNode {
+    std::uint32_t rank;    // the key's
+    std::uint32_t number;  // likewise
+    std::uint32_t left;    // codes of it behind the node
+    std::size_t nextCode;  // where they begin in the pool of keys
+
+    bool isLast() const { return left == 1; }
+};
+
 // A child of a node: ranks begin to end - 1 have its prefix, of which those before `first` end
 // there.
 struct TrieChild {
@@ -58,22 +68,26 @@ public:
     bool empty() const { return m_order.empty(); }
     std::uint64_t totalPassing() const { return m_totalPassing; }
     std::uint64_t leafCount() const { return m_leafCount; }
-    std::uint64_t nodeCount() const { return m_shared.size() + m_solitaryCount + m_leafCount; }
 
     // The nodes that at least two keys pass, in placement order.
     const std::vector<TrieNode>& sharedNodes() const { return m_shared; }
 
-    // Calls `visit(rank, step)` for every node that one key passes, in placement order: that key's
-    // rank and its step behind the node. Stops and returns false when `visit` does.
-    template <class Visit>
-    bool forEachSolitaryNode(Visit visit) const;
+    // Turns from the shared nodes, which go with all that belongs to them, to the solitary ones.
+    void beginSolitaryNodes();
+    // Goes from the solitary nodes of one depth, in placement order, to those of the next depth
+    // that has any. The first are behind none. False when there are no more.
+    bool nextSolitaryNodes(std::vector<SolitaryNode>& nodes);
+    Step stepBehind(const SolitaryNode& node) const {
+        return {m_keys.codeAt(node.nextCode), node.left};
+    }
 
-    // Asks for the memory that childrenOf will need. Nodes that are placed one after the other lie
-    // far apart, so their cache misses are better taken together.
+    // Asks for the memory that childrenOf or stepBehind will need. Nodes that are placed one after
+    // the other lie far apart, so their cache misses are better taken together.
     void prefetch(const TrieNode& node) const {
         __builtin_prefetch(&m_branches[node.first]);
         __builtin_prefetch(&m_order[node.first]);
     }
+    void prefetch(const SolitaryNode& node) const { m_keys.prefetchCode(node.nextCode); }
 
     // Fills `children` with the children of a node, by label.
     void childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const;
@@ -104,24 +118,20 @@ private:
         std::uint32_t maker;  // of the run's first node; the others were made by the key itself
     };
 
-    static constexpr std::size_t kAhead = 16;
     static constexpr std::uint32_t kNoNumber = static_cast<std::uint32_t>(-1);
 
     KeyCodes codesAt(std::uint32_t rank) const { return m_keys[m_order[rank]]; }
     void sortKeys();
-    void sortByNumber(std::vector<std::uint32_t>& ranks) const;
     void findBranches();
     void findSharedNodes();
     void addSharedNodes(const TrieNode& interval, std::uint32_t prefix, std::uint32_t parentPrefix);
-    void findSolitaryRuns();
     void addSolitaryRun(std::uint32_t rank);
-    void orderForPlacement();
+    void addRunsBefore(std::uint32_t number, std::vector<SolitaryNode>& nodes);
+    template <class Item>
+    void sortByDepthAndMaker(std::vector<Item>& items, std::vector<Item>& scratch) const;
     std::uint32_t sharedWithNext(std::uint32_t rank) const;
     std::uint32_t lengthAt(std::uint32_t rank) const { return m_branches[rank].length(); }
     Step stepOf(std::uint32_t rank, std::uint32_t prefix) const;
-    void prefetchStep(std::uint32_t rank, std::uint32_t prefix) const {
-        __builtin_prefetch(codesAt(rank).codes + prefix);
-    }
 
     const KeyPool& m_keys;
     bool m_inOrder = true;               // the keys were added in sorted order
@@ -129,44 +139,12 @@ private:
     std::vector<Branch> m_branches;      // by rank
     std::vector<TrieNode> m_shared;
     std::vector<SolitaryRun> m_runs;  // by depth, then maker
+    std::size_t m_runsBegun = 0;
+    std::uint32_t m_solitaryDepth = 0;  // of the solitary nodes gone to last
+    std::vector<SolitaryNode> m_above;  // scratch of nextSolitaryNodes
     std::uint64_t m_totalPassing = 0;
     std::uint64_t m_leafCount = 0;
-    std::uint64_t m_solitaryCount = 0;
 };
-
-template <class Visit>
-bool KeyTrie::forEachSolitaryNode(Visit visit) const {
-    std::vector<std::uint32_t> current;  // ranks of the runs that reach the depth, by key number
-    std::vector<std::uint32_t> next;
-    std::uint32_t depth = 0;
-    const auto visitAndKeep = [&](std::uint32_t rank) {
-        const Step step = stepOf(rank, depth + 1);
-        if (!visit(rank, step)) return false;
-        if (!step.isLast()) next.push_back(rank);
-        return true;
-    };
-    auto run = m_runs.begin();
-    const auto visitRunsBefore = [&](std::uint32_t number) {
-        for (; run != m_runs.end() && run->depth == depth && run->maker < number; ++run) {
-            if (!visitAndKeep(run->rank)) return false;
-        }
-        return true;
-    };
-    while (run != m_runs.end() || !current.empty()) {
-        if (current.empty()) depth = run->depth;
-        for (std::size_t i = 0; i < current.size(); ++i) {
-            if (i + kAhead < current.size()) prefetchStep(current[i + kAhead], depth + 1);
-            const std::uint32_t rank = current[i];
-            if (!visitRunsBefore(m_order[rank]) || !visitAndKeep(rank)) return false;
-        }
-        if (!visitRunsBefore(kNoNumber)) return false;
-        if (!m_inOrder) sortByNumber(next);
-        current.swap(next);
-        next.clear();
-        ++depth;
-    }
-    return true;
-}
 
 }  // namespace Dictionary
 

@@ -16,6 +16,11 @@ std::string_view recordText(std::string_view feature) {
 
 constexpr std::size_t kLengthBytes = sizeof(std::int32_t);
 
+// How many nodes before a node is placed the memory is asked for that it needs, and the memory to
+// which this points.
+constexpr std::size_t kFarAhead = 16;
+constexpr std::size_t kNearAhead = 8;
+
 }  // namespace
 
 void TrieBuilder::reserve(std::size_t keys, std::size_t codes) {
@@ -87,7 +92,6 @@ Placement TrieBuilder::place(PlacementListener& listener) {
     if (!m_featuresFit) return Placement::kNoRoom;
     // write() counts one cell more than there are, and it must still fit.
     m_cells.limitTo((kMaxImageBytes - m_featureArea.size()) / kCellBytes - 1);
-    m_cells.expect(m_trie->nodeCount());
     m_cellOfRank.assign(m_trie->root().last, 0);
     const bool fits = placeAll(listener);
     m_trie.reset();
@@ -98,29 +102,43 @@ Placement TrieBuilder::place(PlacementListener& listener) {
 bool TrieBuilder::placeAll(PlacementListener& listener) {
     if (!placeRoot() || !placeAllShared(listener)) return false;
     m_cells.endWideSearches();
-    const bool fits = m_trie->forEachSolitaryNode([&](std::uint32_t rank, Step step) {
-        count(1, listener);
-        return placeSolitary(rank, step);
-    });
-    if (!fits) return false;
+    m_trie->beginSolitaryNodes();
+    if (!placeAllSolitary(listener)) return false;
     // Leaves got all there is to them with their parents; they only count.
     for (std::uint64_t leaf = 0; leaf < m_trie->leafCount(); ++leaf) count(0, listener);
     return true;
 }
 
 bool TrieBuilder::placeAllShared(PlacementListener& listener) {
-    constexpr std::size_t kFarAhead = 16;
-    constexpr std::size_t kNearAhead = 8;
     const std::vector<TrieNode>& nodes = m_trie->sharedNodes();
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         if (i + kFarAhead < nodes.size()) {
             const TrieNode& far = nodes[i + kFarAhead];
             m_trie->prefetch(far);
             __builtin_prefetch(&m_cellOfRank[far.first]);
-            m_cells.prefetch(m_cellOfRank[nodes[i + kNearAhead].first]);
+            const std::uint32_t near = nodes[i + kNearAhead].first;
+            m_cells.prefetch(m_cellOfRank[near]);
+            __builtin_prefetch(&m_keyOffsets[m_trie->keyAt(near)]);
         }
         count(nodes[i].passing(), listener);
         if (!placeShared(nodes[i])) return false;
+    }
+    return true;
+}
+
+bool TrieBuilder::placeAllSolitary(PlacementListener& listener) {
+    std::vector<SolitaryNode> nodes;
+    while (m_trie->nextSolitaryNodes(nodes)) {
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            if (i + kFarAhead < nodes.size()) {
+                const SolitaryNode& far = nodes[i + kFarAhead];
+                m_trie->prefetch(far);
+                __builtin_prefetch(&m_cellOfRank[far.rank]);
+                m_cells.prefetch(m_cellOfRank[nodes[i + kNearAhead].rank]);
+            }
+            count(1, listener);
+            if (!placeSolitary(nodes[i].rank, m_trie->stepBehind(nodes[i]))) return false;
+        }
     }
     return true;
 }

@@ -70,6 +70,7 @@ private:
     bool placeAll(PlacementListener& listener);
     bool placeRoot();
     bool placeAllShared(PlacementListener& listener);
+    bool placeAllSolitary(PlacementListener& listener);
     bool placeShared(const TrieNode& node);
     bool placeSolitary(std::uint32_t rank, Step step);
     void markEnd(std::int64_t index, std::uint32_t firstRank, std::uint32_t lastRank);
