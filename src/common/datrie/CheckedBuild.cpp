@@ -194,6 +194,7 @@ bool CheckedBuild::dataFits() const {
 // False when the image would be too large.
 bool CheckedBuild::place() {
     CUTF8Coder coder;
+    m_builder.expectOneBuild();
     // The table holds no key that the coder refuses.
     addKeysOf(*m_table, coder, m_builder, [](const std::string&) {});
     m_table.reset();

@@ -77,6 +77,7 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
                             const char* recordSeparator) {
     // Kept: a writer from an earlier build is lost.
     m_writer = new CDATWriter(m_coder, false);
+    m_writer->m_builder->expectOneBuild();
     auto source = std::make_unique<CRecordReader>();
     source->init(fileName, recordSeparator, fieldSeparator);
     {

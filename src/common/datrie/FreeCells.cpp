@@ -14,6 +14,9 @@ constexpr std::int64_t kByteBits = 8;
 constexpr std::int64_t kWordBits = 64;
 constexpr std::uint8_t kAllFree = 0xFF;
 
+// Larger sets of offsets seldom come again.
+constexpr std::size_t kMostRemembered = 8;
+
 }  // namespace
 
 FreeCells::FreeCells(std::int64_t reserved) : m_end(reserved), m_covered(0) {
@@ -65,7 +68,8 @@ const std::uint8_t* FreeCells::bitsFrom(std::int64_t cell) const {
 std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets) {
     if (m_copiesKept < kCopies) restoreCopies();
 
-    std::int64_t& bound = boundOf(offsets);
+    std::int64_t forgotten = 0;
+    std::int64_t& bound = offsets.size() <= kMostRemembered ? boundOf(offsets) : forgotten;
     from = std::max(from, bound);
 
     // At the latest, everything fits where all of it lies behind the last cell taken.

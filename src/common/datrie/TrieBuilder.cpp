@@ -26,7 +26,6 @@ constexpr std::size_t kNearAhead = 8;
 void TrieBuilder::reserve(std::size_t keys, std::size_t codes) {
     m_keys.reserve(keys, codes);
     m_keyStrings.reserve(keys + 1);
-    m_keyOffsets.reserve(keys + 1);
 }
 
 bool TrieBuilder::addKey(ICoderInterface& coder, const char* key, bool reverse,
@@ -38,7 +37,6 @@ bool TrieBuilder::addKey(ICoderInterface& coder, const char* key, bool reverse,
     const std::uint32_t string = m_strings.add(feature);
     m_keys.add(m_codes);
     m_keyStrings.push_back(string);
-    m_keyOffsets.push_back(kNoFeature);
     return true;
 }
 
@@ -64,21 +62,19 @@ void TrieBuilder::storeFeatures() {
     if (!m_featuresFit) return;
 
     auto area = std::make_unique<char[]>(bytes);
-    std::vector<std::int32_t> offsets(order.size());
+    m_recordOffsets.resize(order.size());
     char* end = area.get();
     for (const std::uint32_t string : order) {
         const std::string_view text = recordText(m_strings[string]);
         const auto length = static_cast<std::int32_t>(text.size());
-        offsets[string] = static_cast<std::int32_t>(end - area.get());
+        m_recordOffsets[string] = static_cast<std::int32_t>(end - area.get());
         std::memcpy(end, &length, kLengthBytes);
         std::memcpy(end + kLengthBytes, text.data(), text.size());
         end += kLengthBytes + text.size();
     }
     const int size = static_cast<int>(bytes);
     m_featureArea.reset(true, area.release(), size, size);
-    for (std::size_t key = 1; key < m_keyStrings.size(); ++key) {
-        m_keyOffsets[key] = offsets[m_keyStrings[key]];
-    }
+    if (m_isOnlyBuild) m_strings = StringTable();
 }
 
 void TrieBuilder::makeTrie() {
@@ -118,7 +114,7 @@ bool TrieBuilder::placeAllShared(PlacementListener& listener) {
             __builtin_prefetch(&m_cellOfRank[far.first]);
             const std::uint32_t near = nodes[i + kNearAhead].first;
             m_cells.prefetch(m_cellOfRank[near]);
-            __builtin_prefetch(&m_keyOffsets[m_trie->keyAt(near)]);
+            __builtin_prefetch(&m_keyStrings[m_trie->keyAt(near)]);
         }
         count(nodes[i].passing(), listener);
         if (!placeShared(nodes[i])) return false;
@@ -194,7 +190,7 @@ bool TrieBuilder::placeSolitary(std::uint32_t rank, Step step) {
 void TrieBuilder::markEnd(std::int64_t index, std::uint32_t firstRank, std::uint32_t lastRank) {
     if (firstRank == lastRank) return;
     m_cells.markTerminal(index, static_cast<std::int32_t>(m_trie->keyAt(firstRank)),
-                         m_keyOffsets[m_trie->keyAt(lastRank - 1)]);
+                         m_recordOffsets[m_keyStrings[m_trie->keyAt(lastRank - 1)]]);
 }
 
 }  // namespace Dictionary

@@ -43,6 +43,9 @@ public:
     const CFeatureDataContainer& featureArea() const { return m_featureArea; }
 
     void reserve(std::size_t keys, std::size_t codes);
+    // Promises that nothing will be added once a build has begun. What that build needs no more
+    // goes early.
+    void expectOneBuild() { m_isOnlyBuild = true; }
     // Encodes and adds a key; false when the coder refuses it.
     bool addKey(ICoderInterface& coder, const char* key, bool reverse, std::string_view feature);
     void attachFeature(std::string_view feature, int key);
@@ -79,7 +82,8 @@ private:
     KeyPool m_keys;
     StringTable m_strings;                                  // every distinct feature string
     std::vector<std::uint32_t> m_keyStrings = {kNoString};  // by key number; the first is none
-    std::vector<std::int32_t> m_keyOffsets = {kNoFeature};  // of the records, by key number
+    std::vector<std::int32_t> m_recordOffsets;              // by feature string
+    bool m_isOnlyBuild = false;
     bool m_featuresFit = true;
     CFeatureDataContainer m_featureArea;
     std::unique_ptr<KeyTrie> m_trie;
