@@ -13,7 +13,8 @@ using Lanes __attribute__((vector_size(Bytes))) = std::uint64_t;
 
 constexpr std::size_t kLaneBytes = sizeof(std::uint64_t);
 
-// To test for zero costs more than to look at a stream.
+// To test for zero costs more than to look at a stream, and where many streams left a position, more
+// will.
 constexpr std::size_t kBetweenTests = 4;
 
 // Inlined into a caller for each width, which sets the instructions that may be used.
@@ -51,7 +52,7 @@ template <std::size_t Bytes>
         load<Bytes>(fitting, streams[0] + byte);
         std::size_t i = 1;
         while (i < count && !isZero<Bytes>(fitting)) {
-            const std::size_t stop = std::min(count, i == 1 ? 2 : i + kBetweenTests);
+            const std::size_t stop = std::min(count, i + i / 2 + kBetweenTests);
             for (; i < stop; ++i) {
                 Lanes<Bytes> bits;
                 load<Bytes>(bits, streams[i] + byte);
