@@ -87,9 +87,9 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
             static_cast<void>(source.release());
             return 0;
         }
+        source.reset();
         addAll(table, *m_coder, *m_writer->m_builder);
     }
-    source.reset();
     m_writer->buildDAT();
     std::fputs("Build OK\n", stderr);
     return 1;

@@ -13,8 +13,8 @@ using Lanes __attribute__((vector_size(Bytes))) = std::uint64_t;
 
 constexpr std::size_t kLaneBytes = sizeof(std::uint64_t);
 
-// To test for zero costs more than to look at a stream, and where many streams left a position, more
-// will.
+// To test for zero costs more than to look at a stream, and where many streams left a position,
+// more will.
 constexpr std::size_t kBetweenTests = 4;
 
 // Inlined into a caller for each width, which sets the instructions that may be used.

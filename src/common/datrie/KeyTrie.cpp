@@ -32,10 +32,17 @@ std::uint32_t commonPrefix(KeyCodes left, KeyCodes right) {
     return shared;
 }
 
-bool precedes(KeyCodes left, KeyCodes right) {
-    const std::uint32_t shared = commonPrefix(left, right);
-    if (shared == right.length()) return false;
-    return shared == left.length() || left[shared] < right[shared];
+// Negative, 0 or positive as the left key stands before the right one, is equal to it, or stands
+// behind it. Their first `shared` codes are the same, the ones that follow are not.
+int compareBehind(std::uint32_t shared, KeyCodes left, KeyCodes right) {
+    const bool leftEnds = shared == left.length();
+    const bool rightEnds = shared == right.length();
+    if (leftEnds || rightEnds) return rightEnds - leftEnds;
+    return left[shared] < right[shared] ? -1 : 1;
+}
+
+int compare(KeyCodes left, KeyCodes right) {
+    return compareBehind(commonPrefix(left, right), left, right);
 }
 
 // Stable counting sort by `keyOf`, whose values lie below `limit`.
@@ -60,48 +67,48 @@ std::uint32_t greatest(const std::vector<Item>& items, KeyOf keyOf) {
 }  // namespace
 
 KeyTrie::KeyTrie(const KeyPool& keys) : m_keys(keys) {
-    m_order.reserve(keys.size());
-    for (std::uint32_t number = 1; number <= keys.size(); ++number) {
-        if (keys[number].length() > 0) m_order.push_back(number);
+    while (m_firstNumber <= keys.size() && keys[m_firstNumber].length() == 0) ++m_firstNumber;
+    m_keyCount = keys.size() + 1 - m_firstNumber;
+    m_inOrder = findBranches();
+    if (!m_inOrder) {
+        sortKeys();
+        findBranches();
     }
-    sortKeys();
-    findBranches();
     findSharedNodes();
 }
 
 void KeyTrie::sortKeys() {
-    const auto before = [this](std::uint32_t left, std::uint32_t right) {
-        return precedes(m_keys[left], m_keys[right]);
-    };
-    m_inOrder = std::is_sorted(m_order.begin(), m_order.end(), before);
-    if (m_inOrder) return;
-
     std::vector<std::pair<std::uint64_t, std::uint32_t>> byLead;
-    byLead.reserve(m_order.size());
-    for (const std::uint32_t number : m_order) {
-        byLead.emplace_back(leadingCodes(m_keys[number]), number);
+    for (std::uint32_t number = 1; number <= m_keys.size(); ++number) {
+        if (m_keys[number].length() > 0) byLead.emplace_back(leadingCodes(m_keys[number]), number);
     }
-    std::sort(byLead.begin(), byLead.end(), [&](const auto& left, const auto& right) {
+    std::sort(byLead.begin(), byLead.end(), [this](const auto& left, const auto& right) {
         if (left.first != right.first) return left.first < right.first;
-        if (before(left.second, right.second)) return true;
-        if (before(right.second, left.second)) return false;
-        return left.second < right.second;
+        const int order = compare(m_keys[left.second], m_keys[right.second]);
+        return order != 0 ? order < 0 : left.second < right.second;
     });
-    std::transform(byLead.begin(), byLead.end(), m_order.begin(),
-                   [](const auto& entry) { return entry.second; });
+    m_keyCount = static_cast<std::uint32_t>(byLead.size());
+    m_order.reserve(byLead.size());
+    for (const auto& entry : byLead) m_order.push_back(entry.second);
 }
 
-void KeyTrie::findBranches() {
-    m_branches.resize(m_order.size());
+// False, with the rest left undone, where a key stands before a smaller one.
+bool KeyTrie::findBranches() {
+    m_branches.resize(m_keyCount);
     std::size_t sharedPrefixes = 0;
-    std::uint32_t before = 0;
-    for (std::uint32_t rank = 0; rank < m_order.size(); ++rank) {
-        const std::uint32_t shared = rank == 0 ? 0 : commonPrefix(codesAt(rank - 1), codesAt(rank));
+    for (std::uint32_t rank = 0; rank < m_keyCount; ++rank) {
+        std::uint32_t shared = 0;
+        if (rank > 0) {
+            const KeyCodes before = codesAt(rank - 1);
+            const KeyCodes key = codesAt(rank);
+            shared = commonPrefix(before, key);
+            if (compareBehind(shared, before, key) > 0) return false;
+            sharedPrefixes += shared - std::min(shared, m_branches[rank - 1].shared);
+        }
         m_branches[rank] = {shared, stepOf(rank, shared)};
-        if (shared > before) sharedPrefixes += shared - before;
-        before = shared;
     }
     m_shared.reserve(sharedPrefixes);
+    return true;
 }
 
 Step KeyTrie::stepOf(std::uint32_t rank, std::uint32_t prefix) const {
@@ -110,7 +117,7 @@ Step KeyTrie::stepOf(std::uint32_t rank, std::uint32_t prefix) const {
 }
 
 std::uint32_t KeyTrie::sharedWithNext(std::uint32_t rank) const {
-    return rank + 1 < m_order.size() ? m_branches[rank + 1].shared : 0;
+    return rank + 1 < m_keyCount ? m_branches[rank + 1].shared : 0;
 }
 
 // Finds the maximal intervals of keys that share a prefix, innermost first, with a stack of those
@@ -122,13 +129,13 @@ void KeyTrie::findSharedNodes() {
         std::uint32_t maker;
     };
     std::vector<Open> open = {{0, 0, kNoNumber}};
-    for (std::uint32_t rank = 0; rank < m_order.size(); ++rank) {
+    for (std::uint32_t rank = 0; rank < m_keyCount; ++rank) {
         const std::uint32_t prefix = sharedWithNext(rank);
         const std::uint32_t length = lengthAt(rank);
         m_totalPassing += length - 1;
         if (prefix < length) ++m_leafCount;
         std::uint32_t first = rank;
-        std::uint32_t maker = m_order[rank];
+        std::uint32_t maker = keyAt(rank);
         while (open.back().prefix > prefix) {
             const Open closed = open.back();
             open.pop_back();
@@ -176,7 +183,8 @@ void KeyTrie::addSharedNodes(const TrieNode& interval, std::uint32_t prefix,
 
 void KeyTrie::beginSolitaryNodes() {
     std::vector<TrieNode>().swap(m_shared);
-    for (std::uint32_t rank = 0; rank < m_order.size(); ++rank) addSolitaryRun(rank);
+    m_runs.reserve(m_leafCount);
+    for (std::uint32_t rank = 0; rank < m_keyCount; ++rank) addSolitaryRun(rank);
     std::vector<Branch>().swap(m_branches);
     std::vector<SolitaryRun> scratch;
     sortByDepthAndMaker(m_runs, scratch);
@@ -190,11 +198,11 @@ void KeyTrie::addSolitaryRun(std::uint32_t rank) {
     if (shared == length) return;
 
     // The node above is this key's alone, too, when all other keys with its prefix end there.
-    SolitaryRun run = {rank, shared, m_order[rank]};
+    SolitaryRun run = {keyAt(rank), shared, keyAt(rank)};
     if (before > after && lengthAt(rank - 1) == before) {
         --run.depth;
         for (std::uint32_t equal = rank - 1;; --equal) {
-            run.maker = std::min(run.maker, m_order[equal]);
+            run.maker = std::min(run.maker, keyAt(equal));
             if (equal == 0 || m_branches[equal].shared < before || lengthAt(equal - 1) > before) {
                 break;
             }
@@ -215,7 +223,7 @@ bool KeyTrie::nextSolitaryNodes(std::vector<SolitaryNode>& nodes) {
     m_solitaryDepth = m_above.empty() ? m_runs[m_runsBegun].depth : m_solitaryDepth + 1;
     for (const SolitaryNode& above : m_above) {
         addRunsBefore(above.number, nodes);
-        nodes.push_back({above.rank, above.number, above.left - 1, above.nextCode + 1});
+        nodes.push_back({above.number, above.left - 1, above.nextCode + 1});
     }
     addRunsBefore(kNoNumber, nodes);
     return true;
@@ -223,19 +231,14 @@ bool KeyTrie::nextSolitaryNodes(std::vector<SolitaryNode>& nodes) {
 
 // Adds the nodes in which runs of the depth begin and whose makers' numbers are below `number`.
 void KeyTrie::addRunsBefore(std::uint32_t number, std::vector<SolitaryNode>& nodes) {
-    constexpr std::size_t kFarAhead = 16;
-    constexpr std::size_t kNearAhead = 8;
+    constexpr std::size_t kAhead = 16;
     for (; m_runsBegun < m_runs.size(); ++m_runsBegun) {
         const SolitaryRun* const run = &m_runs[m_runsBegun];
         if (run->depth != m_solitaryDepth || run->maker >= number) return;
-        if (m_runsBegun + kFarAhead < m_runs.size()) {
-            __builtin_prefetch(&m_order[run[kFarAhead].rank]);
-            m_keys.prefetchBegin(m_order[run[kNearAhead].rank]);
-        }
-        const std::uint32_t key = m_order[run->rank];
-        const std::size_t nextCode = m_keys.beginOf(key) + run->depth + 1;
-        const auto left = static_cast<std::uint32_t>(m_keys.beginOf(key + 1) - nextCode);
-        nodes.push_back({run->rank, key, left, nextCode});
+        if (m_runsBegun + kAhead < m_runs.size()) m_keys.prefetchBegin(run[kAhead].number);
+        const std::size_t nextCode = m_keys.beginOf(run->number) + run->depth + 1;
+        const auto left = static_cast<std::uint32_t>(m_keys.beginOf(run->number + 1) - nextCode);
+        nodes.push_back({run->number, left, nextCode});
     }
 }
 

@@ -37,8 +37,7 @@ struct TrieNode {
 
 // A node that exactly one key passes.
 struct SolitaryNode {
-    std::uint32_t rank;    // the key's
-    std::uint32_t number;  // likewise
+    std::uint32_t number;  // the key's
     std::uint32_t left;    // codes of it behind the node
     std::size_t nextCode;  // where they begin in the pool of keys
 
@@ -65,7 +64,7 @@ public:
     // trie and not change.
     explicit KeyTrie(const KeyPool& keys);
 
-    bool empty() const { return m_order.empty(); }
+    bool empty() const { return m_keyCount == 0; }
     std::uint64_t totalPassing() const { return m_totalPassing; }
     std::uint64_t leafCount() const { return m_leafCount; }
 
@@ -85,7 +84,7 @@ public:
     // the other lie far apart, so their cache misses are better taken together.
     void prefetch(const TrieNode& node) const {
         __builtin_prefetch(&m_branches[node.first]);
-        __builtin_prefetch(&m_order[node.first]);
+        if (!m_inOrder) __builtin_prefetch(&m_order[node.first]);
     }
     void prefetch(const SolitaryNode& node) const { m_keys.prefetchCode(node.nextCode); }
 
@@ -94,14 +93,15 @@ public:
 
     // The implicit root: all ranks pass it, and its children stand at depth 0.
     static constexpr std::uint32_t kRootDepth = static_cast<std::uint32_t>(-1);
-    TrieNode root() const {
-        return {0, static_cast<std::uint32_t>(m_order.size()), kRootDepth, 0, m_branches[0].step};
-    }
+    TrieNode root() const { return {0, m_keyCount, kRootDepth, 0, m_branches[0].step}; }
 
     // The child that the key with the smallest number takes, among those of a node.
     const TrieChild& leadingChild(const std::vector<TrieChild>& children) const;
 
-    std::uint32_t keyAt(std::uint32_t rank) const { return m_order[rank]; }
+    // The number of the key at a rank.
+    std::uint32_t keyAt(std::uint32_t rank) const {
+        return m_inOrder ? m_firstNumber + rank : m_order[rank];
+    }
 
 private:
     // A key's codes: `shared` ones of the key one rank before, then those of the step.
@@ -113,16 +113,16 @@ private:
     };
     // Where the solitary nodes of a key begin.
     struct SolitaryRun {
-        std::uint32_t rank;
+        std::uint32_t number;
         std::uint32_t depth;
         std::uint32_t maker;  // of the run's first node; the others were made by the key itself
     };
 
     static constexpr std::uint32_t kNoNumber = static_cast<std::uint32_t>(-1);
 
-    KeyCodes codesAt(std::uint32_t rank) const { return m_keys[m_order[rank]]; }
+    KeyCodes codesAt(std::uint32_t rank) const { return m_keys[keyAt(rank)]; }
     void sortKeys();
-    void findBranches();
+    bool findBranches();
     void findSharedNodes();
     void addSharedNodes(const TrieNode& interval, std::uint32_t prefix, std::uint32_t parentPrefix);
     void addSolitaryRun(std::uint32_t rank);
@@ -134,8 +134,10 @@ private:
     Step stepOf(std::uint32_t rank, std::uint32_t prefix) const;
 
     const KeyPool& m_keys;
+    std::uint32_t m_firstNumber = 1;     // of the keys with codes, if they were added in order
+    std::uint32_t m_keyCount = 0;        // of those
     bool m_inOrder = true;               // the keys were added in sorted order
-    std::vector<std::uint32_t> m_order;  // key numbers by rank
+    std::vector<std::uint32_t> m_order;  // key numbers by rank if they were not
     std::vector<Branch> m_branches;      // by rank
     std::vector<TrieNode> m_shared;
     std::vector<SolitaryRun> m_runs;  // by depth, then maker

@@ -88,10 +88,10 @@ Placement TrieBuilder::place(PlacementListener& listener) {
     if (!m_featuresFit) return Placement::kNoRoom;
     // write() counts one cell more than there are, and it must still fit.
     m_cells.limitTo((kMaxImageBytes - m_featureArea.size()) / kCellBytes - 1);
-    m_cellOfRank.assign(m_trie->root().last, 0);
+    m_cellOfKey.assign(m_keys.size() + std::size_t{1}, 0);
     const bool fits = placeAll(listener);
     m_trie.reset();
-    std::vector<std::int32_t>().swap(m_cellOfRank);
+    std::vector<std::int32_t>().swap(m_cellOfKey);
     return fits ? Placement::kPlaced : Placement::kNoRoom;
 }
 
@@ -111,10 +111,10 @@ bool TrieBuilder::placeAllShared(PlacementListener& listener) {
         if (i + kFarAhead < nodes.size()) {
             const TrieNode& far = nodes[i + kFarAhead];
             m_trie->prefetch(far);
-            __builtin_prefetch(&m_cellOfRank[far.first]);
-            const std::uint32_t near = nodes[i + kNearAhead].first;
-            m_cells.prefetch(m_cellOfRank[near]);
-            __builtin_prefetch(&m_keyStrings[m_trie->keyAt(near)]);
+            __builtin_prefetch(&m_cellOfKey[m_trie->keyAt(far.first)]);
+            const std::uint32_t near = m_trie->keyAt(nodes[i + kNearAhead].first);
+            m_cells.prefetch(m_cellOfKey[near]);
+            __builtin_prefetch(&m_keyStrings[near]);
         }
         count(nodes[i].passing(), listener);
         if (!placeShared(nodes[i])) return false;
@@ -129,11 +129,11 @@ bool TrieBuilder::placeAllSolitary(PlacementListener& listener) {
             if (i + kFarAhead < nodes.size()) {
                 const SolitaryNode& far = nodes[i + kFarAhead];
                 m_trie->prefetch(far);
-                __builtin_prefetch(&m_cellOfRank[far.rank]);
-                m_cells.prefetch(m_cellOfRank[nodes[i + kNearAhead].rank]);
+                __builtin_prefetch(&m_cellOfKey[far.number]);
+                m_cells.prefetch(m_cellOfKey[nodes[i + kNearAhead].number]);
             }
             count(1, listener);
-            if (!placeSolitary(nodes[i].rank, m_trie->stepBehind(nodes[i]))) return false;
+            if (!placeSolitary(nodes[i].number, m_trie->stepBehind(nodes[i]))) return false;
         }
     }
     return true;
@@ -150,8 +150,8 @@ bool TrieBuilder::placeRoot() {
     m_trie->childrenOf(m_trie->root(), m_children);
     for (const TrieChild& child : m_children) {
         if (!m_cells.takeRoot(child.label)) return false;
-        markEnd(child.label, child.begin, child.first);
-        if (!child.isLeaf()) m_cellOfRank[child.first] = child.label;
+        markEnd(child.label, child);
+        if (!child.isLeaf()) m_cellOfKey[m_trie->keyAt(child.first)] = child.label;
     }
     return true;
 }
@@ -162,35 +162,40 @@ bool TrieBuilder::placeShared(const TrieNode& node) {
     for (const TrieChild& child : m_children) m_labels.push_back(child.label);
     const std::int64_t base = m_cells.findBase(m_trie->leadingChild(m_children).label, m_labels);
     if (base < 0) return false;
-    const std::int64_t parent = m_cellOfRank[node.first];
+    const std::int64_t parent = m_cellOfKey[m_trie->keyAt(node.first)];
     m_cells.setBase(parent, base);
     for (const TrieChild& child : m_children) {
         const std::int64_t index = base + child.label;
         m_cells.takeChild(index, parent);
-        markEnd(index, child.begin, child.first);
-        if (!child.isLeaf()) m_cellOfRank[child.first] = static_cast<std::int32_t>(index);
+        markEnd(index, child);
+        if (!child.isLeaf())
+            m_cellOfKey[m_trie->keyAt(child.first)] = static_cast<std::int32_t>(index);
     }
     return true;
 }
 
-bool TrieBuilder::placeSolitary(std::uint32_t rank, Step step) {
+bool TrieBuilder::placeSolitary(std::uint32_t key, Step step) {
     const std::int64_t base = m_cells.findBaseOfOne(step.label);
     if (base < 0) return false;
-    const std::int64_t parent = m_cellOfRank[rank];
+    const std::int64_t parent = m_cellOfKey[key];
     const std::int64_t index = base + step.label;
     m_cells.setBase(parent, base);
     m_cells.takeChild(index, parent);
-    m_cellOfRank[rank] = static_cast<std::int32_t>(index);
-    if (step.isLast()) markEnd(index, rank, rank + 1);
+    m_cellOfKey[key] = static_cast<std::int32_t>(index);
+    if (step.isLast()) markEnd(index, key, key);
     return true;
 }
 
-// Equal keys stand in order of their numbers: the first gives a leaf its number, and the last one
-// added decides the feature.
-void TrieBuilder::markEnd(std::int64_t index, std::uint32_t firstRank, std::uint32_t lastRank) {
-    if (firstRank == lastRank) return;
-    m_cells.markTerminal(index, static_cast<std::int32_t>(m_trie->keyAt(firstRank)),
-                         m_recordOffsets[m_keyStrings[m_trie->keyAt(lastRank - 1)]]);
+// Equal keys stand in order of their numbers.
+void TrieBuilder::markEnd(std::int64_t index, const TrieChild& child) {
+    if (child.begin == child.first) return;
+    markEnd(index, m_trie->keyAt(child.begin), m_trie->keyAt(child.first - 1));
+}
+
+// Of equal keys, the first gives a leaf its number, and the last one added decides the feature.
+void TrieBuilder::markEnd(std::int64_t index, std::uint32_t firstKey, std::uint32_t lastKey) {
+    m_cells.markTerminal(index, static_cast<std::int32_t>(firstKey),
+                         m_recordOffsets[m_keyStrings[lastKey]]);
 }
 
 }  // namespace Dictionary

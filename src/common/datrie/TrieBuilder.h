@@ -75,8 +75,9 @@ private:
     bool placeAllShared(PlacementListener& listener);
     bool placeAllSolitary(PlacementListener& listener);
     bool placeShared(const TrieNode& node);
-    bool placeSolitary(std::uint32_t rank, Step step);
-    void markEnd(std::int64_t index, std::uint32_t firstRank, std::uint32_t lastRank);
+    bool placeSolitary(std::uint32_t key, Step step);
+    void markEnd(std::int64_t index, const TrieChild& child);
+    void markEnd(std::int64_t index, std::uint32_t firstKey, std::uint32_t lastKey);
     void count(std::uint64_t passing, PlacementListener& listener);
 
     KeyPool m_keys;
@@ -91,10 +92,10 @@ private:
     std::uint64_t m_running = 0;
     std::uint64_t m_total = 0;
 
-    // The cell of the node placed next among those whose first passing key has a rank. There is
+    // The cell of the node placed next among those whose first passing key has a number. There is
     // never more than one: such nodes are ancestors of each other, and a parent is placed before
     // its child gets a cell.
-    std::vector<std::int32_t> m_cellOfRank;
+    std::vector<std::int32_t> m_cellOfKey;
     std::vector<int> m_codes;           // of the key being added
     std::vector<SPOS> m_positions;      // likewise
     std::vector<TrieChild> m_children;  // of the node under way
