@@ -231,11 +231,11 @@ bool KeyTrie::nextSolitaryNodes(std::vector<SolitaryNode>& nodes) {
 
 // Adds the nodes in which runs of the depth begin and whose makers' numbers are below `number`.
 void KeyTrie::addRunsBefore(std::uint32_t number, std::vector<SolitaryNode>& nodes) {
-    constexpr std::size_t kAhead = 16;
+    constexpr std::size_t kRunsAhead = 16;
     for (; m_runsBegun < m_runs.size(); ++m_runsBegun) {
         const SolitaryRun* const run = &m_runs[m_runsBegun];
         if (run->depth != m_solitaryDepth || run->maker >= number) return;
-        if (m_runsBegun + kAhead < m_runs.size()) m_keys.prefetchBegin(run[kAhead].number);
+        if (m_runsBegun + kRunsAhead < m_runs.size()) m_keys.prefetchBegin(run[kRunsAhead].number);
         const std::size_t nextCode = m_keys.beginOf(run->number) + run->depth + 1;
         const auto left = static_cast<std::uint32_t>(m_keys.beginOf(run->number + 1) - nextCode);
         nodes.push_back({run->number, left, nextCode});
