@@ -12,8 +12,7 @@ namespace {
 
 // NUL ends every key, and the coder refuses keys with a character above U+FFFF.
 bool mayStandInKeys(std::int32_t code) {
-    constexpr std::int32_t kLastOfKeys = 0xFFFF;
-    return code > 0 && code <= kLastOfKeys;
+    return code > 0 && code < kBmpEnd;
 }
 
 }  // namespace

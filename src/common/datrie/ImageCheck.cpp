@@ -13,15 +13,7 @@ namespace {
 
 constexpr std::int64_t kNowhere = -1;
 
-// A record begins with its length.
-using RecordLength = std::int32_t;
-constexpr std::int64_t kLengthBytes = sizeof(RecordLength);
-
-RecordLength lengthOf(const char* record) {
-    RecordLength length;
-    std::memcpy(&length, record, sizeof length);
-    return length;
-}
+constexpr std::int64_t kLengthBytes = kRecordLengthBytes;
 
 class Bits {
 public:
@@ -137,7 +129,7 @@ bool ImageCheck::recordsFillTheArea() {
     for (std::int64_t offset = 0; offset < size;) {
         __builtin_prefetch(area + std::min(offset + kAhead, size));
         const std::int64_t room = size - offset - kLengthBytes;
-        const std::int64_t length = room < 0 ? room : lengthOf(area + offset);
+        const std::int64_t length = room < 0 ? room : recordLengthAt(area + offset);
         if (length < 0 || length > room) {
             return refuse(DICTIONARY_IMAGE_AREA, kNowhere, area - m_image + offset,
                           "a feature record does not end inside the area");

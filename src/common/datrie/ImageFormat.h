@@ -128,14 +128,23 @@ inline Cell headerOf(const void* image) {
     return CellView(image, kCellBytes)[0];
 }
 
+// A record of a feature area begins with the length of its text, which follows.
+using RecordLength = std::int32_t;
+constexpr std::size_t kRecordLengthBytes = sizeof(RecordLength);
+
+inline RecordLength recordLengthAt(const char* record) {
+    RecordLength length;
+    std::memcpy(&length, record, sizeof length);
+    return length;
+}
+
 // The text of the record at byte `offset` of a feature area, up to its first NUL; empty for a
 // negative offset. Valid as long as the area.
 inline std::string_view featureTextAt(const char* area, std::int32_t offset) {
     if (area == nullptr || offset < 0) return {};
-    std::int32_t length;
-    std::memcpy(&length, area + offset, sizeof length);
+    const RecordLength length = recordLengthAt(area + offset);
     if (length <= 0) return {};
-    const char* text = area + offset + sizeof length;
+    const char* text = area + offset + kRecordLengthBytes;
     return {text, strnlen(text, static_cast<std::size_t>(length))};
 }
 

@@ -21,10 +21,6 @@ std::uint64_t leadingCodes(KeyCodes key) {
     return lead;
 }
 
-bool precedesByNumber(const SolitaryNode& left, const SolitaryNode& right) {
-    return left.number < right.number;
-}
-
 std::uint32_t commonPrefix(KeyCodes left, KeyCodes right) {
     const std::uint32_t limit = std::min(left.length(), right.length());
     std::uint32_t shared = 0;
@@ -181,16 +177,18 @@ void KeyTrie::addSharedNodes(const TrieNode& interval, std::uint32_t prefix,
     m_shared.push_back(node);
 }
 
-void KeyTrie::beginSolitaryNodes() {
+SolitaryNodes KeyTrie::takeSolitaryNodes() {
     std::vector<TrieNode>().swap(m_shared);
-    m_runs.reserve(m_leafCount);
-    for (std::uint32_t rank = 0; rank < m_keyCount; ++rank) addSolitaryRun(rank);
+    std::vector<SolitaryRun> runs;
+    runs.reserve(m_leafCount);
+    for (std::uint32_t rank = 0; rank < m_keyCount; ++rank) addSolitaryRun(rank, runs);
     std::vector<Branch>().swap(m_branches);
     std::vector<SolitaryRun> scratch;
-    sortByDepthAndMaker(m_runs, scratch);
+    sortByDepthAndMaker(runs, scratch);
+    return {m_keys, std::move(runs), m_inOrder};
 }
 
-void KeyTrie::addSolitaryRun(std::uint32_t rank) {
+void KeyTrie::addSolitaryRun(std::uint32_t rank, std::vector<SolitaryRun>& runs) const {
     const std::uint32_t before = m_branches[rank].shared;
     const std::uint32_t after = sharedWithNext(rank);
     const std::uint32_t shared = std::max(before, after);
@@ -209,37 +207,7 @@ void KeyTrie::addSolitaryRun(std::uint32_t rank) {
         }
     }
     if (run.depth + 1 >= length) return;
-    m_runs.push_back(run);
-}
-
-bool KeyTrie::nextSolitaryNodes(std::vector<SolitaryNode>& nodes) {
-    m_above.clear();
-    std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(m_above),
-                 [](const SolitaryNode& node) { return !node.isLast(); });
-    // The first nodes of runs stood by the runs' makers, all others stand by their own numbers.
-    if (!m_inOrder) std::sort(m_above.begin(), m_above.end(), precedesByNumber);
-    nodes.clear();
-    if (m_above.empty() && m_runsBegun == m_runs.size()) return false;
-    m_solitaryDepth = m_above.empty() ? m_runs[m_runsBegun].depth : m_solitaryDepth + 1;
-    for (const SolitaryNode& above : m_above) {
-        addRunsBefore(above.number, nodes);
-        nodes.push_back({above.number, above.left - 1, above.nextCode + 1});
-    }
-    addRunsBefore(kNoNumber, nodes);
-    return true;
-}
-
-// Adds the nodes in which runs of the depth begin and whose makers' numbers are below `number`.
-void KeyTrie::addRunsBefore(std::uint32_t number, std::vector<SolitaryNode>& nodes) {
-    constexpr std::size_t kRunsAhead = 16;
-    for (; m_runsBegun < m_runs.size(); ++m_runsBegun) {
-        const SolitaryRun* const run = &m_runs[m_runsBegun];
-        if (run->depth != m_solitaryDepth || run->maker >= number) return;
-        if (m_runsBegun + kRunsAhead < m_runs.size()) m_keys.prefetchBegin(run[kRunsAhead].number);
-        const std::size_t nextCode = m_keys.beginOf(run->number) + run->depth + 1;
-        const auto left = static_cast<std::uint32_t>(m_keys.beginOf(run->number + 1) - nextCode);
-        nodes.push_back({run->number, left, nextCode});
-    }
+    runs.push_back(run);
 }
 
 void KeyTrie::childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const {

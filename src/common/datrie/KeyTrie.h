@@ -13,47 +13,10 @@
 #include <vector>
 
 #include "KeyPool.h"
+#include "SolitaryNodes.h"
+#include "TrieNodes.h"
 
 namespace Dictionary {
-
-// How a key goes on behind a prefix that it has.
-struct Step {
-    std::int32_t label;  // the code behind the prefix, if there is one
-    std::uint32_t left;  // codes behind the prefix
-
-    bool isLast() const { return left == 1; }
-};
-
-// A node that at least one key passes: keys first to last - 1 (ranks) go on beyond it.
-struct TrieNode {
-    std::uint32_t first;
-    std::uint32_t last;
-    std::uint32_t depth;  // position of the node's last code in its keys
-    std::uint32_t maker;  // the smallest number among the keys that have the node's prefix
-    Step firstStep;       // of the first of those keys, behind the node
-
-    std::uint32_t passing() const { return last - first; }
-};
-
-// A node that exactly one key passes.
-struct SolitaryNode {
-    std::uint32_t number;  // the key's
-    std::uint32_t left;    // codes of it behind the node
-    std::size_t nextCode;  // where they begin in the pool of keys
-
-    bool isLast() const { return left == 1; }
-};
-
-// A child of a node: ranks begin to end - 1 have its prefix, of which those before `first` end
-// there.
-struct TrieChild {
-    std::int32_t label;
-    std::uint32_t begin;
-    std::uint32_t first;
-    std::uint32_t end;
-
-    bool isLeaf() const { return first == end; }
-};
 
 // Placement takes nodes by passing keys falling, then depth rising, then maker rising. A node that
 // several keys pass is kept as a record. The nodes that one key passes, nearly all of them, follow
@@ -71,22 +34,15 @@ public:
     // The nodes that at least two keys pass, in placement order.
     const std::vector<TrieNode>& sharedNodes() const { return m_shared; }
 
-    // Turns from the shared nodes, which go with all that belongs to them, to the solitary ones.
-    void beginSolitaryNodes();
-    // Goes from the solitary nodes of one depth, in placement order, to those of the next depth
-    // that has any. The first are behind none. False when there are no more.
-    bool nextSolitaryNodes(std::vector<SolitaryNode>& nodes);
-    Step stepBehind(const SolitaryNode& node) const {
-        return {m_keys.codeAt(node.nextCode), node.left};
-    }
+    // The nodes that one key passes. The shared ones go, with all that belongs to them.
+    SolitaryNodes takeSolitaryNodes();
 
-    // Asks for the memory that childrenOf or stepBehind will need. Nodes that are placed one after
-    // the other lie far apart, so their cache misses are better taken together.
+    // Asks for the memory that childrenOf will need. Nodes that are placed one after the other lie
+    // far apart, so their cache misses are better taken together.
     void prefetch(const TrieNode& node) const {
         __builtin_prefetch(&m_branches[node.first]);
         if (!m_inOrder) __builtin_prefetch(&m_order[node.first]);
     }
-    void prefetch(const SolitaryNode& node) const { m_keys.prefetchCode(node.nextCode); }
 
     // Fills `children` with the children of a node, by label.
     void childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const;
@@ -111,22 +67,12 @@ private:
 
         std::uint32_t length() const { return shared + step.left; }
     };
-    // Where the solitary nodes of a key begin.
-    struct SolitaryRun {
-        std::uint32_t number;
-        std::uint32_t depth;
-        std::uint32_t maker;  // of the run's first node; the others were made by the key itself
-    };
-
-    static constexpr std::uint32_t kNoNumber = static_cast<std::uint32_t>(-1);
-
     KeyCodes codesAt(std::uint32_t rank) const { return m_keys[keyAt(rank)]; }
     void sortKeys();
     bool findBranches();
     void findSharedNodes();
     void addSharedNodes(const TrieNode& interval, std::uint32_t prefix, std::uint32_t parentPrefix);
-    void addSolitaryRun(std::uint32_t rank);
-    void addRunsBefore(std::uint32_t number, std::vector<SolitaryNode>& nodes);
+    void addSolitaryRun(std::uint32_t rank, std::vector<SolitaryRun>& runs) const;
     template <class Item>
     void sortByDepthAndMaker(std::vector<Item>& items, std::vector<Item>& scratch) const;
     std::uint32_t sharedWithNext(std::uint32_t rank) const;
@@ -140,10 +86,6 @@ private:
     std::vector<std::uint32_t> m_order;  // key numbers by rank if they were not
     std::vector<Branch> m_branches;      // by rank
     std::vector<TrieNode> m_shared;
-    std::vector<SolitaryRun> m_runs;  // by depth, then maker
-    std::size_t m_runsBegun = 0;
-    std::uint32_t m_solitaryDepth = 0;  // of the solitary nodes gone to last
-    std::vector<SolitaryNode> m_above;  // scratch of nextSolitaryNodes
     std::uint64_t m_totalPassing = 0;
     std::uint64_t m_leafCount = 0;
 };

@@ -10,7 +10,6 @@ namespace Dictionary {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::int32_t kFirstBeyondBmp = 0x10000;
 constexpr std::size_t kNone = std::string_view::npos;
 
 }  // namespace
@@ -57,7 +56,7 @@ void SourceCheck::examineKey(std::string_view key) {
     decodeUtf8(key.data(), key.size(),
                [&](std::int32_t code, std::size_t start, std::uint32_t length) {
                    legal = start + length;
-                   if (code >= kFirstBeyondBmp && beyond == kNone) beyond = start;
+                   if (code >= kBmpEnd && beyond == kNone) beyond = start;
                });
     if (beyond != kNone) add(DICTIONARY_PROBLEM_BEYOND_BMP, beyond);
     if (legal < key.size()) add(DICTIONARY_PROBLEM_BAD_UTF8, legal);

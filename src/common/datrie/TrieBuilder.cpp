@@ -14,8 +14,6 @@ std::string_view recordText(std::string_view feature) {
     return feature.substr(0, feature.find('\0'));
 }
 
-constexpr std::size_t kLengthBytes = sizeof(std::int32_t);
-
 // How many nodes before a node is placed the memory is asked for that it needs, and the memory to
 // which this points.
 constexpr std::size_t kFarAhead = 16;
@@ -57,7 +55,7 @@ void TrieBuilder::storeFeatures() {
     const std::vector<std::uint32_t> order = m_strings.sorted();
     std::size_t bytes = 0;
     for (const std::uint32_t string : order)
-        bytes += kLengthBytes + recordText(m_strings[string]).size();
+        bytes += kRecordLengthBytes + recordText(m_strings[string]).size();
     m_featuresFit = bytes <= static_cast<std::size_t>(kMaxImageBytes);
     if (!m_featuresFit) return;
 
@@ -66,11 +64,11 @@ void TrieBuilder::storeFeatures() {
     char* end = area.get();
     for (const std::uint32_t string : order) {
         const std::string_view text = recordText(m_strings[string]);
-        const auto length = static_cast<std::int32_t>(text.size());
+        const auto length = static_cast<RecordLength>(text.size());
         m_recordOffsets[string] = static_cast<std::int32_t>(end - area.get());
-        std::memcpy(end, &length, kLengthBytes);
-        std::memcpy(end + kLengthBytes, text.data(), text.size());
-        end += kLengthBytes + text.size();
+        std::memcpy(end, &length, kRecordLengthBytes);
+        std::memcpy(end + kRecordLengthBytes, text.data(), text.size());
+        end += kRecordLengthBytes + text.size();
     }
     const int size = static_cast<int>(bytes);
     m_featureArea.reset(true, area.release(), size, size);
@@ -98,7 +96,6 @@ Placement TrieBuilder::place(PlacementListener& listener) {
 bool TrieBuilder::placeAll(PlacementListener& listener) {
     if (!placeRoot() || !placeAllShared(listener)) return false;
     m_cells.endWideSearches();
-    m_trie->beginSolitaryNodes();
     if (!placeAllSolitary(listener)) return false;
     // Leaves got all there is to them with their parents; they only count.
     for (std::uint64_t leaf = 0; leaf < m_trie->leafCount(); ++leaf) count(0, listener);
@@ -123,17 +120,18 @@ bool TrieBuilder::placeAllShared(PlacementListener& listener) {
 }
 
 bool TrieBuilder::placeAllSolitary(PlacementListener& listener) {
-    std::vector<SolitaryNode> nodes;
-    while (m_trie->nextSolitaryNodes(nodes)) {
+    SolitaryNodes solitary = m_trie->takeSolitaryNodes();
+    while (solitary.goDeeper()) {
+        const std::vector<SolitaryNode>& nodes = solitary.nodes();
         for (std::size_t i = 0; i < nodes.size(); ++i) {
             if (i + kFarAhead < nodes.size()) {
                 const SolitaryNode& far = nodes[i + kFarAhead];
-                m_trie->prefetch(far);
+                solitary.prefetch(far);
                 __builtin_prefetch(&m_cellOfKey[far.number]);
                 m_cells.prefetch(m_cellOfKey[nodes[i + kNearAhead].number]);
             }
             count(1, listener);
-            if (!placeSolitary(nodes[i].number, m_trie->stepBehind(nodes[i]))) return false;
+            if (!placeSolitary(nodes[i].number, solitary.stepBehind(nodes[i]))) return false;
         }
     }
     return true;
@@ -168,8 +166,8 @@ bool TrieBuilder::placeShared(const TrieNode& node) {
         const std::int64_t index = base + child.label;
         m_cells.takeChild(index, parent);
         markEnd(index, child);
-        if (!child.isLeaf())
-            m_cellOfKey[m_trie->keyAt(child.first)] = static_cast<std::int32_t>(index);
+        if (child.isLeaf()) continue;
+        m_cellOfKey[m_trie->keyAt(child.first)] = static_cast<std::int32_t>(index);
     }
     return true;
 }

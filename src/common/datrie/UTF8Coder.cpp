@@ -12,8 +12,6 @@ namespace Dictionary {
 
 namespace {
 
-constexpr int kAlphabetSize = 0x10000;
-
 const std::uint8_t* bytesOf(const char* text) {
     return reinterpret_cast<const std::uint8_t*>(text);
 }
@@ -63,7 +61,7 @@ int CUTF8Coder::encodeString(const char* text, std::vector<int>& codes,
     EncodedBlock block(codes, positions);
     int allInAlphabet = 1;
     decodeUtf8(text, size, [&](std::int32_t code, std::size_t start, std::uint32_t bytes) {
-        if (code >= kAlphabetSize) allInAlphabet = 0;
+        if (code >= kBmpEnd) allInAlphabet = 0;
         const int first = static_cast<int>(start);
         block.add(code, {first, first + static_cast<int>(bytes) - 1, 0});
     });
@@ -89,7 +87,7 @@ bool CUTF8Coder::isInMyCode(const char* text) {
 }
 
 int CUTF8Coder::getNumOfSingleWord() {
-    return kAlphabetSize;
+    return kBmpEnd;
 }
 
 }  // namespace Dictionary

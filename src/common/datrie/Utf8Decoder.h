@@ -9,6 +9,9 @@
 
 namespace Dictionary {
 
+// Keys are made of the characters of the Basic Multilingual Plane, which end here.
+constexpr std::int32_t kBmpEnd = 0x10000;
+
 // The bytes of `text` to encode when `length` are asked for; 0, a negative and a too great length
 // ask for all.
 inline std::size_t encodedSize(const char* text, int length) {
