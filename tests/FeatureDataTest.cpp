@@ -29,6 +29,12 @@ TEST(FeatureData, RecordsFollowEachOtherAndTheAreaDoubles) {
     }
     EXPECT_EQ(std::string(area.data(), static_cast<std::size_t>(area.size())), bytes);
     EXPECT_EQ(read(area, -1), "before");
+    for (const char* text : {"", "x"}) {
+        CFeatureData data;
+        data.text = text;
+        data.length = static_cast<int>(data.text.size());
+        EXPECT_EQ(read(area, area.write(data)), text);
+    }
 }
 
 }  // namespace

@@ -88,6 +88,7 @@ TEST(UnicodeConversion, JudgesUtf8LikeASlowReader) {
         ASSERT_EQ(convert(ConvertUTF8toUTF32, bytes, 1), expected);
     };
     for (int count = 1; count <= 4; ++count) forEachBoundaryText("", count, check);
+    for (int byte = 0; byte < 256; ++byte) check({static_cast<char>(byte)});
     for (const char* text : {"\xFB\x80\x80\x80\x80", "\xFC\x80\x80\x80\x80"}) check(text);
     const auto* const unreadable = reinterpret_cast<const uint8_t*>(placeAtPageEnd(""));
     EXPECT_EQ(isLegalUTF8Sequence(unreadable, unreadable), 0);
