@@ -184,9 +184,8 @@ bool CheckedBuild::dataFits() const {
     constexpr auto kRoom = static_cast<std::uint64_t>(kMaxImageBytes);
     if (m_sourceBytes + m_report.records <= kRoom) return true;
     bool fits = true;
-    std::string joined;
     m_table->forEachKey([&](std::uint32_t key) {
-        if (m_table->data(key, joined).size() > kRoom) fits = false;
+        if (m_table->data(key).size() > kRoom) fits = false;
     });
     return fits;
 }

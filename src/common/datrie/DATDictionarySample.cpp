@@ -49,8 +49,7 @@ const char* read(CRecordReader& source, SourceTable& table) {
 // Says what each record made of its key's data.
 void describe(const SourceTable& table, MessageBlock& messages) {
     for (std::uint32_t record = 0; record < table.recordCount(); ++record) {
-        table.forEachPieceUpTo(record, [&](std::string_view piece) { messages << piece; });
-        messages << "\n";
+        messages << table.data(record) << "\n";
     }
 }
 

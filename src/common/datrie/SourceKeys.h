@@ -19,10 +19,9 @@ void addKeysOf(const SourceTable& table, ICoderInterface& coder, TrieBuilder& bu
                Refused refused) {
     builder.reserve(table.keyCount(), table.keyBytes());
     std::string key;
-    std::string joined;
     table.forEachKey([&](std::uint32_t record) {
         key = table.trieKey(record);
-        if (!builder.addKey(coder, key.c_str(), false, table.data(record, joined))) refused(key);
+        if (!builder.addKey(coder, key.c_str(), false, table.data(record))) refused(key);
     });
 }
 

@@ -1,9 +1,7 @@
 #include "SourceTable.h"
 
 #include <algorithm>
-#include <numeric>
-
-#include "StringSort.h"
+#include <limits>
 
 namespace Dictionary {
 
@@ -26,36 +24,36 @@ void SourceTable::arrange() {
     const std::vector<LedString> order =
         sortedStrings(recordCount(), [this](std::uint32_t record) { return key(record); });
     m_keys.reserve(order.size());
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        const std::uint32_t record = order[i].number;
-        if (i > 0 && order[i].lead == order[i - 1].lead &&
-            key(record) == key(order[i - 1].number)) {
-            link(order[i - 1].number, record);
-        } else {
-            m_keys.push_back(record);
+    const LedString* const last = order.data() + order.size();
+    for (const LedString *first = order.data(), *end; first != last; first = end) {
+        end = first + 1;
+        while (end != last && end->lead == first->lead && key(end->number) == key(first->number)) {
+            ++end;
         }
+        if (end - first > 1) join(first, end);
+        m_keys.push_back((end - 1)->number);
     }
 }
 
-void SourceTable::link(std::uint32_t record, std::uint32_t next) {
-    if (m_first.empty()) {
-        m_first.resize(recordCount());
-        std::iota(m_first.begin(), m_first.end(), std::uint32_t{0});
-        m_next = m_first;
+// Puts the data of a key's records, in source order, one behind the other, and shows each record as
+// much of it as ends with its own.
+void SourceTable::join(const LedString* first, const LedString* end) {
+    const std::string_view key = this->key(first->number);
+    std::size_t size = key.size();
+    for (const LedString* i = first; i != end; ++i) size += data(i->number).size() + 1;
+    char* const text = m_arena.allocate(size);
+    char* const joined = std::copy(key.begin(), key.end(), text);
+    char* out = joined;
+    for (const LedString* i = first; i != end; ++i) {
+        if (i != first) *out++ = ';';
+        const std::string_view own = data(i->number);
+        out = std::copy(own.begin(), own.end(), out);
+        // No image has room for more anyway.
+        constexpr std::size_t kMost = std::numeric_limits<std::uint32_t>::max();
+        const std::size_t shown = std::min(static_cast<std::size_t>(out - joined), kMost);
+        m_records[i->number] = {text, static_cast<std::uint32_t>(key.size()),
+                                static_cast<std::uint32_t>(shown)};
     }
-    m_next[record] = next;
-    m_first[next] = m_first[record];
-}
-
-std::string_view SourceTable::data(std::uint32_t key, std::string& scratch) const {
-    if (m_next.empty() || m_next[key] == key) return ownData(key);
-    scratch.clear();
-    std::uint32_t record = key;
-    for (; m_next[record] != record; record = m_next[record]) {
-        scratch += ownData(record);
-        scratch += kJoint;
-    }
-    return scratch += ownData(record);
 }
 
 }  // namespace Dictionary

@@ -5,17 +5,16 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
+#include "StringSort.h"
 #include "StringTable.h"
 
 namespace Dictionary {
 
 // First all records are added, then they are arranged once, then asked for. Records are numbered
-// from 0 in source order; a key goes by the number of its first record. The data of a key's
-// records are joined in source order with ";", which costs no copy of what is there already.
+// from 0 in source order; a key goes by the number of its last record, which has all its data.
 class SourceTable {
 public:
     // Adds a record: its key, and its data fields, each of which is followed by a tab in the data.
@@ -55,23 +54,13 @@ public:
         return text == "\\n" ? "\n" : text;
     }
 
-    // Calls `piece(text)` for the pieces of the data that a record's key has once the record is
-    // read, in order, separators included.
-    template <class Piece>
-    void forEachPieceUpTo(std::uint32_t record, Piece piece) const {
-        for (std::uint32_t i = firstOf(record); i != record; i = m_next[i]) {
-            piece(ownData(i));
-            piece(kJoint);
-        }
-        piece(ownData(record));
+    // The data that a record's key has once the record is read: that of all its records up to
+    // there, joined with ";". Lasts as long as the table.
+    std::string_view data(std::uint32_t record) const {
+        return {m_records[record].text + m_records[record].keySize, m_records[record].dataSize};
     }
 
-    // All data of a key in one piece, which lasts as long as the table or until `scratch` changes.
-    std::string_view data(std::uint32_t key, std::string& scratch) const;
-
 private:
-    static constexpr std::string_view kJoint = ";";
-
     // Key and data stand one behind the other.
     struct Record {
         const char* text;
@@ -79,22 +68,12 @@ private:
         std::uint32_t dataSize;
     };
 
-    std::string_view ownData(std::uint32_t record) const {
-        return {m_records[record].text + m_records[record].keySize, m_records[record].dataSize};
-    }
-    std::uint32_t firstOf(std::uint32_t record) const {
-        return m_first.empty() ? record : m_first[record];
-    }
-    void link(std::uint32_t record, std::uint32_t next);
+    void join(const LedString* first, const LedString* end);
 
     ByteArena m_arena;
     std::vector<Record> m_records;
     std::size_t m_keyBytes = 0;  // of all records together
     std::vector<std::uint32_t> m_keys;
-    // By record, when a key has more than one: its key's first record, and the next one of its key,
-    // itself for the last.
-    std::vector<std::uint32_t> m_first;
-    std::vector<std::uint32_t> m_next;
 };
 
 }  // namespace Dictionary
