@@ -7,6 +7,7 @@
 #include <random>
 #include <tuple>
 
+#include "CellArray.h"
 #include "DATWriter.h"
 #include "FirstFit.h"
 #include "ImageFormat.h"
@@ -218,6 +219,25 @@ TEST(Placement, GivesUpBeforeCellsWouldWrap) {
         testing::internal::CaptureStdout();
         EXPECT_FALSE(writer.buildDAT());
         EXPECT_EQ(std::to_string(placed) + "wrong !!!!!\n", testing::internal::GetCapturedStdout());
+    }
+}
+
+TEST(Placement, GivesOutCellsBelowTheLimitOnly) {
+    // The leading child of two, a cell that is taken, and where the last child comes to lie.
+    const std::array<int, 3> rows[] = {{1, 0, 7}, {3, 0, 7}, {1, 7, 8}};
+    for (const auto& [leading, taken, last] : rows) {
+        for (const int limit : {last, last + 1}) {
+            Dictionary::CellArray cells(4);
+            cells.limitTo(limit);
+            cells.takeChild(taken, 1);
+            EXPECT_EQ(cells.findBase(leading, {1, 3}), limit > last ? last - 3 : -1) << leading;
+            if (limit == last) continue;
+            cells.takeChild(last, 1);
+            // What counts cells stops where an image would not hold them.
+            for (const int count : {limit, limit + 1, limit + 1}) {
+                EXPECT_EQ(cells.countOneMore(), count);
+            }
+        }
     }
 }
 

@@ -239,6 +239,11 @@ class Dictool(unittest.TestCase):
         self.assertEqual(rows, [["1", "ab"], ["2", "bc"], ["3", "abc"], ["3", "bc"], ["4", "ab"],
                                 ["5", "bc"]])
 
+    def test_files_may_have_the_number_of_standard_input(self):
+        done = subprocess.run(["sh", "-c", 'exec "$0" verify words.bin <&-', DICTOOL], cwd=HERE,
+                              stdout=subprocess.PIPE, check=False)
+        self.assertEqual((done.returncode, done.stdout), (0, b"words.bin: ok\n"))
+
     def test_long_lines(self):
         line = b"abc" * 500000
         for options in (["-j1"], ["-j8"], ["--line-buffered"]):

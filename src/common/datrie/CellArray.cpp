@@ -40,7 +40,7 @@ void CellArray::reserve(std::int64_t size) {
 }
 
 std::int64_t CellArray::firstFreeFrom(std::int64_t index) {
-    while (index < stored() && !isFree(index)) ++index;
+    while (index < storedCells() && !isFree(index)) ++index;
     reserve(index + 1);
     return index;
 }
@@ -48,11 +48,11 @@ std::int64_t CellArray::firstFreeFrom(std::int64_t index) {
 Cell& CellArray::use(std::int64_t index) {
     reserve(index + 1);
     m_highest = std::max(m_highest, index);
-    while (index >= stored()) {
+    while (index >= storedCells()) {
         m_blocks.push_back(std::unique_ptr<Cell[]>(new Cell[kBlockCells]));
         std::fill_n(m_blocks.back().get(), kBlockCells, kFreeCell);
     }
-    return stored(index);
+    return storedCell(index);
 }
 
 bool CellArray::takeRoot(std::int32_t code) {

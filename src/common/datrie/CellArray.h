@@ -29,10 +29,12 @@ public:
     bool isFree(std::int64_t index) const { return cellAt(index).check == kFreeCheck; }
 
     // The cell as it stands; a free one beyond the capacity.
-    Cell cellAt(std::int64_t index) const { return index < stored() ? stored(index) : kFreeCell; }
+    Cell cellAt(std::int64_t index) const {
+        return index < storedCells() ? storedCell(index) : kFreeCell;
+    }
 
     void prefetch(std::int64_t index) const {
-        if (index < stored()) __builtin_prefetch(&stored(index), 1);
+        if (index < storedCells()) __builtin_prefetch(&storedCell(index), 1);
     }
 
     // Raises the capacity by doublings to at least `size` cells.
@@ -72,8 +74,10 @@ private:
     // Storage comes in blocks, which neither move nor ask for much memory in one piece.
     static constexpr std::int64_t kBlockCells = 4096;
 
-    std::int64_t stored() const { return static_cast<std::int64_t>(m_blocks.size()) * kBlockCells; }
-    Cell& stored(std::int64_t index) const {
+    std::int64_t storedCells() const {
+        return static_cast<std::int64_t>(m_blocks.size()) * kBlockCells;
+    }
+    Cell& storedCell(std::int64_t index) const {
         const auto position = static_cast<std::uint64_t>(index);
         return m_blocks[position / kBlockCells][position % kBlockCells];
     }
