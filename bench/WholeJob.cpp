@@ -1,6 +1,7 @@
 // One engine's whole build job, from source file to image file, as a process of its own.
 //
 //   whole_job ENGINE SOURCE IMAGE           builds, prints the process's peak memory in KiB
+//   whole_job --in-memory ENGINE SOURCE     the same from keys in memory to an image in memory
 //   whole_job --check ENGINE SOURCE IMAGE   checks every key of a built image
 
 #include <fstream>
@@ -21,18 +22,33 @@ std::string peakKibibytes() {
     return word;
 }
 
+template <class Engine>
+void buildInMemory(const std::string& name) {
+    Bench::Source source(Bench::readFile(name));
+    const Engine engine(source.takeEntries());
+}
+
+template <class Engine>
+void checkImage(const std::string& name, const std::string& image) {
+    Bench::checkKeys(Engine(image), Bench::Source(Bench::readFile(name)).entries());
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::vector<std::string> words(argv + 1, argv + argc);
+    std::vector<std::string> words(argv + 1, argv + argc);
+    const bool inMemory = !words.empty() && words[0] == "--in-memory";
     const bool check = !words.empty() && words[0] == "--check";
-    if (words.size() != (check ? 4u : 3u)) Bench::fail("usage: [--check] ENGINE SOURCE IMAGE");
-    const std::string* const names = &words[check ? 1 : 0];
+    if (inMemory || check) words.erase(words.begin());
+    if (words.size() != (inMemory ? 2u : 3u)) {
+        Bench::fail("usage: whole_job [--in-memory | --check] ENGINE SOURCE [IMAGE]");
+    }
     Bench::forEachEngine([&](auto type) {
         using Engine = typename decltype(type)::type;
-        if (names[0] != Engine::kName) return;
-        if (!check) return Engine::buildFile(names[1], names[2]);
-        Bench::checkKeys(Engine(names[2]), Bench::Source(Bench::readFile(names[1])).entries());
+        if (words[0] != Engine::kName) return;
+        if (inMemory) return buildInMemory<Engine>(words[1]);
+        if (check) return checkImage<Engine>(words[1], words[2]);
+        Engine::buildFile(words[1], words[2]);
     });
     std::cout << peakKibibytes() << "\n";
 }
