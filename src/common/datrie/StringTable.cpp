@@ -18,8 +18,6 @@ constexpr std::size_t kFullOf = 4;
 }  // namespace
 
 char* ByteArena::allocate(std::size_t bytes) {
-    constexpr std::size_t kAlignment = alignof(void*);
-    bytes = (bytes + kAlignment - 1) / kAlignment * kAlignment;
     if (m_free == nullptr || bytes > m_left) {
         m_left = std::max(bytes, kBlockBytes);
         m_blocks.push_back(std::unique_ptr<char[]>(new char[m_left]));

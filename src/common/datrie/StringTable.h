@@ -14,7 +14,7 @@ namespace Dictionary {
 // Bytes that stay where they are until the arena goes.
 class ByteArena {
 public:
-    // Room for `bytes` bytes at an address that suits pointers.
+    // Room for `bytes` bytes, at any address.
     char* allocate(std::size_t bytes);
     std::string_view keep(std::string_view text);
 
