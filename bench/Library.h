@@ -75,24 +75,24 @@ public:
 
     // Builds in memory; search needs a file.
     explicit Library(const std::vector<Entry>& entries) : m_own(built(entries)) {
-        m_image = m_own.get();
+        attach(m_own.get());
     }
 
     explicit Library(const std::string& file)
         : m_file(std::in_place, file), m_handle(loadBin(file.c_str()), destroyBin) {
-        m_image = m_file->data();
+        attach(m_file->data());
     }
 
     void exact(const std::string& key, std::string& text) const {
-        reader().exactMatch(key.c_str(), text);
+        m_reader->exactMatch(key.c_str(), text);
     }
 
     void everyMatch(const std::string& text, Matches& matches) const {
-        reader().allMatch(text.c_str(), matches, false, -1);
+        m_reader->allMatch(text.c_str(), matches, false, -1);
     }
 
     void longestMatch(const std::string& text, Matches& matches) const {
-        reader().maxMatch(text.c_str(), matches);
+        m_reader->maxMatch(text.c_str(), matches);
     }
 
     Result search(const std::string& text, bool withFeatures) const {
@@ -120,13 +120,17 @@ private:
         return std::unique_ptr<char[]>(writer.write());
     }
 
-    Dictionary::CDATReader reader() const { return {&m_coder, m_image, false}; }
+    void attach(char* image) {
+        m_image = image;
+        m_reader.emplace(&m_coder, image, false);
+    }
 
     std::unique_ptr<char[]> m_own;  // null when the image is a file's
     std::optional<Mapping> m_file;
     Handle m_handle{nullptr, destroyBin};
     char* m_image = nullptr;
-    mutable Dictionary::CUTF8Coder m_coder;
+    Dictionary::CUTF8Coder m_coder;
+    mutable std::optional<Dictionary::CDATReader> m_reader;
 };
 
 }  // namespace Bench

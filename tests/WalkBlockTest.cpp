@@ -11,6 +11,7 @@
 #include "DATWriter.h"
 #include "LetterCoder.h"
 #include "TextSearch.h"
+#include "Walk.h"
 #include "WalkStep.h"
 
 namespace {
@@ -20,29 +21,30 @@ using Dictionary::TextSearch;
 
 using Found = std::vector<std::tuple<std::size_t, std::size_t, std::int32_t>>;
 
-Found oneByOne(const TextSearch& search, const EncodedText& text, std::int32_t alphabet,
+Found oneByOne(const Dictionary::CellView& cells, const EncodedText& text, std::int32_t alphabet,
                bool longest) {
     Found found;
     for (std::size_t from = 0; from < text.size(); ++from) {
         if (text.codes()[from] >= alphabet) continue;
         const std::size_t before = found.size();
-        search.walk(from, alphabet, [&](std::size_t to, std::int32_t feature) {
+        const auto add = [&](std::size_t end, std::int32_t feature) {
             if (longest) found.resize(before);
-            found.emplace_back(from, to, feature);
-        });
+            found.emplace_back(from, end, feature);
+        };
+        Dictionary::walkFrom(cells, text, from, alphabet, add);
     }
     return found;
 }
 
 Found together(const TextSearch& search, std::int32_t alphabet, bool longest) {
     Found found;
-    const auto add = [&](std::size_t from, std::size_t to, std::int32_t feature) {
-        found.emplace_back(from, to, feature);
+    const auto add = [&](std::size_t from, std::size_t end, std::int32_t feature) {
+        found.emplace_back(from, end, feature);
     };
     if (longest) {
         search.forEachLongestKey(alphabet, add);
     } else {
-        search.forEachKey(alphabet, false, add);
+        search.forEachKey(alphabet, add);
     }
     return found;
 }
@@ -80,8 +82,7 @@ TEST(WalkBlock, FindsWhatWalksOneByOneFind) {
             // The smaller alphabet leaves out letters that keys have.
             for (const std::int32_t alphabet : {64, 3}) {
                 for (const bool longest : {false, true}) {
-                    const Found expected =
-                        oneByOne({view.cells(), codes}, codes, alphabet, longest);
+                    const Found expected = oneByOne(view.cells(), codes, alphabet, longest);
                     for (const auto& kernel : Dictionary::walkStepKernels()) {
                         EXPECT_EQ(together({view.cells(), codes, kernel.step}, alphabet, longest),
                                   expected)

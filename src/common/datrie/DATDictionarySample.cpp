@@ -150,15 +150,15 @@ char* CDictionayApp::searchText(const char* text, bool withFeatures) const {
     const ImageView image(m_image);
     const EncodedText encoded(*m_coder, text, -1, false);
     const TextSearch search(image.cells(), encoded);
-    search.forEachLongestKey(
-        m_coder->getNumOfSingleWord(), [&](std::size_t from, std::size_t to, std::int32_t feature) {
-            const SPOS span = encoded.span(from, to, feature);
-            const auto position = static_cast<std::size_t>(span.start);
-            const auto length = static_cast<std::size_t>(span.end + 1 - span.start);
-            const std::string_view data =
-                withFeatures ? image.featureText(feature) : std::string_view();
-            list.add({text + position, length}, position, data);
-        });
+    search.forEachLongestKey(m_coder->getNumOfSingleWord(), [&](std::size_t from, std::size_t end,
+                                                                std::int32_t feature) {
+        const SPOS span = encoded.span(from, end, feature);
+        const auto position = static_cast<std::size_t>(span.start);
+        const auto length = static_cast<std::size_t>(span.end + 1 - span.start);
+        const std::string_view data =
+            withFeatures ? image.featureText(feature) : std::string_view();
+        list.add({text + position, length}, position, data);
+    });
     return list.release();
 }
 

@@ -12,6 +12,8 @@
 #include "ImageHandle.h"
 #include "TextSearch.h"
 #include "UTF8Coder.h"
+#include "Utf8Text.h"
+#include "Walk.h"
 
 namespace Dictionary {
 
@@ -49,16 +51,16 @@ class Ruler {
 public:
     Ruler(const EncodedText& text, int unit) : m_text(text), m_unit(unit) {}
 
-    DictionaryMatch measure(std::size_t from, std::size_t to) {
-        if (m_unit == DICTIONARY_UNIT_BYTE) return measureBytes(from, to);
+    DictionaryMatch measure(std::size_t from, std::size_t end) {
+        if (m_unit == DICTIONARY_UNIT_BYTE) return measureBytes(from, end);
         const std::size_t wide = m_unit == DICTIONARY_UNIT_UTF16 ? wideBefore(from) : 0;
         // No character of a key is wide.
-        return {from + wide, to + 1 - from, nullptr, 0};
+        return {from + wide, end - from, nullptr, 0};
     }
 
 private:
-    DictionaryMatch measureBytes(std::size_t from, std::size_t to) const {
-        const SPOS span = m_text.span(from, to, kNoFeature);
+    DictionaryMatch measureBytes(std::size_t from, std::size_t end) const {
+        const SPOS span = m_text.span(from, end, kNoFeature);
         const auto start = static_cast<std::size_t>(span.start);
         return {start, static_cast<std::size_t>(span.end) + 1 - start, nullptr, 0};
     }
@@ -67,7 +69,7 @@ private:
     std::size_t wideBefore(std::size_t character) {
         constexpr std::int32_t kLastByteOfWide = 3;
         for (; m_passed < character; ++m_passed) {
-            const SPOS span = m_text.span(m_passed, m_passed, kNoFeature);
+            const SPOS span = m_text.span(m_passed, m_passed + 1, kNoFeature);
             if (span.end - span.start == kLastByteOfWide) ++m_wide;
         }
         return m_wide;
@@ -92,32 +94,29 @@ public:
 
     void find(int mode, int unit, const EncodedText& text, MatchList& matches) const {
         Ruler ruler(text, unit);
-        const auto found = [&](std::size_t from, std::size_t to, std::int32_t feature) {
-            DictionaryMatch match = ruler.measure(from, to);
+        const auto found = [&](std::size_t from, std::size_t end, std::int32_t feature) {
+            DictionaryMatch match = ruler.measure(from, end);
             setData(match, m_image.featureText(feature));
             matches.add(match);
         };
         const TextSearch search(m_image.cells(), text);
         switch (mode) {
             case DICTIONARY_FIND_ALL:
-                return search.forEachKey(m_alphabetSize, false, found);
+                return search.forEachKey(m_alphabetSize, found);
             case DICTIONARY_FIND_SEGMENT:
-                return search.segment(found);
+                return segment(m_image.cells(), text, found);
             default:
                 return search.forEachLongestKey(m_alphabetSize, found);
         }
     }
 
     // Whether the whole text is a key, whose data `match` gets.
-    bool lookup(const EncodedText& text, DictionaryMatch& match) const {
-        if (text.size() == 0) return false;
+    bool lookup(const Utf8Text& text, DictionaryMatch& match) const {
         bool isKey = false;
-        const auto found = [&](std::size_t to, std::int32_t feature) {
-            if (to + 1 != text.size()) return;
+        lookUp(m_image.cells(), text, m_alphabetSize, [&](std::int32_t feature) {
             isKey = true;
             setData(match, m_image.featureText(feature));
-        };
-        TextSearch(m_image.cells(), text).walk(0, m_alphabetSize, found);
+        });
         return isKey;
     }
 
@@ -196,15 +195,8 @@ void dictionaryReleaseMatches(DictionaryMatches* matches) {
 bool dictionaryLookup(const void* handle, const char* key, size_t size, const char** data,
                       size_t* dataLength) {
     DictionaryMatch match = {0, 0, nullptr, 0};
-    bool isKey = false;
     const void* const image = ImageHandle::imageOf(handle);
-    if (image != nullptr && size <= kMaxTextBytes) {
-        try {
-            isKey = Finder(image).lookup({key, size, EncodedText::kPassOver}, match);
-        } catch (const std::bad_alloc&) {
-            // A key that cannot be encoded is not found.
-        }
-    }
+    const bool isKey = image != nullptr && Finder(image).lookup({key, size}, match);
     if (data != nullptr) *data = match.data;
     if (dataLength != nullptr) *dataLength = match.dataLength;
     return isKey;

@@ -78,7 +78,7 @@ DICTIONARY_EXPORT bool dictionaryFindInEach(const void* handle, int mode, int un
 DICTIONARY_EXPORT void dictionaryReleaseMatches(DictionaryMatches* matches);
 
 /* Whether the `size` bytes at `key` are a key, the whole of it; `data` and `dataLength` get its
- * data text as in a match, or null and 0. A key that memory is too short for is none. */
+ * data text as in a match, or null and 0. */
 DICTIONARY_EXPORT bool dictionaryLookup(const void* handle, const char* key, size_t size,
                                         const char** data, size_t* dataLength);
 

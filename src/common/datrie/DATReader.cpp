@@ -10,6 +10,8 @@
 #include "ImageFormat.h"
 #include "TextSearch.h"
 #include "Utf8Decoder.h"
+#include "Utf8Text.h"
+#include "Walk.h"
 
 namespace Dictionary {
 
@@ -38,29 +40,35 @@ CDATReader::~CDATReader() = default;
 void CDATReader::exactMatch(const char* key, std::string& featureText) {
     featureText.clear();
     if (key == nullptr || m_coder == nullptr || m_image == nullptr) return;
-    const EncodedText text(*m_coder, key, -1, m_reverse);
-    if (text.size() == 0 || text.codes()[0] >= m_coder->getNumOfSingleWord()) return;
-
-    const std::size_t last = text.size() - 1;
-    // Kept: the key must span the whole text from its first byte to its last, which a reversed
-    // span of more than one byte never does.
-    const SPOS span = text.span(0, last, 0);
-    if (span.start != 0 || static_cast<std::size_t>(span.end) + 1 != std::strlen(key)) return;
-    const TextSearch search(CellView(m_image, m_cellBytes), text);
-    search.walk(0, TextSearch::kNoAlphabet, [&](std::size_t to, std::int32_t feature) {
-        if (to == last) featureText = featureTextAt(m_features.data(), feature);
+    readOnce(*m_coder, key, -1, m_reverse, [&](const auto& text) {
+        // Kept: the key must span the whole text from its first byte to its last, which a reversed
+        // span of more than one byte never does.
+        if (!text.spans(key)) return;
+        lookUp(CellView(m_image, m_cellBytes), text, m_coder->getNumOfSingleWord(),
+               [&](std::int32_t feature) {
+                   featureText += featureTextAt(m_features.data(), feature);
+               });
     });
 }
 
 void CDATReader::allMatch(const char* text, std::vector<SPOS>& matches, bool fromFirstOnly,
                           int length) {
     if (text == nullptr || m_coder == nullptr || m_image == nullptr) return;
-    const EncodedText encoded(*m_coder, text, length, m_reverse);
-    const TextSearch search(CellView(m_image, m_cellBytes), encoded);
-    search.forEachKey(m_coder->getNumOfSingleWord(), fromFirstOnly,
-                      [&](std::size_t from, std::size_t to, std::int32_t feature) {
-                          matches.push_back(encoded.span(from, to, feature));
-                      });
+    const CellView cells(m_image, m_cellBytes);
+    const std::int32_t alphabet = m_coder->getNumOfSingleWord();
+    const auto foundIn = [&](const auto& read) {
+        return [&](std::size_t from, std::size_t end, std::int32_t feature) {
+            matches.push_back(read.span(from, end, feature));
+        };
+    };
+    if (fromFirstOnly) {
+        readOnce(*m_coder, text, length, m_reverse, [&](const auto& read) {
+            forEachKeyAtFirst(cells, read, alphabet, foundIn(read));
+        });
+    } else {
+        const EncodedText encoded(*m_coder, text, length, m_reverse);
+        TextSearch(cells, encoded).forEachKey(alphabet, foundIn(encoded));
+    }
     if (m_reverse) reverseVec(matches);
 }
 
@@ -85,10 +93,11 @@ void CDATReader::allMatch(const char* text,
 
 void CDATReader::maxMatch(const char* text, std::vector<SPOS>& matches) {
     if (text == nullptr || m_coder == nullptr || m_image == nullptr) return;
-    const EncodedText encoded(*m_coder, text, -1, m_reverse);
-    const TextSearch search(CellView(m_image, m_cellBytes), encoded);
-    search.segment([&](std::size_t from, std::size_t to, std::int32_t feature) {
-        matches.push_back(encoded.span(from, to, feature));
+    readOnce(*m_coder, text, -1, m_reverse, [&](const auto& read) {
+        segment(CellView(m_image, m_cellBytes), read,
+                [&](std::size_t from, std::size_t end, std::int32_t feature) {
+                    matches.push_back(read.span(from, end, feature));
+                });
     });
     if (m_reverse) reverseVec(matches);
 }

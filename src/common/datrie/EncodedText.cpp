@@ -1,7 +1,7 @@
 #include "EncodedText.h"
 
+#include <algorithm>
 #include <cstring>
-#include <typeinfo>
 #include <vector>
 
 #include "Utf8Decoder.h"
@@ -18,8 +18,7 @@ bool mayStandInKeys(std::int32_t code) {
 }  // namespace
 
 EncodedText::EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse) {
-    // The UTF-8 coder itself, but none derived from it, is known to give what the decoder gives.
-    if (!reverse && typeid(coder) == typeid(CUTF8Coder)) {
+    if (!reverse && isPlainUtf8(coder)) {
         const std::size_t bytes = encodedSize(text, length);
         encodeUtf8(bytes, [&](auto emit) { decodeUtf8(text, bytes, emit); });
     } else {
@@ -49,9 +48,9 @@ std::int32_t* EncodedText::roomFor(std::size_t integers) {
 
 template <class Decode>
 void EncodedText::encodeUtf8(std::size_t bytes, Decode decode) {
-    m_codes = roomFor(2 * bytes + 2);
+    m_codes = roomFor(2 * bytes + kEnds + 1);
     // Each character begins where the one before it ends.
-    m_starts = m_codes + bytes + 1;
+    m_starts = m_codes + bytes + kEnds;
     m_ends = m_starts + 1;
     m_starts[0] = 0;
     std::int32_t* code = m_codes;
@@ -60,8 +59,8 @@ void EncodedText::encodeUtf8(std::size_t bytes, Decode decode) {
         *code++ = value;
         *end++ = static_cast<std::int32_t>(start + size);
     });
-    *code = kEnd;
     m_size = static_cast<std::size_t>(code - m_codes);
+    std::fill_n(code, kEnds, kEnd);
 }
 
 void EncodedText::encodeBy(ICoderInterface& coder, const char* text, int length, bool reverse) {
@@ -69,9 +68,9 @@ void EncodedText::encodeBy(ICoderInterface& coder, const char* text, int length,
     std::vector<SPOS> positions;
     coder.encodeString(text, codes, positions, length);
     m_size = codes.size();
-    m_codes = roomFor(3 * m_size + 1);
-    m_codes[m_size] = kEnd;
-    m_starts = m_codes + m_size + 1;
+    m_codes = roomFor(3 * m_size + kEnds);
+    std::fill_n(m_codes + m_size, kEnds, kEnd);
+    m_starts = m_codes + m_size + kEnds;
     m_ends = m_starts + m_size;
     for (std::size_t i = 0; i < m_size; ++i) {
         const std::size_t source = reverse ? m_size - 1 - i : i;

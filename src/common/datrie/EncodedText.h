@@ -5,12 +5,20 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <memory>
+#include <typeinfo>
 
 #include "UTF8Coder.h"
 
 namespace Dictionary {
+
+// Whether what `coder` gives is what the decoder gives. That is known of the UTF-8 coder itself,
+// but of none derived from it.
+inline bool isPlainUtf8(const ICoderInterface& coder) {
+    return typeid(coder) == typeid(CUTF8Coder);
+}
 
 // Characters are numbered from 0 in walking order, which is text order, or from the last character
 // to the first when reversed. Short texts take no memory from the heap.
@@ -32,18 +40,31 @@ public:
 
     std::size_t size() const { return m_size; }
 
-    // The codes and, behind the last one, kEnd, which is below every alphabet and leads nowhere.
+    // The codes and, behind the last one, kEnd twice. It is below every alphabet and leads nowhere;
+    // only in a damaged image it may lead to the header, and then the second leads nowhere.
     const std::int32_t* codes() const { return m_codes; }
     static constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::min();
     static constexpr std::int32_t kOutsider = kEnd;
 
-    // The bytes of characters `from` to `to`. A reversed character begins at its last byte and
-    // ends at its first, so that a reversed span runs from its end to its start.
-    SPOS span(std::size_t from, std::size_t to, std::int32_t feature) const {
-        return {m_starts[from], m_ends[to] - 1, feature};
+    // Whether the first character begins with the first byte of `text`, which was encoded, and the
+    // last one ends with its last.
+    bool spans(const char* text) const {
+        return m_size > 0 && m_starts[0] == 0 &&
+               static_cast<std::size_t>(m_ends[m_size - 1]) == std::strlen(text);
+    }
+
+    // The code of character `place`, which moves behind it.
+    std::int32_t next(std::size_t& place) const { return m_codes[place++]; }
+
+    // The bytes of the characters from `from` up to, but without, `end`. A reversed character
+    // begins at its last byte and ends at its first, so that a reversed span runs from its end to
+    // its start.
+    SPOS span(std::size_t from, std::size_t end, std::int32_t feature) const {
+        return {m_starts[from], m_ends[end - 1] - 1, feature};
     }
 
 private:
+    static constexpr std::size_t kEnds = 2;
     static constexpr std::size_t kInlineCharacters = 128;
 
     template <class Decode>

@@ -38,8 +38,11 @@ inline Cell imageCell(Cell cell) {
     return cell;
 }
 
+inline bool endsKey(std::int32_t base) {
+    return base < 0;
+}
 inline bool endsKey(const Cell& cell) {
-    return cell.base < 0;
+    return endsKey(cell.base);
 }
 
 // The cell of the child with label `code`, if there is one. In 64 bits, so that nothing wraps.
@@ -90,24 +93,26 @@ public:
     // Cells below it may be reached as children.
     std::uint32_t childLimit() const { return static_cast<std::uint32_t>(m_childLimit); }
 
-    bool holds(std::int64_t index) const { return unsignedOf(index) < unsignedOf(m_firstLimit); }
+    // Whether the code of a text's first character is also the number of a cell, which is the cell
+    // that the character leads to.
+    bool holds(std::int32_t code) const {
+        return static_cast<std::uint32_t>(code) < static_cast<std::uint32_t>(m_firstLimit);
+    }
 
-    // The one transition rule: moves `cell` and `index` to the child with label `code` and
-    // returns true, or returns false when the cell has none.
+    // The one transition rule: moves `cell` to its child with label `code` and returns true, or
+    // returns false when it has none.
     // Kept: a child counts as inside when its check word begins no later than the cell array ends,
     // so one word past an array that is no whole number of cells is still read.
-    bool descend(Cell& cell, std::int64_t& index, std::int32_t code) const {
-        const std::int64_t child = childIndex(cell, code);
-        if (unsignedOf(child) >= unsignedOf(m_childLimit)) return false;
-        const Cell next = (*this)[child];
-        if (next.check != index) return false;
-        cell = next;
-        index = child;
+    bool descend(std::uint32_t& cell, std::int32_t code) const {
+        const std::uint32_t child = childCell(baseOf(cell), code);
+        if (child >= childLimit() || checkOf(child) != static_cast<std::int32_t>(cell))
+            return false;
+        cell = child;
         return true;
     }
 
 private:
-    static constexpr std::int64_t kCheckOffset = offsetof(Cell, check);
+    static constexpr std::int32_t kCheckOffset = offsetof(Cell, check);
 
     std::int32_t word(std::uint32_t index, std::size_t offset) const {
         std::int32_t word;
@@ -115,13 +120,9 @@ private:
         return word;
     }
 
-    static std::uint64_t unsignedOf(std::int64_t value) {
-        return static_cast<std::uint64_t>(value);
-    }
-
     const char* m_image;
-    std::int64_t m_firstLimit;  // cells that lie in the array whole
-    std::int64_t m_childLimit;  // cells that a transition may reach
+    std::int32_t m_firstLimit;  // cells that lie in the array whole
+    std::int32_t m_childLimit;  // cells that a transition may reach
 };
 
 inline Cell headerOf(const void* image) {

@@ -1,27 +1,103 @@
-// Helper, not installed: one walk through the cells of an image.
+// Helper, not installed: single walks through the cells of an image.
+//
+// They read any text with numbered places: `text.next(place)` returns the code of the character at
+// `place` and moves the place behind it. Place 0 is where the text begins, and `text.size()` is
+// where it ends: there stands a code that is below every alphabet and leads nowhere.
 
 #ifndef DICTIONARY_WALK_H
 #define DICTIONARY_WALK_H
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "ImageFormat.h"
 
 namespace Dictionary {
 
-// Follows `codes` from the cell with number `index` as far as the trie goes, and calls
-// `found(passed, index, cell)` for every cell on the way that ends a key, the first one included:
-// `passed` counts the codes followed up to there. Behind the text stands a code that leads nowhere.
+constexpr std::int64_t kNoAlphabet = std::numeric_limits<std::int64_t>::max();
+
+// Follows the text at `place` from `cell` as far as the trie goes, and calls `found(end, cell)` for
+// every cell on the way that ends a key, the first one included; the key's characters end at `end`.
 // Kept: a code at or beyond `alphabet` ends the walk before the key in front of it is reported.
-template <class Found>
-void walkOn(const CellView& cells, std::int64_t index, const std::int32_t* codes,
+template <class Text, class Found>
+void walkOn(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
             std::int64_t alphabet, Found found) {
-    Cell cell = cells[index];
-    for (std::size_t passed = 0; codes[passed] < alphabet; ++passed) {
-        if (endsKey(cell)) found(passed, index, cell);
-        if (!cells.descend(cell, index, codes[passed])) return;
+    for (;;) {
+        const std::size_t end = place;
+        const std::int32_t code = text.next(place);
+        if (code >= alphabet) return;
+        if (endsKey(cells.baseOf(cell))) found(end, cell);
+        if (!cells.descend(cell, code)) return;
     }
+}
+
+// Calls `found(end, feature)` for every key that begins at `place`, shortest first.
+template <class Text, class Found>
+void walkFrom(const CellView& cells, const Text& text, std::size_t place, std::int64_t alphabet,
+              Found found) {
+    const std::int32_t code = text.next(place);
+    if (!cells.holds(code)) return;
+    walkOn(cells, static_cast<std::uint32_t>(code), text, place, alphabet,
+           [&](std::size_t end, std::uint32_t cell) { found(end, cells.featureOf(cell)); });
+}
+
+struct LongestKey {
+    bool found;
+    std::size_t end;  // behind the first character when none was found
+    std::int32_t feature;
+};
+
+// The longest key that begins at `place`, where the text must not end.
+template <class Text>
+LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t place,
+                       std::int64_t alphabet) {
+    const std::int32_t code = text.next(place);
+    LongestKey longest = {false, place, kNoFeature};
+    if (!cells.holds(code)) return longest;
+    walkOn(cells, static_cast<std::uint32_t>(code), text, place, alphabet,
+           [&](std::size_t end, std::uint32_t cell) {
+               longest = {true, end, cells.featureOf(cell)};
+           });
+    return longest;
+}
+
+// Calls `found(from, end, feature)` for the longest key at the first character that begins one,
+// then at the first after that key, and so on.
+// Kept: the codes are not tested against the alphabet.
+template <class Text, class Found>
+void segment(const CellView& cells, const Text& text, Found found) {
+    for (std::size_t from = 0; from < text.size();) {
+        const LongestKey longest = longestFrom(cells, text, from, kNoAlphabet);
+        if (longest.found) found(from, longest.end, longest.feature);
+        from = longest.end;
+    }
+}
+
+// Calls `found(from, end, feature)` for every key that begins at the first character of the
+// alphabet, shortest first.
+template <class Text, class Found>
+void forEachKeyAtFirst(const CellView& cells, const Text& text, std::int64_t alphabet,
+                       Found found) {
+    for (std::size_t from = 0, next = 0; from < text.size(); from = next) {
+        if (text.next(next) >= alphabet) continue;
+        return walkFrom(cells, text, from, alphabet,
+                        [&](std::size_t end, std::int32_t feature) { found(from, end, feature); });
+    }
+}
+
+// Calls `found(feature)` if the whole text is a key whose first character is of the alphabet. On
+// the way no jump depends on what the cells hold, so that one lookup need not wait for another.
+template <class Text, class Found>
+void lookUp(const CellView& cells, const Text& text, std::int64_t alphabet, Found found) {
+    std::size_t place = 0;
+    const std::int32_t first = text.next(place);
+    if (first >= alphabet || !cells.holds(first)) return;
+    auto cell = static_cast<std::uint32_t>(first);
+    while (place < text.size()) {
+        if (!cells.descend(cell, text.next(place))) return;
+    }
+    if (endsKey(cells.baseOf(cell))) found(cells.featureOf(cell));
 }
 
 }  // namespace Dictionary

@@ -4,6 +4,17 @@
 
 namespace Dictionary {
 
+namespace {
+
+// What a walk reads behind some character.
+struct Codes {
+    const std::int32_t* codes;
+
+    std::int32_t next(std::size_t& place) const { return codes[place++]; }
+};
+
+}  // namespace
+
 bool WalkBlock::walk(const std::int32_t* codes, std::uint32_t count) {
     Walks walks = begin(codes, count);
     Walks ends = {0, m_keyStarts, m_keyCells};
@@ -35,13 +46,12 @@ bool WalkBlock::finish(const std::int32_t* codes, std::uint32_t length, const Wa
     bool complete = true;
     for (std::uint32_t i = 0; i < walks.count; ++i) {
         const std::uint32_t start = walks.starts[i];
-        walkOn(m_cells, walks.cells[i], codes + start + length, m_alphabet,
-               [&](std::size_t passed, std::int64_t index, const Cell&) {
-                   const std::size_t whole = length + passed;
+        walkOn(m_cells, walks.cells[i], Codes{codes + start}, length, m_alphabet,
+               [&](std::size_t whole, std::uint32_t cell) {
                    const bool fits = whole <= kMaxLength && ends.count < kMaxKeys;
                    complete &= fits;
                    ends.addIf(fits, start | static_cast<std::uint32_t>(whole) << kLengthShift,
-                              static_cast<std::uint32_t>(index));
+                              cell);
                });
     }
     return complete;

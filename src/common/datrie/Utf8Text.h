@@ -1,0 +1,60 @@
+// Helper, not installed: UTF-8 that is decoded while a walk reads it.
+
+#ifndef DICTIONARY_UTF8_TEXT_H
+#define DICTIONARY_UTF8_TEXT_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "EncodedText.h"
+#include "Utf8Decoder.h"
+
+namespace Dictionary {
+
+// A text for lookups that read most of its characters once, or few of them; its places are byte
+// offsets. As with the UTF-8 coder it ends at the first sequence that is illegal or cut off. Views
+// the bytes, which must outlive it.
+class Utf8Text {
+public:
+    Utf8Text(const char* text, std::size_t size)
+        : m_bytes(reinterpret_cast<const std::uint8_t*>(text)), m_size(size) {}
+
+    std::size_t size() const { return m_size; }
+
+    // All that is decoded of it does, or ends with a code that leads nowhere.
+    bool spans(const char*) const { return true; }
+
+    // The code at byte `place`, which moves behind it; at the end, EncodedText::kEnd.
+    std::int32_t next(std::size_t& place) const {
+        if (place == m_size) return EncodedText::kEnd;
+        if (m_bytes[place] < 0x80) return m_bytes[place++];
+        const Utf8Character character = decodeMultiByte(m_bytes + place, m_size - place);
+        if (character.length == 0) {
+            place = m_size;
+            return EncodedText::kEnd;
+        }
+        place += character.length;
+        return character.code;
+    }
+
+    // The bytes from `from` up to, but without, `end`.
+    SPOS span(std::size_t from, std::size_t end, std::int32_t feature) const {
+        return {static_cast<std::int32_t>(from), static_cast<std::int32_t>(end) - 1, feature};
+    }
+
+private:
+    const std::uint8_t* m_bytes;
+    std::size_t m_size;
+};
+
+// Calls `use(text)` with the first `length` bytes of `text`, as ICoderInterface::encodeString
+// counts them, in the form that a lookup reads best which does not walk from every character.
+template <class Use>
+void readOnce(ICoderInterface& coder, const char* text, int length, bool reverse, const Use& use) {
+    if (!reverse && isPlainUtf8(coder)) return use(Utf8Text(text, encodedSize(text, length)));
+    use(EncodedText(coder, text, length, reverse));
+}
+
+}  // namespace Dictionary
+
+#endif
