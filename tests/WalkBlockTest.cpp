@@ -83,13 +83,13 @@ TEST(WalkBlock, FindsWhatWalksOneByOneFind) {
             for (const std::int32_t alphabet : {64, 3}) {
                 for (const bool longest : {false, true}) {
                     const Found expected = oneByOne(view.cells(), codes, alphabet, longest);
-                    for (const auto& kernel : Dictionary::walkStepKernels()) {
-                        EXPECT_EQ(together({view.cells(), codes, kernel.step}, alphabet, longest),
+                    for (const auto& steps : Dictionary::walkSteps()) {
+                        EXPECT_EQ(together({view.cells(), codes, steps}, alphabet, longest),
                                   expected)
-                            << kernel.name << ", round " << round << ", " << size << " letters";
+                            << steps.name << ", round " << round << ", " << size << " letters";
                         if (round % 10 == 0 || size != 17u) continue;
                         // Few and short keys have room: nobody needs to walk one by one.
-                        Dictionary::WalkBlock block(view.cells(), alphabet, kernel.step);
+                        Dictionary::WalkBlock block(view.cells(), alphabet, steps);
                         EXPECT_TRUE(block.walk(codes.codes(), 17));
                     }
                 }

@@ -90,14 +90,14 @@ public:
     }
 
     const char* bytes() const { return m_image; }
+    // Cells below it may be where a text's first character leads.
+    std::uint32_t firstLimit() const { return static_cast<std::uint32_t>(m_firstLimit); }
     // Cells below it may be reached as children.
     std::uint32_t childLimit() const { return static_cast<std::uint32_t>(m_childLimit); }
 
     // Whether the code of a text's first character is also the number of a cell, which is the cell
     // that the character leads to.
-    bool holds(std::int32_t code) const {
-        return static_cast<std::uint32_t>(code) < static_cast<std::uint32_t>(m_firstLimit);
-    }
+    bool holds(std::int32_t code) const { return static_cast<std::uint32_t>(code) < firstLimit(); }
 
     // The one transition rule: moves `cell` to its child with label `code` and returns true, or
     // returns false when it has none.

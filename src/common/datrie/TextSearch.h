@@ -20,8 +20,9 @@ namespace Dictionary {
 // `end`, and by the byte offset of their feature record.
 class TextSearch {
 public:
-    TextSearch(const CellView& cells, const EncodedText& text, WalkStep step = fastestWalkStep())
-        : m_cells(cells), m_text(text), m_step(step) {}
+    TextSearch(const CellView& cells, const EncodedText& text,
+               const WalkSteps& steps = fastestWalkSteps())
+        : m_cells(cells), m_text(text), m_steps(steps) {}
 
     // Calls `found(from, end, feature)` for every key that begins at a character of the alphabet,
     // by `from`, then by `end`.
@@ -52,7 +53,7 @@ private:
     // `searchFrom(from)` is called for each character of a block whose keys are too many for that.
     template <class Tell, class Found, class SearchFrom>
     void forEachBlock(std::int32_t alphabet, Tell tell, Found found, SearchFrom searchFrom) const {
-        WalkBlock block(m_cells, alphabet, m_step);
+        WalkBlock block(m_cells, alphabet, m_steps);
         for (std::size_t first = 0; first < m_text.size(); first += WalkBlock::kMaxWalks) {
             const std::size_t count =
                 std::min<std::size_t>(WalkBlock::kMaxWalks, m_text.size() - first);
@@ -72,7 +73,7 @@ private:
 
     CellView m_cells;
     const EncodedText& m_text;
-    WalkStep m_step;
+    const WalkSteps& m_steps;
 };
 
 }  // namespace Dictionary

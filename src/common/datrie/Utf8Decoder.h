@@ -30,6 +30,19 @@ inline bool isContinuation(std::uint8_t byte) {
     return (byte & 0xC0u) == 0x80u;
 }
 
+// Bytes in a register, the first one lowest.
+inline bool isThreeByteForm(std::uint32_t bytes) {
+    return (bytes & 0xC0C0F0u) == 0x8080E0u;
+}
+inline std::uint32_t threeByteCode(std::uint32_t bytes) {
+    return (bytes & 0x0Fu) << 12 | (bytes >> 2 & 0xFC0u) | (bytes >> 16 & 0x3Fu);
+}
+inline bool mayTakeThreeBytes(std::uint32_t code) {
+    const bool overlong = code < 0x800;
+    const bool surrogate = code - 0xD800u < 0x800u;
+    return !overlong && !surrogate;
+}
+
 // Decodes one character of at least two bytes, of which `left` bytes are there.
 inline Utf8Character decodeMultiByte(const std::uint8_t* text, std::size_t left) {
     constexpr Utf8Character kIllegal = {0, 0};
@@ -41,11 +54,11 @@ inline Utf8Character decodeMultiByte(const std::uint8_t* text, std::size_t left)
         return {static_cast<std::int32_t>((lead & 0x1Fu) << 6 | bits(1)), 2};
     }
     if (lead < 0xF0) {
-        if (left < 3 || !isContinuation(text[1]) || !isContinuation(text[2])) return kIllegal;
-        const std::uint32_t code = (lead & 0x0Fu) << 12 | bits(1) << 6 | bits(2);
-        const bool overlong = code < 0x800;
-        const bool surrogate = code - 0xD800u < 0x800u;
-        if (overlong || surrogate) return kIllegal;
+        if (left < 3) return kIllegal;
+        const std::uint32_t bytes =
+            lead | std::uint32_t{text[1]} << 8 | std::uint32_t{text[2]} << 16;
+        const std::uint32_t code = threeByteCode(bytes);
+        if (!isThreeByteForm(bytes) || !mayTakeThreeBytes(code)) return kIllegal;
         return {static_cast<std::int32_t>(code), 3};
     }
     if (left < 4 || !isContinuation(text[1]) || !isContinuation(text[2]) ||
@@ -56,6 +69,20 @@ inline Utf8Character decodeMultiByte(const std::uint8_t* text, std::size_t left)
     const bool inRange = code - 0x10000u < 0x100000u;
     if (lead > 0xF4 || !inRange) return kIllegal;
     return {static_cast<std::int32_t>(code), 4};
+}
+
+// Decodes characters of three bytes, of which most texts consist that are not ASCII, as long as
+// nothing else comes: calls `emit` for each and returns where the next character starts.
+template <class Emit>
+std::size_t decodeThreeByteRun(const std::uint8_t* text, std::size_t start, std::size_t size,
+                               Emit emit) {
+    for (std::uint32_t bytes; size - start >= sizeof bytes; start += 3) {
+        std::memcpy(&bytes, text + start, sizeof bytes);
+        const std::uint32_t code = threeByteCode(bytes);
+        if (!isThreeByteForm(bytes) || !mayTakeThreeBytes(code)) break;
+        emit(static_cast<std::int32_t>(code), start, 3u);
+    }
+    return start;
 }
 
 constexpr std::size_t kAsciiRun = 8;
@@ -79,6 +106,7 @@ std::size_t decodeUtf8(const char* text, std::size_t size, Emit emit) {
                 emit(std::int32_t{bytes[start]}, start, 1u);
             }
         }
+        start = decodeThreeByteRun(bytes, start, size, emit);
         if (start == size) return size;
         if (bytes[start] < 0x80) {
             emit(std::int32_t{bytes[start]}, start, 1u);

@@ -16,28 +16,22 @@ struct Codes {
 }  // namespace
 
 bool WalkBlock::walk(const std::int32_t* codes, std::uint32_t count) {
-    Walks walks = begin(codes, count);
+    m_count = count;
+    Walks walks = {0, m_walkStarts, m_walkCells};
     Walks ends = {0, m_keyStarts, m_keyCells};
+    const auto at = [&](std::uint32_t length) {
+        return StepGround{m_cells, codes + length, m_alphabet, length << kLengthShift};
+    };
     std::uint32_t length = 1;
+    m_steps.first(at(length++), count, walks, ends);
     for (; walks.count > kFewWalks; ++length) {
         if (length > kMaxLength) return false;
-        m_step(m_cells, codes + length, m_alphabet, length << kLengthShift, walks, ends);
+        m_steps.next(at(length), walks, ends);
         if (ends.count > kMaxKeys) return false;
     }
     const bool complete = finish(codes, length, walks, ends);
     m_keyCount = ends.count;
     return complete;
-}
-
-Walks WalkBlock::begin(const std::int32_t* codes, std::uint32_t count) {
-    m_count = count;
-    Walks walks = {0, m_walkStarts, m_walkCells};
-    for (std::uint32_t start = 0; start < count; ++start) {
-        const std::int32_t code = codes[start];
-        walks.addIf(code < m_alphabet && m_cells.holds(code), start,
-                    static_cast<std::uint32_t>(code));
-    }
-    return walks;
 }
 
 // Goes on with the walks one by one, which have `length` characters behind them.

@@ -28,8 +28,8 @@ class WalkBlock {
 public:
     static constexpr std::uint32_t kMaxWalks = 256;
 
-    WalkBlock(const CellView& cells, std::int32_t alphabet, WalkStep step)
-        : m_cells(cells), m_alphabet(alphabet), m_step(step) {}
+    WalkBlock(const CellView& cells, std::int32_t alphabet, const WalkSteps& steps)
+        : m_cells(cells), m_alphabet(alphabet), m_steps(steps) {}
 
     // Walks from each of the `count` characters at `codes` whose code is below the alphabet, as far
     // as the trie goes; behind the text stands a code that leads nowhere. False when there are more
@@ -52,7 +52,6 @@ private:
     static constexpr unsigned kLengthShift = 16;
     static constexpr std::uint32_t kMaxLength = 0xFFFF;
 
-    Walks begin(const std::int32_t* codes, std::uint32_t count);
     bool finish(const std::int32_t* codes, std::uint32_t length, const Walks& walks, Walks& ends);
 
     BlockKey key(std::uint32_t number) const {
@@ -63,7 +62,7 @@ private:
 
     const CellView m_cells;
     const std::int32_t m_alphabet;
-    const WalkStep m_step;
+    const WalkSteps& m_steps;
     std::uint32_t m_count = 0;  // of characters
     std::uint32_t m_keyCount = 0;
     std::uint32_t m_walkStarts[kMaxWalks + kWalkStepSlack];

@@ -6,21 +6,33 @@ namespace Dictionary {
 
 namespace {
 
-void stepBaseline(const CellView& cells, const std::int32_t* codes, std::int32_t alphabet,
-                  std::uint32_t mark, Walks& walks, Walks& ends) {
+void advance(const StepGround& ground, std::uint32_t start, std::uint32_t cell, Walks& walks,
+             Walks& ends) {
+    const CellView& cells = ground.cells;
+    const std::int32_t code = ground.codes[start];
+    const std::int32_t base = cells.baseOf(cell);
+    const bool goesOn = code < ground.alphabet;
+    const std::uint32_t child = childCell(base, code);
+    const bool inside = child < cells.childLimit();
+    const std::int32_t check = cells.checkOf(inside ? child : 0);
+    ends.addIf(goesOn & endsKey(base), start + ground.mark, cell);
+    walks.addIf(goesOn & inside & (check == static_cast<std::int32_t>(cell)), start, child);
+}
+
+void firstBaseline(const StepGround& ground, std::uint32_t count, Walks& walks, Walks& ends) {
+    const std::int32_t* const codes = ground.codes - 1;
+    for (std::uint32_t start = 0; start < count; ++start) {
+        const std::int32_t code = codes[start];
+        if (code >= ground.alphabet || !ground.cells.holds(code)) continue;
+        advance(ground, start, static_cast<std::uint32_t>(code), walks, ends);
+    }
+}
+
+void nextBaseline(const StepGround& ground, Walks& walks, Walks& ends) {
     const std::uint32_t count = walks.count;
     walks.count = 0;
     for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint32_t start = walks.starts[i];
-        const std::uint32_t cell = walks.cells[i];
-        const std::int32_t code = codes[start];
-        const std::int32_t base = cells.baseOf(cell);
-        const bool goesOn = code < alphabet;
-        const std::uint32_t child = childCell(base, code);
-        const bool inside = child < cells.childLimit();
-        const std::int32_t check = cells.checkOf(inside ? child : 0);
-        ends.addIf(goesOn & (base < 0), start + mark, cell);
-        walks.addIf(goesOn & inside & (check == static_cast<std::int32_t>(cell)), start, child);
+        advance(ground, walks.starts[i], walks.cells[i], walks, ends);
     }
 }
 
@@ -42,43 +54,69 @@ static_assert(kLanes <= kWalkStepSlack, "whole registers are written");
 }
 
 // The same for sixteen walks at a time, whose cells are loaded together.
-[[gnu::target("avx512f,popcnt")]] void stepAvx512(const CellView& cells, const std::int32_t* codes,
-                                                  std::int32_t alphabet, std::uint32_t mark,
-                                                  Walks& walks, Walks& ends) {
-    const char* const bases = cells.bytes() + offsetof(Cell, base);
-    const char* const checks = cells.bytes() + offsetof(Cell, check);
+[[gnu::target("avx512f,popcnt")]] inline void advance(const StepGround& ground, __mmask16 there,
+                                                      __m512i start, __m512i cell, __m512i code,
+                                                      Walks& walks, Walks& ends) {
+    const char* const bases = ground.cells.bytes() + offsetof(Cell, base);
+    const char* const checks = ground.cells.bytes() + offsetof(Cell, check);
     const __m512i zero = _mm512_setzero_si512();
-    const __m512i childLimit = _mm512_set1_epi32(static_cast<int>(cells.childLimit()));
-    const __m512i marks = _mm512_set1_epi32(static_cast<int>(mark));
-    const __m512i codeLimit = _mm512_set1_epi32(alphabet);
+    const __m512i childLimit = _mm512_set1_epi32(static_cast<int>(ground.cells.childLimit()));
+    const __m512i marks = _mm512_set1_epi32(static_cast<int>(ground.mark));
+    const __m512i alphabet = _mm512_set1_epi32(ground.alphabet);
 
-    const std::uint32_t count = walks.count;
-    walks.count = 0;
+    const __m512i base = _mm512_mask_i32gather_epi32(zero, there, wordOf(cell), bases, kWordBytes);
+    const __m512i child = _mm512_add_epi32(_mm512_maskz_abs_epi32(there, base), code);
+    const __mmask16 goesOn = _mm512_mask_cmplt_epi32_mask(there, code, alphabet);
+    const __mmask16 inside = _mm512_mask_cmplt_epu32_mask(goesOn, child, childLimit);
+    const __m512i check =
+        _mm512_mask_i32gather_epi32(zero, inside, wordOf(child), checks, kWordBytes);
+    append(ends, _mm512_mask_cmplt_epi32_mask(goesOn, base, zero), _mm512_add_epi32(start, marks),
+           cell);
+    append(walks, _mm512_mask_cmpeq_epi32_mask(inside, check, cell), start, child);
+}
+
+__mmask16 firstLanes(std::uint32_t count) {
+    return static_cast<__mmask16>(count < kLanes ? (1u << count) - 1 : 0xFFFFu);
+}
+
+[[gnu::target("avx512f,popcnt")]] void firstAvx512(const StepGround& ground, std::uint32_t count,
+                                                   Walks& walks, Walks& ends) {
+    const __m512i alphabet = _mm512_set1_epi32(ground.alphabet);
+    const __m512i cellLimit = _mm512_set1_epi32(static_cast<int>(ground.cells.firstLimit()));
+    __m512i start = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
     for (std::uint32_t i = 0; i < count; i += kLanes) {
-        const std::uint32_t left = count - i;
-        const auto there = static_cast<__mmask16>(left < kLanes ? (1u << left) - 1 : 0xFFFFu);
-        const __m512i start = _mm512_maskz_loadu_epi32(there, walks.starts + i);
-        const __m512i cell = _mm512_maskz_loadu_epi32(there, walks.cells + i);
-        const __m512i code = _mm512_mask_i32gather_epi32(zero, there, start, codes, kWordBytes);
-        const __m512i base =
-            _mm512_mask_i32gather_epi32(zero, there, wordOf(cell), bases, kWordBytes);
-        const __m512i child = _mm512_add_epi32(_mm512_maskz_abs_epi32(there, base), code);
-        const __mmask16 goesOn = _mm512_mask_cmplt_epi32_mask(there, code, codeLimit);
-        const __mmask16 inside = _mm512_mask_cmplt_epu32_mask(goesOn, child, childLimit);
-        const __m512i check =
-            _mm512_mask_i32gather_epi32(zero, inside, wordOf(child), checks, kWordBytes);
-        append(ends, _mm512_mask_cmplt_epi32_mask(goesOn, base, zero),
-               _mm512_add_epi32(start, marks), cell);
-        append(walks, _mm512_mask_cmpeq_epi32_mask(inside, check, cell), start, child);
+        const __mmask16 in = firstLanes(count - i);
+        const __m512i cell = _mm512_maskz_loadu_epi32(in, ground.codes - 1 + i);
+        const __m512i code = _mm512_maskz_loadu_epi32(in, ground.codes + i);
+        const __mmask16 inAlphabet = _mm512_mask_cmplt_epi32_mask(in, cell, alphabet);
+        const __mmask16 there = _mm512_mask_cmplt_epu32_mask(inAlphabet, cell, cellLimit);
+        advance(ground, there, start, cell, code, walks, ends);
+        start = _mm512_add_epi32(start, _mm512_set1_epi32(kLanes));
     }
 }
 
-constexpr WalkStepKernel kKernels[] = {{"baseline", stepBaseline}, {"avx512", stepAvx512}};
+[[gnu::target("avx512f,popcnt")]] void nextAvx512(const StepGround& ground, Walks& walks,
+                                                  Walks& ends) {
+    const __m512i zero = _mm512_setzero_si512();
+    const std::uint32_t count = walks.count;
+    walks.count = 0;
+    for (std::uint32_t i = 0; i < count; i += kLanes) {
+        const __mmask16 there = firstLanes(count - i);
+        const __m512i start = _mm512_maskz_loadu_epi32(there, walks.starts + i);
+        const __m512i cell = _mm512_maskz_loadu_epi32(there, walks.cells + i);
+        const __m512i code =
+            _mm512_mask_i32gather_epi32(zero, there, start, ground.codes, kWordBytes);
+        advance(ground, there, start, cell, code, walks, ends);
+    }
+}
+
+constexpr WalkSteps kSteps[] = {{"baseline", firstBaseline, nextBaseline},
+                                {"avx512", firstAvx512, nextAvx512}};
 
 }  // namespace
 
-WalkStepKernels walkStepKernels() {
-    return {kKernels, __builtin_cpu_supports("avx512f") ? std::size_t{2} : std::size_t{1}};
+WalkStepsList walkSteps() {
+    return {kSteps, __builtin_cpu_supports("avx512f") ? std::size_t{2} : std::size_t{1}};
 }
 
 }  // namespace Dictionary

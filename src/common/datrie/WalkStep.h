@@ -28,32 +28,44 @@ struct Walks {
     }
 };
 
-// Takes every walk from its cell to the child with label `codes[start]`, and drops those that have
-// none. Appends to `ends` the walks whose cell before the step ends a key, in their order, with
-// `mark` added to their starts; but none whose code is not below `alphabet`: that one ends its walk
-// before the key is looked at.
-using WalkStep = void (*)(const CellView& cells, const std::int32_t* codes, std::int32_t alphabet,
-                          std::uint32_t mark, Walks& walks, Walks& ends);
-
-struct WalkStepKernel {
-    const char* name;
-    WalkStep step;
+// What a step is to know beside the walks: the walk that began at character `start` goes from its
+// cell to the child with label `codes[start]`.
+struct StepGround {
+    const CellView& cells;
+    const std::int32_t* codes;
+    std::int32_t alphabet;
+    std::uint32_t mark;
 };
 
-struct WalkStepKernels {
-    const WalkStepKernel* first;
+// A step takes every walk on, and drops those whose cell has no such child. It appends to `ends`
+// the walks whose cell before the step ends a key, in their order, with the ground's mark added to
+// their starts; but none whose code is not below the alphabet: that one ends its walk before the
+// key is looked at.
+struct WalkSteps {
+    const char* name;
+
+    // Begins a walk at each of the `count` characters from `codes[-1]` on, if its code is below the
+    // alphabet and the number of a cell, and takes their first step, which fills `walks`.
+    void (*first)(const StepGround& ground, std::uint32_t count, Walks& walks, Walks& ends);
+
+    // Takes the next step of `walks`.
+    void (*next)(const StepGround& ground, Walks& walks, Walks& ends);
+};
+
+struct WalkStepsList {
+    const WalkSteps* first;
     std::size_t count;
 
-    const WalkStepKernel* begin() const { return first; }
-    const WalkStepKernel* end() const { return first + count; }
+    const WalkSteps* begin() const { return first; }
+    const WalkSteps* end() const { return first + count; }
 };
 
 // Those that this machine can run, the fastest last. The first runs on every x86-64, and all give
 // the same walks.
-WalkStepKernels walkStepKernels();
+WalkStepsList walkSteps();
 
-inline WalkStep fastestWalkStep() {
-    static const WalkStep fastest = (walkStepKernels().end() - 1)->step;
+inline const WalkSteps& fastestWalkSteps() {
+    static const WalkSteps& fastest = *(walkSteps().end() - 1);
     return fastest;
 }
 
