@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "CellPieces.h"
 #include "ImageFormat.h"
 #include "SourceKeys.h"
 #include "StringUtil.h"
@@ -42,7 +43,7 @@ public:
     void write(const char* bytes, std::size_t size) {
         while (size > 0) {
             tell();
-            const std::size_t piece = std::min(size, kStep);
+            const std::size_t piece = std::min(size, kStep - m_done % kStep);
             m_file.write(bytes, piece);
             m_done += piece;
             bytes += piece;
@@ -65,7 +66,7 @@ private:
         m_callbacks.progress(DICTIONARY_STAGE_WRITE, m_done, m_total);
     }
 
-    static constexpr std::size_t kStep = std::size_t{1} << 20;
+    static constexpr std::size_t kStep = kPieceBytes;
 
     ImageFile& m_file;
     const BuildCallbacks& m_callbacks;

@@ -4,7 +4,6 @@
 #ifndef DICTIONARY_TRIE_BUILDER_H
 #define DICTIONARY_TRIE_BUILDER_H
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "CellArray.h"
+#include "CellPieces.h"
 #include "FeatureData.h"
 #include "KeyPool.h"
 #include "KeyTrie.h"
@@ -104,21 +104,17 @@ private:
 
 template <class Announce, class Sink>
 std::int32_t TrieBuilder::writeImage(Announce announce, Sink sink) {
-    constexpr std::int64_t kBlockCells = 2048;
     const std::int64_t count = m_cells.countOneMore();
     const std::int64_t cellBytes = count * kCellBytes;
     const auto size = static_cast<std::int32_t>(cellBytes + m_featureArea.size());
     announce(size);
-    Cell block[kBlockCells];
-    for (std::int64_t from = 0; from < count; from += kBlockCells) {
-        const std::int64_t cells = std::min(kBlockCells, count - from);
-        for (std::int64_t i = 0; i < cells; ++i) block[i] = imageCell(m_cells.cellAt(from + i));
-        if (from == 0) {
-            block[0] = headerCell(m_featureArea.size(), block[0].check,
-                                  static_cast<std::int32_t>(cellBytes));
-        }
-        sink(reinterpret_cast<const char*>(block), static_cast<std::size_t>(cells * kCellBytes));
+    CellPieces<Sink> pieces(static_cast<std::size_t>(cellBytes), sink);
+    pieces.add(headerCell(m_featureArea.size(), imageCell(m_cells.cellAt(0)).check,
+                          static_cast<std::int32_t>(cellBytes)));
+    for (std::int64_t index = 1; index < count; ++index) {
+        pieces.add(imageCell(m_cells.cellAt(index)));
     }
+    pieces.finish();
     if (m_featureArea.size() > 0) {
         sink(m_featureArea.data(), static_cast<std::size_t>(m_featureArea.size()));
     }

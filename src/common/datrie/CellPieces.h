@@ -1,0 +1,56 @@
+// Helper, not installed: hands the cells of an image out in pieces that files take best.
+
+#ifndef DICTIONARY_CELL_PIECES_H
+#define DICTIONARY_CELL_PIECES_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+
+#include "ImageFormat.h"
+
+namespace Dictionary {
+
+// A file written in pieces of a huge page's size, each at a multiple of it, may stand in the page
+// cache in huge pages: then who maps the image takes one page fault for two mebibytes of it.
+constexpr std::size_t kPieceBytes = std::size_t{2} << 20;
+
+// Calls `sink(bytes, size)` for each piece.
+template <class Sink>
+class CellPieces {
+public:
+    // For `bytes` bytes of cells.
+    CellPieces(std::size_t bytes, Sink& sink)
+        : m_size(std::min(bytes, kPieceBytes)),
+          m_bytes(new char[m_size + kCellBytes]),
+          m_sink(sink) {}
+
+    void add(const Cell& cell) {
+        std::memcpy(&m_bytes[m_used], &cell, sizeof cell);
+        m_used += sizeof cell;
+        if (m_used >= m_size) handOut(m_size);
+    }
+
+    // To be called behind the last cell.
+    void finish() {
+        if (m_used > 0) handOut(m_used);
+    }
+
+private:
+    void handOut(std::size_t size) {
+        m_sink(static_cast<const char*>(m_bytes.get()), size);
+        m_used -= size;
+        // A cell may reach into the next piece.
+        std::copy_n(&m_bytes[size], m_used, &m_bytes[0]);
+    }
+
+    const std::size_t m_size;
+    const std::unique_ptr<char[]> m_bytes;
+    std::size_t m_used = 0;
+    Sink& m_sink;
+};
+
+}  // namespace Dictionary
+
+#endif
