@@ -97,6 +97,8 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
 int CDictionayApp::writeBinaryDic(const char* fileName) {
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(fileName, "wb"));
     if (file == nullptr) return 0;
+    // A buffer would cut the pieces up.
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);
     // The image goes to the file piece by piece, so that it never stands in memory twice.
     m_writer->m_imageSize = m_writer->m_builder->writeImage(
         [](std::int32_t size) {
