@@ -68,6 +68,18 @@ public:
     int getNumOfSingleWord() override { return 64; }
 };
 
+// UTF-8 without the text's first character.
+class LateCoder : public Dictionary::CUTF8Coder {
+public:
+    int encodeString(const char* text, std::vector<int>& codes, std::vector<SPOS>& positions,
+                     int length) override {
+        const int result = CUTF8Coder::encodeString(text, codes, positions, length);
+        codes.erase(codes.begin());
+        positions.erase(positions.begin());
+        return result;
+    }
+};
+
 // The longest texts to look into; DICTIONARY_SCOPE sets another size for long runs.
 int scope() {
     const char* const given = std::getenv("DICTIONARY_SCOPE");
@@ -142,7 +154,7 @@ struct Kept {
 TEST(Lookup, KeepsItsRulesOnTheEdges) {
     Dictionary::CUTF8Coder coder;
     CDATWriter writer(&coder, false);
-    for (const char* key : {"a", "ab", "abc", "b"}) writer.addKeys(key, key);
+    for (const char* key : {"a", "ab", "abc", "b", "中"}) writer.addKeys(key, key);
     testing::internal::CaptureStdout();
     writer.buildDAT();
     testing::internal::GetCapturedStdout();
@@ -150,6 +162,7 @@ TEST(Lookup, KeepsItsRulesOnTheEdges) {
     CDATReader reader(&coder, image.get(), false);
     const Kept rows[] = {
         {"length", "abc", 2, false, {{0, 0}, {0, 1}, {1, 1}}, {{0, 2}}},
+        {"length inside a character", "中", 2, true, {}, {{0, 2}}},
         {"first only", "abc", -1, true, {{0, 0}, {0, 1}, {0, 2}}, {{0, 2}}},
         {"first only skips", "\U0001F600ab", -1, true, {{4, 4}, {4, 5}}, {{4, 5}}},
         {"first only stops", "xab", -1, true, {}, {{1, 2}}},
@@ -172,6 +185,9 @@ TEST(Lookup, KeepsItsRulesOnTheEdges) {
     }
     std::string feature = "before";
     reader.exactMatch("ab\x80", feature);
+    EXPECT_EQ("", feature);
+    LateCoder late;
+    CDATReader(&late, image.get(), false).exactMatch("xab", feature);
     EXPECT_EQ("", feature);
     std::vector<SPOS> untouched;
     reader.exactMatch(nullptr, feature);
