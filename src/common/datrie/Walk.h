@@ -86,8 +86,9 @@ void forEachKeyAtFirst(const CellView& cells, const Text& text, std::int64_t alp
     }
 }
 
-// Calls `found(feature)` if the whole text is a key whose first character is of the alphabet. On
-// the way no jump depends on what the cells hold, so that one lookup need not wait for another.
+// Calls `found(feature)` if the whole text is a key whose first character is of the alphabet. The
+// only jump on the way that depends on what a cell holds is the one out of it, so that a lookup
+// which succeeds keeps none behind it waiting.
 template <class Text, class Found>
 void lookUp(const CellView& cells, const Text& text, std::int64_t alphabet, Found found) {
     std::size_t place = 0;
