@@ -8,16 +8,24 @@
 #include <cstring>
 #include <limits>
 #include <memory>
-#include <typeinfo>
 
 #include "UTF8Coder.h"
 
 namespace Dictionary {
 
-// Whether what `coder` gives is what the decoder gives. That is known of the UTF-8 coder itself,
-// but of none derived from it.
+// The table of a coder's virtual functions, to which its first word points.
+inline const void* functionsOf(const ICoderInterface& coder) {
+    const void* functions;
+    std::memcpy(&functions, static_cast<const void*>(&coder), sizeof functions);
+    return functions;
+}
+
+// Whether the codes of `coder` are those of the decoder. That is known of the UTF-8 coder itself,
+// but not of classes derived from it. Hosts may be compiled without type information, so that
+// typeid must not be asked.
 inline bool isPlainUtf8(const ICoderInterface& coder) {
-    return typeid(coder) == typeid(CUTF8Coder);
+    const CUTF8Coder own{};
+    return functionsOf(coder) == functionsOf(own);
 }
 
 // Characters are numbered from 0 in walking order, which is text order, or from the last character
