@@ -1,0 +1,14 @@
+# Optimises a build that asks for no kind of build and for no optimisation itself. A project that
+# includes this one keeps its own flags.
+
+get_property(is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
+get_directory_property(inherited COMPILE_OPTIONS)
+if(is_multi_config OR CMAKE_BUILD_TYPE OR "${CMAKE_CXX_FLAGS};${inherited}" MATCHES "(^|[ ;])-O")
+    return()
+endif()
+
+if(PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "The kind of build" FORCE)
+else()
+    add_compile_options(-O2)
+endif()
