@@ -69,6 +69,7 @@ std::int64_t searchBaseline(const std::vector<const std::uint8_t*>& streams) {
     return search<16>(streams);
 }
 
+#ifdef __x86_64__
 [[gnu::target("avx2")]] std::int64_t searchAvx2(const std::vector<const std::uint8_t*>& streams) {
     return search<32>(streams);
 }
@@ -77,11 +78,14 @@ std::int64_t searchBaseline(const std::vector<const std::uint8_t*>& streams) {
     const std::vector<const std::uint8_t*>& streams) {
     return search<64>(streams);
 }
+#endif
 
 std::vector<FirstFitKernel> availableKernels() {
     std::vector<FirstFitKernel> kernels = {{"baseline", searchBaseline}};
+#ifdef __x86_64__
     if (__builtin_cpu_supports("avx2")) kernels.push_back({"avx2", searchAvx2});
     if (__builtin_cpu_supports("avx512f")) kernels.push_back({"avx512", searchAvx512});
+#endif
     return kernels;
 }
 

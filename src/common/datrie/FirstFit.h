@@ -22,7 +22,7 @@ struct FirstFitKernel {
     FirstFitSearch search;
 };
 
-// Those that this machine can run, the fastest last. The first runs on every x86-64.
+// Those that this machine can run, the fastest last. The first runs everywhere.
 const std::vector<FirstFitKernel>& firstFitKernels();
 
 }  // namespace Dictionary

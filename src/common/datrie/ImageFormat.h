@@ -16,6 +16,10 @@
 
 namespace Dictionary {
 
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+              "Images are little-endian and are searched where they lie, so this library needs a "
+              "little-endian machine.");
+
 struct Cell {
     std::int32_t base;     // |base| + code is the child's cell; negative where a key ends
     std::int32_t check;    // the parent's cell

@@ -1,6 +1,8 @@
 #include "WalkStep.h"
 
+#ifdef __x86_64__
 #include <immintrin.h>
+#endif
 
 namespace Dictionary {
 
@@ -35,6 +37,8 @@ void nextBaseline(const StepGround& ground, Walks& walks, Walks& ends) {
         advance(ground, walks.starts[i], walks.cells[i], walks, ends);
     }
 }
+
+#ifdef __x86_64__
 
 constexpr std::uint32_t kLanes = 16;
 constexpr int kWordBytes = sizeof(std::int32_t);
@@ -110,13 +114,26 @@ __mmask16 firstLanes(std::uint32_t count) {
     }
 }
 
-constexpr WalkSteps kSteps[] = {{"baseline", firstBaseline, nextBaseline},
-                                {"avx512", firstAvx512, nextAvx512}};
+#endif
+
+constexpr WalkSteps kSteps[] = {
+    {"baseline", firstBaseline, nextBaseline},
+#ifdef __x86_64__
+    {"avx512", firstAvx512, nextAvx512},
+#endif
+};
+
+std::size_t countHere() {
+#ifdef __x86_64__
+    if (__builtin_cpu_supports("avx512f")) return 2;
+#endif
+    return 1;
+}
 
 }  // namespace
 
 WalkStepsList walkSteps() {
-    return {kSteps, __builtin_cpu_supports("avx512f") ? std::size_t{2} : std::size_t{1}};
+    return {kSteps, countHere()};
 }
 
 }  // namespace Dictionary

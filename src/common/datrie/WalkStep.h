@@ -60,8 +60,8 @@ struct WalkStepsList {
     const WalkSteps* end() const { return first + count; }
 };
 
-// Those that this machine can run, the fastest last. The first runs on every x86-64, and all give
-// the same walks.
+// Those that this machine can run, the fastest last. The first runs everywhere, and all give the
+// same walks.
 WalkStepsList walkSteps();
 
 inline const WalkSteps& fastestWalkSteps() {
