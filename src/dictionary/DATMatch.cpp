@@ -53,9 +53,9 @@ public:
 
     DictionaryMatch measure(std::size_t from, std::size_t end) {
         if (m_unit == DICTIONARY_UNIT_BYTE) return measureBytes(from, end);
-        const std::size_t wide = m_unit == DICTIONARY_UNIT_UTF16 ? wideBefore(from) : 0;
-        // No character of a key is wide.
-        return {from + wide, end - from, nullptr, 0};
+        m_units += unitsIn(m_passed, from);
+        m_passed = from;
+        return {m_units, unitsIn(from, end), nullptr, 0};
     }
 
 private:
@@ -65,20 +65,23 @@ private:
         return {start, static_cast<std::size_t>(span.end) + 1 - start, nullptr, 0};
     }
 
-    // How many characters in front of number `character` take two units of UTF-16.
-    std::size_t wideBefore(std::size_t character) {
-        constexpr std::int32_t kLastByteOfWide = 3;
-        for (; m_passed < character; ++m_passed) {
-            const SPOS span = m_text.span(m_passed, m_passed + 1, kNoFeature);
-            if (span.end - span.start == kLastByteOfWide) ++m_wide;
+    // Of the labels from `from` up to, but without, `end`.
+    std::size_t unitsIn(std::size_t from, std::size_t end) const {
+        std::size_t units = end - from;
+        for (std::size_t i = from; i < end; ++i) {
+            if (m_unit == DICTIONARY_UNIT_UTF16) {
+                units += m_text.codes()[i] >= kBmpEnd ? 1 : 0;
+            } else {
+                units -= m_text.isInsidePair(i) ? 1 : 0;
+            }
         }
-        return m_wide;
+        return units;
     }
 
     const EncodedText& m_text;
     int m_unit;
-    std::size_t m_passed = 0;
-    std::size_t m_wide = 0;  // among those
+    std::size_t m_passed = 0;  // labels
+    std::size_t m_units = 0;   // of those
 };
 
 void setData(DictionaryMatch& match, std::string_view data) {
@@ -111,7 +114,7 @@ public:
     }
 
     // Whether the whole text is a key, whose data `match` gets.
-    bool lookup(const Utf8Text& text, DictionaryMatch& match) const {
+    bool lookup(const Utf8LabelText& text, DictionaryMatch& match) const {
         bool isKey = false;
         lookUp(m_image.cells(), text, m_alphabetSize, [&](std::int32_t feature) {
             isKey = true;

@@ -5,8 +5,8 @@
  * without an image finds nothing. Searching is free of locks and of shared state.
  *
  * Texts are UTF-8. A byte that begins no legal sequence is passed over as a character of its own
- * that no key holds; so is a NUL, and every character above U+FFFF. DICTIONARY_FIND_AS_SEARCH alone
- * differs.
+ * that no key holds; so is a NUL. A character above U+FFFF is two labels in a key, its surrogates in
+ * UTF-16; no key begins or ends between the two. DICTIONARY_FIND_AS_SEARCH alone differs.
  */
 
 #ifndef DICTIONARY_DAT_MATCH_H

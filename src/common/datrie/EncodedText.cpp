@@ -4,15 +4,12 @@
 #include <cstring>
 #include <vector>
 
-#include "Utf8Decoder.h"
-
 namespace Dictionary {
 
 namespace {
 
-// NUL ends every key, and the coder refuses keys with a character above U+FFFF.
-bool mayStandInKeys(std::int32_t code) {
-    return code > 0 && code < kBmpEnd;
+std::int32_t asItIs(std::int32_t code) {
+    return code;
 }
 
 }  // namespace
@@ -32,10 +29,20 @@ EncodedText::EncodedText(const char* text, std::size_t size, Outsiders outsiders
         encodeUtf8(bytes, [&](auto emit) { decodeUtf8(text, bytes, emit); });
         return;
     }
+    encodeLabels(text, size, asItIs);
+}
+
+// Encodes all of the text, each legal character by what `map` makes of its code.
+template <class Map>
+void EncodedText::encodeLabels(const char* text, std::size_t size, Map map) {
     encodeUtf8(size, [&](auto emit) {
-        decodeAllUtf8(text, size, kOutsider,
-                      [&](std::int32_t code, std::size_t start, std::uint32_t length) {
-                          emit(mayStandInKeys(code) ? code : kOutsider, start, length);
+        decodeAllUtf8(text, size, 0,
+                      [&](std::int32_t found, std::size_t start, std::uint32_t length) {
+                          const std::int32_t code = found == 0 ? kOutsider : map(found);
+                          if (code < kBmpEnd) return emit(code, start, length);
+                          m_hasPairs = true;
+                          emit(highSurrogateOf(code), start, length);
+                          emit(lowSurrogateOf(code), start, length);
                       });
     });
 }

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "UTF8Coder.h"
+#include "Utf8Decoder.h"
 
 namespace Dictionary {
 
@@ -35,11 +36,13 @@ public:
     // Encodes the first `length` bytes of `text` as ICoderInterface::encodeString counts them.
     EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse);
 
-    // Encodes the `size` bytes of UTF-8 at `text`, which may be any: as the UTF-8 coder does up to
-    // a NUL or an illegal byte, or all of them.
+    // Encodes the `size` bytes of UTF-8 at `text`, which may be any.
     enum Outsiders {
-        kStopAtIllegal,
-        kPassOver  // what no key holds is a character kOutsider; an illegal byte is one of its own
+        kStopAtIllegal,  // as the UTF-8 coder does, up to a NUL or an illegal byte
+        // All of them: a NUL and each illegal byte are characters kOutsider, and a character above
+        // U+FFFF is its two surrogates. The first of these has the character's bytes, the second
+        // none, so that a key which ends with both ends where the character does.
+        kPassOver
     };
     EncodedText(const char* text, std::size_t size, Outsiders outsiders);
 
@@ -61,6 +64,11 @@ public:
                static_cast<std::size_t>(m_ends[m_size - 1]) == std::strlen(text);
     }
 
+    // Whether `place` is between the surrogates of a character, where no key begins.
+    bool isInsidePair(std::size_t place) const {
+        return m_hasPairs && isLowSurrogate(m_codes[place]);
+    }
+
     // The code of character `place`, which moves behind it.
     std::int32_t next(std::size_t& place) const { return m_codes[place++]; }
 
@@ -77,9 +85,12 @@ private:
 
     template <class Decode>
     void encodeUtf8(std::size_t bytes, Decode decode);
+    template <class Map>
+    void encodeLabels(const char* text, std::size_t size, Map map);
     void encodeBy(ICoderInterface& coder, const char* text, int length, bool reverse);
     std::int32_t* roomFor(std::size_t integers);
 
+    bool m_hasPairs = false;
     std::size_t m_size = 0;
     std::int32_t* m_codes = nullptr;
     std::int32_t* m_starts = nullptr;

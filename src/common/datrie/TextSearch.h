@@ -60,12 +60,14 @@ private:
             if (block.walk(codes, static_cast<std::uint32_t>(count))) {
                 tell(block, [&](const BlockKey& key) {
                     const std::size_t from = first + key.start;
+                    if (m_text.isInsidePair(from)) return;
                     found(from, from + key.length, m_cells.featureOf(key.cell));
                 });
                 continue;
             }
             for (std::size_t i = 0; i < count; ++i) {
-                if (codes[i] < alphabet) searchFrom(first + i);
+                const bool begins = codes[i] < alphabet && !m_text.isInsidePair(first + i);
+                if (begins) searchFrom(first + i);
             }
         }
     }

@@ -12,6 +12,22 @@ namespace Dictionary {
 // Keys are made of the characters of the Basic Multilingual Plane, which end here.
 constexpr std::int32_t kBmpEnd = 0x10000;
 
+// A character above them is two labels in the keys of the modern interface: the surrogates that
+// UTF-16 writes it with.
+constexpr std::int32_t kHighSurrogates = 0xD800;
+constexpr std::int32_t kLowSurrogates = 0xDC00;
+constexpr std::int32_t kSurrogateBits = 10;
+
+inline std::int32_t highSurrogateOf(std::int32_t code) {
+    return kHighSurrogates + ((code - kBmpEnd) >> kSurrogateBits);
+}
+inline std::int32_t lowSurrogateOf(std::int32_t code) {
+    return kLowSurrogates | (code & ((1 << kSurrogateBits) - 1));
+}
+inline bool isLowSurrogate(std::int32_t code) {
+    return code >> kSurrogateBits == kLowSurrogates >> kSurrogateBits;
+}
+
 // The bytes of `text` to encode when `length` are asked for; 0, a negative and a too great length
 // ask for all.
 inline std::size_t encodedSize(const char* text, int length) {

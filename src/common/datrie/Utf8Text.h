@@ -37,14 +37,44 @@ public:
         return character.code;
     }
 
+    // No place is between two labels of one character.
+    bool isInsidePair(std::size_t) const { return false; }
+
     // The bytes from `from` up to, but without, `end`.
     SPOS span(std::size_t from, std::size_t end, std::int32_t feature) const {
         return {static_cast<std::int32_t>(from), static_cast<std::int32_t>(end) - 1, feature};
     }
 
-private:
+protected:
     const std::uint8_t* m_bytes;
     std::size_t m_size;
+};
+
+// The same with a character above U+FFFF as its two surrogates; the place between them is that of
+// the character's last byte.
+class Utf8LabelText : public Utf8Text {
+public:
+    using Utf8Text::Utf8Text;
+
+    bool isInsidePair(std::size_t place) const {
+        return place >= kLastByte && place < m_size && isContinuation(m_bytes[place]) &&
+               m_bytes[place - kLastByte] >= kFourByteLead;
+    }
+
+    std::int32_t next(std::size_t& place) const {
+        if (isInsidePair(place)) {
+            place -= kLastByte;
+            return lowSurrogateOf(Utf8Text::next(place));
+        }
+        const std::int32_t code = Utf8Text::next(place);
+        if (code < kBmpEnd) return code;
+        --place;
+        return highSurrogateOf(code);
+    }
+
+private:
+    static constexpr std::size_t kLastByte = 3;
+    static constexpr std::uint8_t kFourByteLead = 0xF0;
 };
 
 // Calls `use(text)` with the first `length` bytes of `text`, as ICoderInterface::encodeString

@@ -2,7 +2,8 @@
 //
 // They read any text with numbered places: `text.next(place)` returns the code of the character at
 // `place` and moves the place behind it. Place 0 is where the text begins, and `text.size()` is
-// where it ends: there stands a code that is below every alphabet and leads nowhere.
+// where it ends: there stands a code that is below every alphabet and leads nowhere. No walk may
+// begin where `text.isInsidePair(place)`.
 
 #ifndef DICTIONARY_WALK_H
 #define DICTIONARY_WALK_H
@@ -68,6 +69,10 @@ LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t plac
 template <class Text, class Found>
 void segment(const CellView& cells, const Text& text, Found found) {
     for (std::size_t from = 0; from < text.size();) {
+        if (text.isInsidePair(from)) {
+            ++from;
+            continue;
+        }
         const LongestKey longest = longestFrom(cells, text, from, kNoAlphabet);
         if (longest.found) found(from, longest.end, longest.feature);
         from = longest.end;
