@@ -56,6 +56,7 @@ bool isSound(const std::string& source, const Separators& separators) {
     std::vector<std::string> records = split(source, recordEnd);
     const bool isFinished = records.back().empty();
     records.pop_back();
+    if (records.empty()) return false;
     const auto isGood = [&](const std::string& record) {
         const std::size_t key = record.find(Dictionary::getEscapeSeparator(separators.field));
         if (key == record.npos || key == 0) return false;

@@ -58,6 +58,7 @@ struct Build {
     DictionaryBuildOptions options = {};
     DictionaryBuildReport report = {};
     std::ostringstream problems;
+    std::string handedOut;
     int error = 0;
     std::vector<std::tuple<int, std::uint64_t, std::uint64_t>> steps;
     std::function<bool()> onStep = [] { return true; };
@@ -82,10 +83,15 @@ struct Folder {
 };
 
 TEST(CheckedBuild, TellsEveryProblemInOrder) {
-    // L stands for an error, or a warning when the build is lenient.
+    // L stands for an error, or a warning when the build is lenient; W for a warning when no image
+    // is made.
     const std::pair<std::string, std::string> cases[] = {
         {kGood, ""},
-        {"", ""},
+        {"", "0:0 E no-records\n"},
+        {"\x1F\x8B\bx", "0:0 E not-text\n"},
+        {"\xFE\xFF\t\n", "0:0 E not-text\n"},
+        {contentOf(Folder().image), "0:0 E not-text\n"},
+        {"a\t;\tx;\ty\t;\t;\nb\t;x\n", "1:10 W semicolon\n"},
         {"none\na\tx", "1:5 E no-field\n2:4 E unfinished\n"},
         {"\n\r\na\r\n",
          "1:1 E empty-record\n2:1 E empty-record\n2:1 L cr\n3:2 E no-field\n3:2 L cr\n"},
@@ -104,7 +110,7 @@ TEST(CheckedBuild, TellsEveryProblemInOrder) {
             Build built(isLenient), checked(isLenient);
             const int result = built.bytes(source, image.path());
             EXPECT_EQ(result, isGood ? int{isRefused} : DICTIONARY_NOT_BUILT) << source;
-            EXPECT_EQ(built.problems.str(), expected);
+            EXPECT_EQ(built.problems.str(), problems.find("semicolon") == 7 ? "" : expected);
             EXPECT_EQ(built.report.imageBytes, isGood ? image.content().size() : 0);
             EXPECT_EQ(built.report.refused, isRefused ? 2 : 0);
             EXPECT_EQ(checked.bytes(source, kNoImage), result);
@@ -124,10 +130,33 @@ TEST(CheckedBuild, TellsTheFirstErrorBeyondTheLimitToo) {
     EXPECT_EQ(unseparated.bytes(kGood, kNoImage), DICTIONARY_NOT_BUILT);
     EXPECT_EQ(unseparated.problems.str(), "0:0 E bad-separator\n0:0 E bad-separator\n");
     EXPECT_STREQ(dictionaryProblemName(DICTIONARY_PROBLEM_NONE), "none");
-    for (const int code : {DICTIONARY_PROBLEM_NONE - 1, DICTIONARY_PROBLEM_BEYOND_BMP + 1}) {
+    for (const int code : {DICTIONARY_PROBLEM_NONE - 1, DICTIONARY_PROBLEM_SEMICOLON + 1}) {
         EXPECT_STREQ(dictionaryProblemName(code), "unknown");
     }
     EXPECT_EQ(dictionaryBuildBytes("a\tx\n", 4, nullptr, nullptr, nullptr), DICTIONARY_BUILT);
+}
+
+TEST(CheckedBuild, ReadsWhatWindowsWritesAndHandsImagesOut) {
+    const Folder folder;
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {"\xEF\xBB\xBF"
+         "a\tx\r\nab\ty\nac\tz\r\nb\tw\r\n",
+         "", folder.old},
+        {"\xEF\xBB\xBF\xFF\tx\r\n\r\nb\ty\r",
+         "1:4 E bad-utf8\n2:1 E empty-record\n3:4 E unfinished\n", ""},
+        {"", "", std::string(8, '\0') + std::string("\x0C\0\0\0", 4)}};
+    for (const auto& [source, problems, image] : cases) {
+        Build build;
+        build.options.windows = build.options.allowEmpty = true;
+        build.options.onImage = [](void* context, const void* bytes, std::size_t size) {
+            static_cast<Build*>(context)->handedOut.append(static_cast<const char*>(bytes), size);
+            return true;
+        };
+        EXPECT_EQ(build.bytes(source, kNoImage),
+                  image.empty() ? DICTIONARY_NOT_BUILT : DICTIONARY_BUILT);
+        EXPECT_EQ(build.problems.str(), problems);
+        EXPECT_TRUE(build.handedOut == image);
+    }
 }
 
 std::string randomText(std::mt19937& random, unsigned most) {
@@ -153,6 +182,7 @@ TEST(CheckedBuild, MakesTheImageOfThePlainBuildInSilence) {
         const TemporaryFile source(text);
         Dictionary::CDictionayApp app;
         Build build(true);
+        build.options.allowEmpty = true;
         build.options.fieldSeparator = field;
         build.options.recordSeparator = record;
         const long descriptors = openDescriptors();
@@ -233,6 +263,13 @@ TEST(CheckedBuild, LeavesTheOldImageWhereItCannotReadOrWrite) {
         Build early;
         expectFailure(early, early.bytes(kGood, place), "cannot-write", error);
         EXPECT_TRUE(early.steps.empty()) << place;
+    }
+    const std::string copy = elsewhere.path + "/copy", link = elsewhere.path + "/link";
+    fs::create_hard_link(folder.image, copy);
+    fs::create_symlink(copy, link);
+    for (const std::string& name : {folder.image, copy, link}) {
+        Build same;
+        expectFailure(same, same.file(name, folder.image.c_str()), "same-file", 0);
     }
     Build full, occupied, missing, unreadable, none, noBytes;
     const int onFull = onFullDisk([&] { return full.bytes(kGood, folder.image); });

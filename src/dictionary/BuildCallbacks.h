@@ -3,6 +3,7 @@
 #ifndef DICTIONARY_BUILD_CALLBACKS_H
 #define DICTIONARY_BUILD_CALLBACKS_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "DATChecked.h"
@@ -17,6 +18,7 @@ public:
     explicit BuildCallbacks(const DictionaryBuildOptions& options)
         : m_onProblem(options.onProblem),
           m_onProgress(options.onProgress),
+          m_onImage(options.onImage),
           m_context(options.context) {}
 
     void problem(const DictionaryProblem& problem) const {
@@ -30,6 +32,11 @@ public:
     void progress(int stage, std::uint64_t done, std::uint64_t total) const {
         if (m_onProgress == nullptr) return;
         goOnIf([&] { return m_onProgress(m_context, stage, done, total); });
+    }
+
+    bool takesImage() const { return m_onImage != nullptr; }
+    void image(const char* bytes, std::size_t size) const {
+        goOnIf([&] { return m_onImage(m_context, bytes, size); });
     }
 
 private:
@@ -46,6 +53,7 @@ private:
 
     void (*m_onProblem)(void*, const DictionaryProblem*);
     bool (*m_onProgress)(void*, int, std::uint64_t, std::uint64_t);
+    bool (*m_onImage)(void*, const void*, std::size_t);
     void* m_context;
 };
 

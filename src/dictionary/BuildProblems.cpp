@@ -47,11 +47,20 @@ constexpr ProblemKind kKinds[] = {
      "the key is not UTF-8 from here on and would be cut off here", "write it in UTF-8"},
     {"cr", DICTIONARY_ERROR, DICTIONARY_WARNING,
      "a carriage return ends the line and would be part of the data",
-     "end lines with a newline alone"},
+     "end lines with a newline alone, or use the option 'windows'"},
     {"bom", DICTIONARY_ERROR, DICTIONARY_WARNING,
-     "a byte-order mark begins the source and would be part of the first key", "remove it"},
+     "a byte-order mark begins the source and would be part of the first key",
+     "remove it, or use the option 'windows'"},
     {"beyond-bmp", DICTIONARY_REFUSED, DICTIONARY_REFUSED,
-     "the key holds a character above U+FFFF and is left out", "write it without the character"}};
+     "the key holds a character above U+FFFF and is left out", "write it without the character"},
+    {"no-records", DICTIONARY_ERROR, DICTIONARY_ERROR, "the source has no records",
+     "see what became of it, or allow it to be empty"},
+    {"not-text", DICTIONARY_ERROR, DICTIONARY_ERROR, "the source is no text", "name another"},
+    {"same-file", DICTIONARY_ERROR, DICTIONARY_ERROR, "the image would replace its own source",
+     "give it another name"},
+    {"semicolon", DICTIONARY_WARNING, DICTIONARY_WARNING,
+     "the field begins with ';', which also joins the data of a key that comes more than once",
+     "begin it otherwise if readers are to tell the two apart"}};
 
 const ProblemKind& kindOf(int code) {
     return kKinds[static_cast<std::size_t>(code)];
@@ -70,13 +79,26 @@ ProblemLog::ProblemLog(const DictionaryBuildOptions& options, const BuildCallbac
       m_lenient(options.lenient) {}
 
 void ProblemLog::add(int code, std::uint64_t line, std::uint64_t column, int systemError) {
+    const DictionarySeverity severity = severityOf(code);
+    if (isTold(severity)) tell({code, severity, systemError, line, column, nullptr});
+}
+
+void ProblemLog::addInWords(int code, const char* text) {
+    const DictionarySeverity severity = severityOf(code);
+    if (isTold(severity)) m_callbacks.problem({code, severity, 0, 0, 0, text});
+}
+
+DictionarySeverity ProblemLog::severityOf(int code) const {
     const ProblemKind& kind = kindOf(code);
-    const DictionarySeverity severity = m_lenient ? kind.lenientSeverity : kind.severity;
+    return m_lenient ? kind.lenientSeverity : kind.severity;
+}
+
+// Counts a problem. The first error is told beyond the limit, too: nobody should have to guess why
+// there is no image.
+bool ProblemLog::isTold(DictionarySeverity severity) {
     const bool firstError = severity == DICTIONARY_ERROR && !m_hasErrors;
     if (firstError) m_hasErrors = true;
-    // Nobody should have to guess why there is no image.
-    if (++m_count > m_limit && !firstError) return;
-    tell({code, severity, systemError, line, column, nullptr});
+    return ++m_count <= m_limit || firstError;
 }
 
 void ProblemLog::tell(DictionaryProblem problem) const {

@@ -25,11 +25,15 @@ public:
     // Counts a problem, and tells it unless the limit is reached. Line and column count from 1; 0
     // where none is meant.
     void add(int code, std::uint64_t line = 0, std::uint64_t column = 0, int systemError = 0);
+    // The same for a problem of the whole source that is told in other words than its code's.
+    void addInWords(int code, const char* text);
 
     std::uint64_t count() const { return m_count; }
     bool hasErrors() const { return m_hasErrors; }
 
 private:
+    bool isTold(DictionarySeverity severity);
+    DictionarySeverity severityOf(int code) const;
     void tell(DictionaryProblem problem) const;
 
     const BuildCallbacks& m_callbacks;

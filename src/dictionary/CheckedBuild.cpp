@@ -32,10 +32,11 @@ private:
     std::uint64_t m_next = 0;
 };
 
-// Writes an image and tells how that goes on.
+// Writes an image, or hands it to the host, and tells how that goes on.
 class ImageWriter {
 public:
-    ImageWriter(ImageFile& file, const BuildCallbacks& callbacks)
+    // `file` is null for the host.
+    ImageWriter(ImageFile* file, const BuildCallbacks& callbacks)
         : m_file(file), m_callbacks(callbacks) {}
 
     void expect(std::uint64_t total) { m_total = total; }
@@ -44,7 +45,7 @@ public:
         while (size > 0) {
             tell();
             const std::size_t piece = std::min(size, kStep - m_done % kStep);
-            m_file.write(bytes, piece);
+            writePiece(bytes, piece);
             m_done += piece;
             bytes += piece;
             size -= piece;
@@ -54,12 +55,20 @@ public:
     // Puts the complete image into its place, unless the host stops at the last moment.
     void finish() {
         m_callbacks.progress(DICTIONARY_STAGE_WRITE, m_done, m_total);
-        m_file.commit();
+        if (m_file != nullptr) m_file->commit();
     }
 
     std::uint64_t total() const { return m_total; }
 
 private:
+    void writePiece(const char* bytes, std::size_t size) {
+        if (m_file == nullptr) {
+            m_callbacks.image(bytes, size);
+        } else {
+            m_file->write(bytes, size);
+        }
+    }
+
     void tell() {
         if (m_done < m_next) return;
         m_next = m_done + kStep;
@@ -68,7 +77,7 @@ private:
 
     static constexpr std::size_t kStep = kPieceBytes;
 
-    ImageFile& m_file;
+    ImageFile* m_file;
     const BuildCallbacks& m_callbacks;
     std::uint64_t m_total = 0;
     std::uint64_t m_done = 0;
@@ -92,6 +101,8 @@ CheckedBuild::CheckedBuild(const DictionaryBuildOptions& options, const BuildCal
       m_report(report),
       m_fieldSeparator(separatorOr(options.fieldSeparator, "\t")),
       m_recordSeparator(separatorOr(options.recordSeparator, "\n")),
+      m_windows(options.windows),
+      m_allowEmpty(options.allowEmpty),
       m_check(m_recordSeparator == "\n"),
       m_builder(CUTF8Coder().getNumOfSingleWord()) {}
 
@@ -99,15 +110,18 @@ void CheckedBuild::run(SourceText& source, const char* imageName) {
     if (!checkSeparators()) return;
     // Who names a place where no image can stand learns it before all the work.
     std::optional<ImageFile> image;
-    if (imageName != nullptr) {
-        image.emplace(imageName);
+    if (imageName != nullptr) image.emplace(imageName);
+    const bool builds = image.has_value() || m_callbacks.takesImage();
+    if (builds) {
         m_table.emplace();
+    } else {
+        m_check.lookForJoins(m_fieldSeparator);
     }
     read(source);
-    if (!m_table.has_value()) return;
+    if (!builds || m_log.hasErrors()) return;
     m_table->arrange();
     if (dataFits() && place()) {
-        write(*image);
+        write(image.has_value() ? &*image : nullptr);
     } else {
         m_log.add(DICTIONARY_PROBLEM_IMAGE_TOO_LARGE);
     }
@@ -122,6 +136,8 @@ bool CheckedBuild::checkSeparators() {
 
 void CheckedBuild::read(SourceText& source) {
     SourceRecords records(source, m_recordSeparator);
+    const char* const foreign = foreignKind(records.beginning());
+    if (foreign != nullptr) return m_log.addInWords(DICTIONARY_PROBLEM_NOT_TEXT, foreign);
     SourceRecord record;
     std::uint64_t told = 0;
     while (records.next(record)) {
@@ -131,6 +147,7 @@ void CheckedBuild::read(SourceText& source) {
     }
     m_sourceBytes = source.position();
     m_callbacks.progress(DICTIONARY_STAGE_READ, m_sourceBytes, m_sourceBytes);
+    if (m_report.records == 0 && !m_allowEmpty) m_log.add(DICTIONARY_PROBLEM_NO_RECORDS);
 }
 
 void CheckedBuild::tellReading(const SourceText& source) const {
@@ -141,8 +158,9 @@ void CheckedBuild::tellReading(const SourceText& source) const {
     m_callbacks.progress(DICTIONARY_STAGE_READ, done, total);
 }
 
-void CheckedBuild::take(const SourceRecord& record) {
+void CheckedBuild::take(SourceRecord& record) {
     ++m_report.records;
+    if (m_windows) m_check.takeOffWindowsMarks(record);
     const std::string_view text = record.text;
     const std::size_t keySize = text.find(m_fieldSeparator);
     const bool isRefused = tellFindings(record, keySize);
@@ -160,7 +178,7 @@ void CheckedBuild::take(const SourceRecord& record) {
 bool CheckedBuild::tellFindings(const SourceRecord& record, std::size_t keySize) {
     bool isRefused = false;
     for (const Finding& finding : m_check.examine(record, keySize)) {
-        m_log.add(finding.code, record.number, finding.column);
+        m_log.add(finding.code, record.number, record.skipped + finding.column);
         if (finding.code == DICTIONARY_PROBLEM_BEYOND_BMP) isRefused = true;
     }
     return isRefused;
@@ -207,8 +225,8 @@ bool CheckedBuild::place() {
     return true;
 }
 
-void CheckedBuild::write(ImageFile& image) {
-    image.create();
+void CheckedBuild::write(ImageFile* image) {
+    if (image != nullptr) image->create();
     ImageWriter writer(image, m_callbacks);
     m_builder.writeImage(
         [&](std::int32_t total) { writer.expect(static_cast<std::uint64_t>(total)); },

@@ -31,19 +31,20 @@ public:
     CheckedBuild(const DictionaryBuildOptions& options, const BuildCallbacks& callbacks,
                  ProblemLog& log, DictionaryBuildReport& report);
 
-    // Without a name for the image the source is only checked.
+    // Without a name for the image it goes to the callback; without that, too, the source is only
+    // checked.
     void run(SourceText& source, const char* imageName);
 
 private:
     bool checkSeparators();
     void read(SourceText& source);
     void tellReading(const SourceText& source) const;
-    void take(const SourceRecord& record);
+    void take(SourceRecord& record);
     bool tellFindings(const SourceRecord& record, std::size_t keySize);
     void cutFields(std::string_view text, std::size_t keySize);
     bool dataFits() const;
     bool place();
-    void write(ImageFile& image);
+    void write(ImageFile* image);
     std::uint64_t countKeys() const;
 
     const BuildCallbacks& m_callbacks;
@@ -51,6 +52,8 @@ private:
     DictionaryBuildReport& m_report;
     std::string m_fieldSeparator;
     std::string m_recordSeparator;
+    bool m_windows;
+    bool m_allowEmpty;
     SourceCheck m_check;
     std::uint64_t m_sourceBytes = 0;  // of the whole source, once it is read
     StringTable m_refused;

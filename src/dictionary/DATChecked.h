@@ -105,7 +105,11 @@ enum DictionaryProblemCode {
     DICTIONARY_PROBLEM_BAD_UTF8 = 12,        /* bad-utf8: in a key, which would be cut there */
     DICTIONARY_PROBLEM_CR = 13,              /* cr: a carriage return at the end of a line */
     DICTIONARY_PROBLEM_BOM = 14,             /* bom: a byte-order mark at the source's start */
-    DICTIONARY_PROBLEM_BEYOND_BMP = 15       /* beyond-bmp: a character above U+FFFF in a key */
+    DICTIONARY_PROBLEM_BEYOND_BMP = 15,      /* beyond-bmp: a character above U+FFFF in a key */
+    DICTIONARY_PROBLEM_NO_RECORDS = 16,      /* no-records: the source is empty */
+    DICTIONARY_PROBLEM_NOT_TEXT = 17,        /* not-text: a compressed file, UTF-16, an image */
+    DICTIONARY_PROBLEM_SAME_FILE = 18,       /* same-file: the source and the image are one file */
+    DICTIONARY_PROBLEM_SEMICOLON = 19        /* semicolon: at the start of a field but the first */
 };
 
 /* The name of a code, as tools print it: "no-field". "unknown" for any other number. */
@@ -152,8 +156,15 @@ typedef struct DictionaryBuildOptions {
      * that a `total` of 0 is not known yet, as that of a pipe. False stops the build. May be null.
      */
     bool (*onProgress)(void* context, int stage, uint64_t done, uint64_t total);
-    void* context; /* given to both, which are called on the caller's thread; an exception that one
-                    * of them throws stops the build and goes no further */
+    void* context; /* given to all of them, which are called on the caller's thread; an exception
+                    * that one of them throws stops the build and goes no further */
+    /* Takes the image, piece after piece, where no name for it is given. False stops the build. May
+     * be null. */
+    bool (*onImage)(void* context, const void* bytes, size_t size);
+    /* Reads sources as Windows writes them: a carriage return at the end of a line and a byte-order
+     * mark at the start are no part of the records. */
+    bool windows;
+    bool allowEmpty; /* makes an image of a source without records, which is an error otherwise */
 } DictionaryBuildOptions;
 
 /* What a build counted. */
@@ -180,10 +191,12 @@ enum DictionaryBuildResult {
  * every moment. Only a process that is killed leaves the unfinished file, `.NAME.` and letters. A
  * symbolic link stays and the file that it leads to is replaced; a new image may be used by those
  * who might use the old one. A folder, a device or a file that may not be written is refused before
- * the source is read. With a null `imageName` the source is only checked, in little memory, and
- * the result says what would become of it. All problems of the source are told, in its order;
- * behind the first error nothing is built any more. `options` may be null. Returns one of
- * DictionaryBuildResult. */
+ * the source is read, and so is the source itself. With a null `imageName` the image goes to the
+ * option `onImage`. Without that, too, the source is only checked, in little memory, and the result
+ * says what would become of it; then there is also a warning of each record with a field that
+ * begins with ";" behind another one, which looks like data of a key that comes twice. All problems
+ * of the source are told, in its order; behind the first error nothing is built any more. `options`
+ * may be null. Returns one of DictionaryBuildResult. */
 DICTIONARY_EXPORT int dictionaryBuild(const char* sourceName, const char* imageName,
                                       const DictionaryBuildOptions* options,
                                       DictionaryBuildReport* report);

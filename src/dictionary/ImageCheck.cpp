@@ -56,6 +56,7 @@ public:
     }
 
 private:
+    bool isText() const;
     bool headerAddsUp();
     bool recordsFillTheArea();
     bool reservedCellsAreRight();
@@ -105,9 +106,22 @@ private:
     DictionaryImageFault m_fault = noFault();
 };
 
+// A header has a word of zero bits, which no text has.
+bool ImageCheck::isText() const {
+    constexpr unsigned char kFirstPrintable = 0x20;
+    return std::all_of(m_image, m_image + kCellBytes, [](char byte) {
+        return static_cast<unsigned char>(byte) >= kFirstPrintable || byte == '\t' ||
+               byte == '\n' || byte == '\r';
+    });
+}
+
 bool ImageCheck::headerAddsUp() {
     const std::int32_t cellBytes = cellBytesOf(m_header);
     const std::int32_t featureBytes = featureBytesOf(m_header);
+    if (isText()) {
+        return refuse(DICTIONARY_IMAGE_HEADER, kNowhere, kNowhere,
+                      "this is a text, no image; an image is built from it");
+    }
     if (cellBytes < kCellBytes || cellBytes % kCellBytes != 0) {
         return refuseWord(DICTIONARY_IMAGE_HEADER, 0, kFeature,
                           "the header gives the cells a size that is no number of whole cells");

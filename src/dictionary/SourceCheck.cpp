@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "DATChecked.h"
+#include "ImageFormat.h"
 #include "Utf8Decoder.h"
 
 namespace Dictionary {
@@ -12,7 +13,49 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kNone = std::string_view::npos;
 
+// No UTF-8 begins like one of these.
+constexpr struct {
+    std::string_view beginning;
+    const char* text;
+} kForeignKinds[] = {
+    {"\x1F\x8B", "this is a gzip file; try zcat FILE | ..."},
+    {"\xFD"
+     "7zXZ",
+     "this is an xz file; try xzcat FILE | ..."},
+    {"\x28\xB5\x2F\xFD", "this is a zstd file; try zstdcat FILE | ..."},
+    {"\xFF\xFE", "this is UTF-16; try iconv -f UTF-16 -t UTF-8 FILE | ..."},
+    {"\xFE\xFF", "this is UTF-16; try iconv -f UTF-16 -t UTF-8 FILE | ..."},
+};
+
+// A header has a word of zero bits, which no text has.
+bool looksLikeImage(std::string_view beginning) {
+    if (beginning.size() < kCellBytes) return false;
+    const Cell header = headerOf(beginning.data());
+    return header.check == kFreeImageCheck && featureBytesOf(header) >= 0 &&
+           cellBytesOf(header) >= kCellBytes && cellBytesOf(header) % kCellBytes == 0;
+}
+
+bool beginsWith(std::string_view text, std::string_view beginning) {
+    return text.substr(0, beginning.size()) == beginning;
+}
+
 }  // namespace
+
+const char* foreignKind(std::string_view beginning) {
+    for (const auto& kind : kForeignKinds) {
+        if (beginsWith(beginning, kind.beginning)) return kind.text;
+    }
+    return looksLikeImage(beginning) ? "this is an image; name the source that it was built from"
+                                     : nullptr;
+}
+
+void SourceCheck::takeOffWindowsMarks(SourceRecord& record) const {
+    if (record.number == 1 && beginsWith(record.text, kByteOrderMark)) {
+        record.skipped = kByteOrderMark.size();
+        record.text.remove_prefix(record.skipped);
+    }
+    if (endsInCr(record.text)) record.text.remove_suffix(1);
+}
 
 const std::vector<Finding>& SourceCheck::examine(const SourceRecord& record, std::size_t keySize) {
     m_found.clear();
@@ -31,21 +74,28 @@ const std::vector<Finding>& SourceCheck::examine(const SourceRecord& record, std
 
 void SourceCheck::examineText(const SourceRecord& record, std::size_t keySize) {
     const std::string_view text = record.text;
-    if (record.number == 1 && text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
-        add(DICTIONARY_PROBLEM_BOM, 0);
-    }
-    const bool endsInCr = m_recordsAreLines && !text.empty() && text.back() == '\r';
-    const std::size_t size = endsInCr ? text.size() - 1 : text.size();
+    if (record.number == 1 && beginsWith(text, kByteOrderMark)) add(DICTIONARY_PROBLEM_BOM, 0);
+    const bool cr = endsInCr(text);
+    const std::size_t size = cr ? text.size() - 1 : text.size();
     if (size == 0) {
         add(DICTIONARY_PROBLEM_EMPTY_RECORD, 0);
     } else if (keySize == kNone) {
         add(DICTIONARY_PROBLEM_NO_FIELD, size);
     } else {
         examineKey(text.substr(0, keySize));
+        if (!m_join.empty()) examineFields(text, keySize);
     }
-    if (endsInCr) add(DICTIONARY_PROBLEM_CR, size);
+    if (cr) add(DICTIONARY_PROBLEM_CR, size);
     const std::size_t nul = text.find('\0');
     if (nul != kNone) add(DICTIONARY_PROBLEM_NUL, nul);
+}
+
+// The data of a key that comes more than once is joined by ";", which stands where a field could
+// begin.
+void SourceCheck::examineFields(std::string_view text, std::size_t keySize) {
+    const std::size_t separatorSize = m_join.size() - 1;
+    const std::size_t join = text.find(m_join, keySize + separatorSize);
+    if (join != kNone) add(DICTIONARY_PROBLEM_SEMICOLON, join + separatorSize);
 }
 
 // Judges as the coder will: it refuses a character above the plane, and stops where UTF-8 does.

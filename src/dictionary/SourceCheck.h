@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "SourceRecords.h"
@@ -17,10 +19,19 @@ struct Finding {
     std::uint64_t column;
 };
 
+// In words, what a file is that begins like this and is no source; null when it may be one.
+const char* foreignKind(std::string_view beginning);
+
 class SourceCheck {
 public:
     // Whether records are lines, which may end in a carriage return by mistake.
     explicit SourceCheck(bool recordsAreLines) : m_recordsAreLines(recordsAreLines) {}
+
+    // Makes findings of fields that begin with ";" behind another one, too.
+    void lookForJoins(std::string fieldSeparator) { m_join = std::move(fieldSeparator) + ';'; }
+
+    // Takes off what Windows puts in front of the first record and behind each line.
+    void takeOffWindowsMarks(SourceRecord& record) const;
 
     // Examines a record whose field separator stands at `keySize`, npos when there is none. What
     // is found stands in order of the columns until the next call, each kind at most once.
@@ -28,10 +39,15 @@ public:
 
 private:
     void examineText(const SourceRecord& record, std::size_t keySize);
+    void examineFields(std::string_view text, std::size_t keySize);
     void examineKey(std::string_view key);
+    bool endsInCr(std::string_view text) const {
+        return m_recordsAreLines && !text.empty() && text.back() == '\r';
+    }
     void add(int code, std::size_t index) { m_found.push_back({code, index + 1}); }
 
     bool m_recordsAreLines;
+    std::string m_join;  // empty when it is not looked for
     std::vector<Finding> m_found;
 };
 

@@ -10,12 +10,18 @@ constexpr std::size_t kNotFound = std::string_view::npos;
 
 }  // namespace
 
+std::string_view SourceRecords::beginning() {
+    readOn();
+    return m_unread;
+}
+
 bool SourceRecords::next(SourceRecord& record) {
     if (m_unread.empty() && !readOn()) return false;
     const std::size_t end = findEnd();
     record.text = m_unread.substr(0, end);
     record.tooLong = record.text.size() > kMaxRecordBytes;
     record.finished = end != kNotFound;
+    record.skipped = 0;
     ++record.number;
     if (record.tooLong) {
         record.text = {};

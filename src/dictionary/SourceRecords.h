@@ -16,6 +16,7 @@ namespace Dictionary {
 struct SourceRecord {
     std::string_view text;     // without the separator; empty of a record that is too long
     std::uint64_t number = 0;  // from 1
+    std::size_t skipped = 0;   // bytes in front of the text that are no part of it
     bool tooLong = false;
     bool finished = false;  // a separator follows
 };
@@ -28,6 +29,9 @@ public:
     // `source` must outlive the object; `separator` is not empty.
     SourceRecords(SourceText& source, std::string separator)
         : m_source(source), m_separator(std::move(separator)) {}
+
+    // What the source begins with, as far as it is read at once. To be called before next().
+    std::string_view beginning();
 
     // Makes `record` the next one, valid until the next call; false at the source's end.
     bool next(SourceRecord& record);

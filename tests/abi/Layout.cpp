@@ -19,7 +19,7 @@ static_assert(sizeof(DictionaryMatch) == 32 && offsetof(DictionaryMatch, dataLen
 static_assert(sizeof(DictionaryMatches) == 24 && offsetof(DictionaryMatches, capacity) == 16, "");
 static_assert(sizeof(DictionaryImageFault) == 32 && offsetof(DictionaryImageFault, text) == 24, "");
 static_assert(sizeof(DictionaryProblem) == 40 && offsetof(DictionaryProblem, text) == 32, "");
-static_assert(sizeof(DictionaryBuildOptions) == 56, "");
+static_assert(sizeof(DictionaryBuildOptions) == 72, "");
 static_assert(offsetof(DictionaryBuildOptions, context) == 48, "");
 static_assert(sizeof(DictionaryBuildReport) == 48, "");
 static_assert(offsetof(DictionaryBuildReport, imageBytes) == 40, "");
