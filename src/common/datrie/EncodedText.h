@@ -3,6 +3,7 @@
 #ifndef DICTIONARY_ENCODED_TEXT_H
 #define DICTIONARY_ENCODED_TEXT_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -29,6 +30,11 @@ inline bool isPlainUtf8(const ICoderInterface& coder) {
     return functionsOf(coder) == functionsOf(own);
 }
 
+// Leaves the characters of a text as they are.
+struct SameCode {
+    std::int32_t operator()(std::int32_t code) const { return code; }
+};
+
 // Characters are numbered from 0 in walking order, which is text order, or from the last character
 // to the first when reversed. Short texts take no memory from the heap.
 class EncodedText {
@@ -45,6 +51,13 @@ public:
         kPassOver
     };
     EncodedText(const char* text, std::size_t size, Outsiders outsiders);
+
+    // The same as kPassOver, but each legal character is what `map` makes of its code, which has as
+    // many surrogates.
+    template <class Map>
+    EncodedText(const char* text, std::size_t size, Map map) {
+        encodeLabels(text, size, map);
+    }
 
     EncodedText(const EncodedText&) = delete;
     EncodedText& operator=(const EncodedText&) = delete;
@@ -98,6 +111,38 @@ private:
     std::unique_ptr<std::int32_t[]> m_heap;
     std::int32_t m_inline[3 * kInlineCharacters];
 };
+
+// Encodes all of the text, each legal character by what `map` makes of its code.
+template <class Map>
+void EncodedText::encodeLabels(const char* text, std::size_t size, Map map) {
+    encodeUtf8(size, [&](auto emit) {
+        decodeAllUtf8(text, size, 0,
+                      [&](std::int32_t found, std::size_t start, std::uint32_t length) {
+                          const std::int32_t code = found == 0 ? kOutsider : map(found);
+                          if (code < kBmpEnd) return emit(code, start, length);
+                          m_hasPairs = true;
+                          emit(highSurrogateOf(code), start, length);
+                          emit(lowSurrogateOf(code), start, length);
+                      });
+    });
+}
+
+template <class Decode>
+void EncodedText::encodeUtf8(std::size_t bytes, Decode decode) {
+    m_codes = roomFor(2 * bytes + kEnds + 1);
+    // Each character begins where the one before it ends.
+    m_starts = m_codes + bytes + kEnds;
+    m_ends = m_starts + 1;
+    m_starts[0] = 0;
+    std::int32_t* code = m_codes;
+    std::int32_t* end = m_ends;
+    decode([&](std::int32_t value, std::size_t start, std::uint32_t size) {
+        *code++ = value;
+        *end++ = static_cast<std::int32_t>(start + size);
+    });
+    m_size = static_cast<std::size_t>(code - m_codes);
+    std::fill_n(code, kEnds, kEnd);
+}
 
 }  // namespace Dictionary
 

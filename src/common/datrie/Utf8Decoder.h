@@ -24,8 +24,14 @@ inline std::int32_t highSurrogateOf(std::int32_t code) {
 inline std::int32_t lowSurrogateOf(std::int32_t code) {
     return kLowSurrogates | (code & ((1 << kSurrogateBits) - 1));
 }
+inline bool isHighSurrogate(std::int32_t code) {
+    return code >> kSurrogateBits == kHighSurrogates >> kSurrogateBits;
+}
 inline bool isLowSurrogate(std::int32_t code) {
     return code >> kSurrogateBits == kLowSurrogates >> kSurrogateBits;
+}
+inline std::int32_t codeOfPair(std::int32_t high, std::int32_t low) {
+    return kBmpEnd + ((high - kHighSurrogates) << kSurrogateBits) + (low - kLowSurrogates);
 }
 
 // The bytes of `text` to encode when `length` are asked for; 0, a negative and a too great length

@@ -51,8 +51,9 @@ protected:
 };
 
 // The same with a character above U+FFFF as its two surrogates; the place between them is that of
-// the character's last byte.
-class Utf8LabelText : public Utf8Text {
+// the character's last byte. Each character is what `Map` makes of its code.
+template <class Map>
+class MappedLabelText : public Utf8Text {
 public:
     using Utf8Text::Utf8Text;
 
@@ -64,9 +65,9 @@ public:
     std::int32_t next(std::size_t& place) const {
         if (isInsidePair(place)) {
             place -= kLastByte;
-            return lowSurrogateOf(Utf8Text::next(place));
+            return lowSurrogateOf(Map()(Utf8Text::next(place)));
         }
-        const std::int32_t code = Utf8Text::next(place);
+        const std::int32_t code = Map()(Utf8Text::next(place));
         if (code < kBmpEnd) return code;
         --place;
         return highSurrogateOf(code);
@@ -76,6 +77,8 @@ private:
     static constexpr std::size_t kLastByte = 3;
     static constexpr std::uint8_t kFourByteLead = 0xF0;
 };
+
+using Utf8LabelText = MappedLabelText<SameCode>;
 
 // Calls `use(text)` with the first `length` bytes of `text`, as ICoderInterface::encodeString
 // counts them, in the form that a lookup reads best which does not walk from every character.

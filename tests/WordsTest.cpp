@@ -1,0 +1,64 @@
+// Where words begin and end, and what folding makes of letters: the rules by examples. That the
+// rules hold over all of Unicode and over real texts is shown by tests/words.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "Folding.h"
+#include "WordBoundary.h"
+
+namespace {
+
+using namespace Dictionary;
+
+// The words of a text as they are cut: "|" at each place that is inside of none.
+std::string cut(const std::string& text) {
+    const EncodedText encoded(text.data(), text.size(), EncodedText::kPassOver);
+    const Words words(encoded);
+    std::string result;
+    for (std::size_t place = 0; place < encoded.size(); ++place) {
+        if (encoded.isInsidePair(place)) continue;
+        const SPOS character = encoded.span(place, place + 1, 0);
+        if (place > 0 && !words.isInside(place)) result += '|';
+        result.append(text, static_cast<std::size_t>(character.start),
+                      static_cast<std::size_t>(character.end - character.start + 1));
+    }
+    return result;
+}
+
+TEST(Words, AreCutByTheirScripts) {
+    const std::string examples[] = {
+        "don|'|t| |1st|_|of", "Straße|-|Ende", "мир|,|ёлка", "한국어| |말",
+        // Scripts without blanks.
+        "東|京|タ|ワ|ー|abc|東|12|年", "ไ|ท|ย|a", "a|①|Ⅷ|²",
+        // Marks go with what is before them, joiners with both sides.
+        "e\u0301a|.|\u0301|a", "葛|\U000E0100|a", "か|\u3099|a", "a\U000E0100a", "هند\u200Cها",
+        "Ge\u00ADbirge",
+        // Above U+FFFF, and bytes that are no character.
+        "\U00010428\U00010400|\U0001F600|a", "a|\xFF|a\U00010428\u0301"};
+    for (const std::string& example : examples) {
+        std::string text = example;
+        text.erase(std::remove(text.begin(), text.end(), '|'), text.end());
+        EXPECT_EQ(cut(text), example);
+    }
+}
+
+TEST(Folding, TakesCaseAndWidth) {
+    const struct {
+        std::string text, folded;
+    } cases[] = {{"Straße STRASSE", "straße strasse"},
+                 {"ẞ ſ K Σας Ǆ ǅ", "ß s k σασ ǆ ǆ"},
+                 {"ＡＢｃ１２～　ｶ", "abc12~ ｶ"},
+                 {"\U00010400Ꭰꭰ\U0001E900", "\U00010428ᎠᎠ\U0001E922"},
+                 {"\xFFÀ\xE4\xB8İ東", "\xFFà\xE4\xB8İ東"},
+                 {"", ""}};
+    for (const auto& example : cases) {
+        std::string result = "before";
+        foldUtf8(example.text, result);
+        EXPECT_EQ(result, example.folded);
+    }
+}
+
+}  // namespace
