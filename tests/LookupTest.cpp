@@ -159,7 +159,11 @@ TEST(Lookup, KeepsItsRulesOnTheEdges) {
     writer.buildDAT();
     testing::internal::GetCapturedStdout();
     const std::unique_ptr<char[]> image(writer.write());
-    CDATReader reader(&coder, image.get(), false);
+    // Copies in a vector, which do what the first one does.
+    std::vector<CDATReader> readers(2, CDATReader(&coder, image.get(), false));
+    readers[0] = CDATReader(&coder, nullptr, false);
+    readers[0] = readers[1];
+    CDATReader& reader = readers[0];
     const Kept rows[] = {
         {"length", "abc", 2, false, {{0, 0}, {0, 1}, {1, 1}}, {{0, 2}}},
         {"length inside a character", "中", 2, true, {}, {{0, 2}}},

@@ -1,6 +1,7 @@
 // Sizes and places that hosts have compiled in. Compiling this file is the test.
 
 #include <cstddef>
+#include <type_traits>
 
 #include "DATChecked.h"
 #include "DATDictionarySample.h"
@@ -33,3 +34,9 @@ static_assert(sizeof(CFeatureData) == 40, "");
 static_assert(sizeof(CFeatureDataContainer) == 24, "");
 static_assert(sizeof(CRecordReader) == 112, "");
 static_assert(sizeof(CUTF8Coder) == sizeof(void*), "");
+
+// What hosts may do with them.
+static_assert(std::is_copy_constructible<CDATReader>::value, "");
+static_assert(std::is_copy_assignable<CDATReader>::value, "");
+static_assert(std::is_destructible<ICoderInterface>::value, "");
+static_assert(!std::has_virtual_destructor<ICoderInterface>::value, "");

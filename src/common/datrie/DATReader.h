@@ -15,17 +15,34 @@
 namespace Dictionary {
 
 // Owns neither the image nor the coder, both of which must outlive it; making one only reads the
-// image's header. Lookups read nothing but their arguments and the image, and never outside the
-// image's cell array, so any number may run concurrently, also on one reader.
+// image's header. Lookups read nothing but their arguments and the image, so any number may run
+// concurrently, also on one reader. Of the image they read cells inside its cell array, at most the
+// one 32-bit word after it, and the feature records that cells name.
 //
 // Texts are NUL-terminated. A text whose end the coder cannot encode is searched up to there. A
-// null text, coder or image finds nothing. Offsets and lengths are in bytes of the caller's text.
+// null text, coder or image finds nothing; the grouped `allMatch` then still appends its lists, but
+// it needs a text. Offsets and lengths are in bytes of the caller's text.
 class DICTIONARY_EXPORT CDATReader {
 public:
     // `image` is trusted: it must be one that CDATWriter::write() produced. With `reverse`, texts
     // are walked from their last character to their first, for images of reversed keys.
     CDATReader(ICoderInterface* coder, void* image, bool reverse);
     ~CDATReader();
+
+    // A copy reads the same image by the same coder.
+    CDATReader(const CDATReader& other)
+        : m_coder(other.m_coder), m_image(nullptr), m_reverse(false), m_cellBytes(0) {
+        *this = other;
+    }
+    CDATReader& operator=(const CDATReader& other) {
+        m_coder = other.m_coder;
+        m_image = other.m_image;
+        m_reverse = other.m_reverse;
+        m_cellBytes = other.m_cellBytes;
+        const int size = other.m_features.size();
+        m_features.reset(false, other.m_features.data(), size, size);
+        return *this;
+    }
 
     // Sets `featureText` to the feature text of `key` if the dictionary holds it as a whole, else
     // to the empty string, which is also the answer for a key with an empty feature text. In

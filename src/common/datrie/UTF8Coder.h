@@ -18,8 +18,8 @@ struct SPOS {
 };
 
 // Turns text into codes and back. Implementations must be safe to call from several threads at
-// once if the dictionaries that use them are searched so. A coder is never deleted through this
-// interface.
+// once if the dictionaries that use them are searched so. The destructor is not virtual: only a
+// coder that has nothing to destroy may be deleted through this interface.
 class ICoderInterface {
 public:
     // Appends a code to `codes` and a record to `positions` for every character of the first
@@ -38,9 +38,6 @@ public:
 
     // The number of codes that may begin a key, counted from 0: the alphabet size.
     virtual int getNumOfSingleWord() = 0;
-
-protected:
-    ~ICoderInterface() = default;
 };
 
 // UTF-8 to Unicode code points. Stateless: all operations may run concurrently on one object.
