@@ -32,17 +32,16 @@ public:
         m_features[feature].insert(static_cast<int>(m_keys.size()) - 1);
     }
 
-    // Keys that do not exist are ignored, but the text is there.
-    void put(const std::string& feature, int key) {
-        std::set<int>& keys = m_features[feature];
-        if (key > 0 && key < static_cast<int>(m_keys.size())) keys.insert(key);
-    }
+    // Keys that do not exist yet come to it later.
+    void put(const std::string& feature, int key) { m_features[feature].insert(key); }
 
     void build() {
         m_cells.clear();
         int offset = 0;
         for (const auto& [text, keys] : m_features) {
-            for (const int key : keys) m_offsets[at(key)] = offset;
+            for (const int key : keys) {
+                if (key > 0 && key < static_cast<int>(m_keys.size())) m_offsets[at(key)] = offset;
+            }
             offset += 4 + static_cast<int>(std::strlen(text.c_str()));
         }
         makeUnits();

@@ -13,6 +13,7 @@
 #include "ImageFormat.h"
 #include "LetterCoder.h"
 #include "LiteralTrie.h"
+#include "TrieBuilder.h"
 
 namespace {
 
@@ -187,6 +188,11 @@ TEST(Placement, NodeByNodeEqualsAWholeBuild) {
     ASSERT_EQ(whole.imageSize(), single.imageSize());
     EXPECT_EQ(0, std::memcmp(wholeImage.get(), singleImage.get(),
                              static_cast<std::size_t>(whole.imageSize())));
+
+    // Without a clear, features are appended once more.
+    single.writeFeature();
+    const std::unique_ptr<char[]> longer(single.write());
+    EXPECT_EQ(single.imageSize(), whole.imageSize() + 12 + static_cast<int>(sizeof "same" - 1 + 4));
 }
 
 // Codes so large that their cells would lie beyond what an image can hold.
@@ -239,6 +245,26 @@ TEST(Placement, GivesOutCellsBelowTheLimitOnly) {
             }
         }
     }
+}
+
+TEST(Placement, CanBeStoppedWhereNothingIsReported) {
+    struct Calls : Dictionary::PlacementListener {
+        void pause(std::uint64_t running, std::uint64_t) override { pauses.push_back(running); }
+        void report(std::uint64_t running, std::uint64_t) override { reports.push_back(running); }
+        std::vector<std::uint64_t> pauses, reports;
+    } calls;
+    LetterCoder coder;
+    Dictionary::TrieBuilder builder(coder.getNumOfSingleWord());
+    for (std::string key = "@@"; key[0] < 'D'; ++key[0]) {
+        for (key[1] = '@'; key[1] <= 'p'; ++key[1]) builder.addKey(coder, key.c_str(), false, "");
+    }
+    builder.clear();
+    builder.storeFeatures();
+    builder.makeTrie();
+    EXPECT_EQ(builder.place(calls), Dictionary::Placement::kPlaced);
+    // Four nodes that 49 keys pass each.
+    EXPECT_EQ(calls.pauses, (std::vector<std::uint64_t>{49, 147}));
+    EXPECT_TRUE(calls.reports.empty());
 }
 
 TEST(Placement, EveryWriteMakesTheImageOneCellLonger) {

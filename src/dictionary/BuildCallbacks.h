@@ -3,6 +3,8 @@
 #ifndef DICTIONARY_BUILD_CALLBACKS_H
 #define DICTIONARY_BUILD_CALLBACKS_H
 
+#include <cxxabi.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -45,6 +47,8 @@ private:
         bool goOn = false;
         try {
             goOn = call();
+        } catch (const abi::__forced_unwind&) {
+            throw;  // the thread ends here
         } catch (...) {
             // No exception of the host passes through its own C calls.
         }

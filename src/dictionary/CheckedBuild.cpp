@@ -1,6 +1,7 @@
 #include "CheckedBuild.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "CellPieces.h"
 #include "ImageFormat.h"
@@ -14,22 +15,29 @@ namespace {
 
 constexpr char kDataSeparator[] = "\t";
 
-// Tells how placement goes on, but not as often as it is told itself.
+// Reports how placement goes on every so many passing keys, and often enough to be stopped soon.
 class PlacementProgress : public PlacementListener {
 public:
     explicit PlacementProgress(const BuildCallbacks& callbacks) : m_callbacks(callbacks) {}
 
-    void report(std::uint64_t running, std::uint64_t total) override {
-        if (running < m_next || running == total) return;
+    void pause(std::uint64_t running, std::uint64_t total) override {
+        const Clock::time_point now = Clock::now();
+        if ((running < m_next && now < m_nextTime) || running == total) return;
         m_next = running + kStep;
+        m_nextTime = now + kTimeStep;
         m_callbacks.progress(DICTIONARY_STAGE_PLACE, running, total);
     }
 
+    void report(std::uint64_t, std::uint64_t) override {}
+
 private:
+    using Clock = std::chrono::steady_clock;
     static constexpr std::uint64_t kStep = std::uint64_t{1} << 14;
+    static constexpr std::chrono::milliseconds kTimeStep{50};
 
     const BuildCallbacks& m_callbacks;
     std::uint64_t m_next = 0;
+    Clock::time_point m_nextTime;
 };
 
 // Writes an image, or hands it to the host, and tells how that goes on.

@@ -1,5 +1,7 @@
 #include "DATWriter.h"
 
+#include <langinfo.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -8,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 #include <iostream>
+#include <iterator>
 #include <string_view>
 
 #include "ImageFormat.h"
@@ -22,6 +25,8 @@ namespace {
 // when the last flush lies far enough back to be seen.
 class ProgressLine : public PlacementListener {
 public:
+    void pause(std::uint64_t, std::uint64_t) override {}
+
     void report(std::uint64_t running, std::uint64_t total) override {
         constexpr double kTicksPerSecond = 1000000.0;
         constexpr double kSecondsBetweenFlushes = 0.01;
@@ -46,17 +51,27 @@ private:
     void print(float fraction, std::uint64_t total) const {
         constexpr int kFractionDigits = 2;
         constexpr int kSecondsDigits = 6;
-        constexpr auto kFixed = std::chars_format::fixed;
         char line[256];
-        char* const end = line + sizeof line;
         char* out = append(line, "percent :");
-        out = std::to_chars(out, end, double{fraction}, kFixed, kFractionDigits).ptr;
+        out = appendFixed(out, double{fraction}, kFractionDigits);
         out = append(out, " cost time: ");
-        out = std::to_chars(out, end, m_seconds, kFixed, kSecondsDigits).ptr;
+        out = appendFixed(out, m_seconds, kSecondsDigits);
         out = append(out, " seconds ALL STATE: ");
-        out = std::to_chars(out, end, static_cast<int>(total)).ptr;
+        out = std::to_chars(out, std::end(line), static_cast<int>(total)).ptr;
         out = append(out, "\r");
         std::fwrite(line, 1, static_cast<std::size_t>(out - line), stdout);
+    }
+
+    // With the decimal separator of the locale.
+    static char* appendFixed(char* out, double value, int digits) {
+        char number[64];
+        char* const end = std::to_chars(std::begin(number), std::end(number), value,
+                                        std::chars_format::fixed, digits)
+                              .ptr;
+        char* const point = std::find(number, end, '.');
+        out = std::copy(number, point, out);
+        if (point == end) return out;
+        return std::copy(point + 1, end, append(out, nl_langinfo(RADIXCHAR)));
     }
 
     static char* append(char* out, std::string_view text) {

@@ -72,7 +72,9 @@ public:
     bool addKeys(const char* key, std::string feature);
 
     // Records that the key with number `keyIndex` carries `feature`. Of several strings for one
-    // key the bytewise greatest counts. Numbers that no key has are ignored.
+    // key, the one given to addKeys among them, the bytewise greatest counts, compared whole. For
+    // a number that no key has yet it counts once the key is added. The string takes its place in
+    // the feature area even if no key ever carries it.
     void putFeature(std::string feature, int keyIndex);
 
     // Builds trie and double array over all keys added so far, with a progress line on standard
@@ -84,10 +86,11 @@ public:
     // The steps of buildDAT, in the order in which it takes them.
 
     // Drops cells, trie and feature area; keys, features, capacity, free hint and highest index
-    // stay. Unless `final`, a fresh cell array of the current capacity follows.
+    // stay. `final` makes no difference: memory for cells is taken when they are used.
     void clear(bool final);
-    // Writes each distinct feature string once, in bytewise order and cut at its first NUL, into
-    // the feature area, and gives every key its record's offset. Returns 0.
+    // Appends each distinct feature string once, in bytewise order and cut at its first NUL, to
+    // the feature area, and gives every key its record's offset. Called again without a `clear`,
+    // it appends all of them once more. Returns 0.
     int writeFeature();
     // Makes the trie's nodes from the keys.
     void buildPrefix();
@@ -96,7 +99,8 @@ public:
     bool buildDATWUnit(SInnerDATWUnit* unit);
     // The smallest base at which every child of the node finds a free cell, putting the child of
     // the smallest key number on the first free cell that allows it. Moves the free hint to the
-    // first free cell. Negative when there is none.
+    // first free cell. Negative when the code of that child is greater than the hint, so that the
+    // base would lie below 0, and when there is no room below 2^31 - 1 bytes.
     int getConsistentBasePos(SInnerDATWUnit* unit);
     // Moves `position` forward to the first free cell at or after it, growing the array if need be.
     void nextFreePos(int& position);

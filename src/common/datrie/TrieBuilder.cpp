@@ -32,7 +32,9 @@ bool TrieBuilder::addKey(ICoderInterface& coder, const char* key, bool reverse,
     m_positions.clear();
     if (coder.encodeString(key, m_codes, m_positions, -1) == 0) return false;
     if (reverse) std::reverse(m_codes.begin(), m_codes.end());
-    const std::uint32_t string = m_strings.add(feature);
+    std::uint32_t string = m_strings.add(feature);
+    const auto early = m_earlyStrings.find(m_keyStrings.size());
+    if (early != m_earlyStrings.end()) keepGreater(string, early->second);
     m_keys.add(m_codes);
     m_keyStrings.push_back(string);
     return true;
@@ -40,8 +42,15 @@ bool TrieBuilder::addKey(ICoderInterface& coder, const char* key, bool reverse,
 
 void TrieBuilder::attachFeature(std::string_view feature, int key) {
     const std::uint32_t string = m_strings.add(feature);
-    if (key < 0 || static_cast<std::size_t>(key) >= m_keyStrings.size()) return;
-    std::uint32_t& kept = m_keyStrings[static_cast<std::size_t>(key)];
+    if (key < 0) return;
+    const auto number = static_cast<std::size_t>(key);
+    const bool isEarly = number >= m_keyStrings.size();
+    keepGreater(isEarly ? m_earlyStrings.try_emplace(number, kNoString).first->second
+                        : m_keyStrings[number],
+                string);
+}
+
+void TrieBuilder::keepGreater(std::uint32_t& kept, std::uint32_t string) const {
     if (kept == kNoString || m_strings[kept] < m_strings[string]) kept = string;
 }
 
@@ -53,7 +62,8 @@ void TrieBuilder::clear() {
 
 void TrieBuilder::storeFeatures() {
     const std::vector<std::uint32_t> order = m_strings.sorted();
-    std::size_t bytes = 0;
+    const auto before = static_cast<std::size_t>(m_featureArea.size());
+    std::size_t bytes = before;
     for (const std::uint32_t string : order)
         bytes += kRecordLengthBytes + recordText(m_strings[string]).size();
     m_featuresFit = bytes <= static_cast<std::size_t>(kMaxImageBytes);
@@ -61,7 +71,7 @@ void TrieBuilder::storeFeatures() {
 
     auto area = std::make_unique<char[]>(bytes);
     m_recordOffsets.resize(order.size());
-    char* end = area.get();
+    char* end = std::copy_n(m_featureArea.data(), before, area.get());
     for (const std::uint32_t string : order) {
         const std::string_view text = recordText(m_strings[string]);
         const auto length = static_cast<RecordLength>(text.size());
@@ -80,7 +90,7 @@ void TrieBuilder::makeTrie() {
 }
 
 Placement TrieBuilder::place(PlacementListener& listener) {
-    m_running = 0;
+    m_running = m_nextPause = 0;
     m_total = m_trie == nullptr ? 0 : m_trie->totalPassing();
     if (m_trie == nullptr || m_trie->empty()) return Placement::kNothingToPlace;
     if (!m_featuresFit) return Placement::kNoRoom;
@@ -139,6 +149,10 @@ bool TrieBuilder::placeAllSolitary(PlacementListener& listener) {
 
 void TrieBuilder::count(std::uint64_t passing, PlacementListener& listener) {
     m_running += passing;
+    if (m_running >= m_nextPause) {
+        m_nextPause = m_running + PlacementListener::kPauseStep;
+        listener.pause(m_running, m_total);
+    }
     if (m_running % PlacementListener::kReportStep == 0) {
         listener.report(m_running, m_total);
     }

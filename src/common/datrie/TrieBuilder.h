@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -20,14 +21,18 @@
 
 namespace Dictionary {
 
-// Told how placement goes on.
+// Told how placement goes on. What it throws ends the placement.
 class PlacementListener {
 public:
     virtual ~PlacementListener() = default;
+    // Before a node is placed, for every kPauseStep passing keys at least once, so that what takes
+    // long is told of often.
+    virtual void pause(std::uint64_t running, std::uint64_t total) = 0;
     // Before a node is placed with which the count of passing keys of all nodes so far, its own
     // included, is a multiple of kReportStep.
     virtual void report(std::uint64_t running, std::uint64_t total) = 0;
 
+    static constexpr std::uint64_t kPauseStep = 64;
     static constexpr std::uint64_t kReportStep = 100;
 };
 
@@ -48,9 +53,11 @@ public:
     void expectOneBuild() { m_isOnlyBuild = true; }
     // Encodes and adds a key; false when the coder refuses it.
     bool addKey(ICoderInterface& coder, const char* key, bool reverse, std::string_view feature);
+    // A string for a key that is yet to be added waits for it.
     void attachFeature(std::string_view feature, int key);
 
-    // The stages of a build, in order. The first drops what an earlier build made.
+    // The stages of a build, in order. The first drops what an earlier build made; without it,
+    // storeFeatures appends.
     void clear();
     void storeFeatures();
     void makeTrie();
@@ -70,6 +77,7 @@ public:
 private:
     static constexpr std::uint32_t kNoString = static_cast<std::uint32_t>(-1);
 
+    void keepGreater(std::uint32_t& kept, std::uint32_t string) const;
     bool placeAll(PlacementListener& listener);
     bool placeRoot();
     bool placeAllShared(PlacementListener& listener);
@@ -83,6 +91,7 @@ private:
     KeyPool m_keys;
     StringTable m_strings;                                  // every distinct feature string
     std::vector<std::uint32_t> m_keyStrings = {kNoString};  // by key number; the first is none
+    std::map<std::size_t, std::uint32_t> m_earlyStrings;    // of keys that are yet to be added
     std::vector<std::int32_t> m_recordOffsets;              // by feature string
     bool m_isOnlyBuild = false;
     bool m_featuresFit = true;
@@ -90,6 +99,7 @@ private:
     std::unique_ptr<KeyTrie> m_trie;
     CellArray m_cells;
     std::uint64_t m_running = 0;
+    std::uint64_t m_nextPause = 0;
     std::uint64_t m_total = 0;
 
     // The cell of the node placed next among those whose first passing key has a number. There is
