@@ -1,3 +1,8 @@
+#include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
 #include <map>
 #include <memory>
 #include <random>
@@ -94,6 +99,16 @@ TEST(Dictionary, BuildsWithOtherSeparatorsAndSaysWhetherItDid) {
     EXPECT_EQ(take(search("a\tb\n", handle.get(), true)), "a\t/0:x\t\tb\n/2:y\t\t");
 }
 
+void expectNothingIn(CDictionayApp& app) {
+    EXPECT_EQ(take(search("text", &app, true)), "");
+    CDictionayApp::Matches matches;
+    app.allMatch("text", matches);
+    EXPECT_TRUE(matches.empty());
+    std::string feature = "before";
+    printedBy([&] { app.showExactMatch("text", feature); });
+    EXPECT_EQ(feature, "");
+}
+
 TEST(Dictionary, SaysWhyAnImageIsNotLoaded) {
     const TemporaryFile empty;
     const std::string mapping = std::string("Error Mapping file : ") + empty.path();
@@ -104,13 +119,65 @@ TEST(Dictionary, SaysWhyAnImageIsNotLoaded) {
     for (const auto& [path, message] : cases) {
         CDictionayApp app;
         EXPECT_EQ(printedBy([&, name = path] { app.loadBinaryDic(name); }).err, message);
-        if (path == empty.path()) continue;  // not to be searched
-        EXPECT_EQ(take(search("text", &app, true)), "");
-        CDictionayApp::Matches matches;
-        app.allMatch("text", matches);
-        EXPECT_TRUE(matches.empty());
+        expectNothingIn(app);
     }
+    EXPECT_EQ(take(search("text", nullptr, true)), "");
     destroyBin(nullptr);
+    const auto buildNothing = [&](const char* source, const char* image) {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        buildTree(source, image);
+    };
+    EXPECT_EXIT(buildNothing(nullptr, empty.path()), testing::ExitedWithCode(1),
+                "open file failed! The file is: \n");
+    printedBy([&] { buildTree(empty.path(), nullptr); });
+}
+
+// A file that is shorter than its header says is loaded without a word, but nothing is in it.
+TEST(Dictionary, FindsNothingInFilesThatAreTooShort) {
+    const Image image("text\tx\n");
+    const std::string whole = image.file.content();
+    constexpr int kMost = std::numeric_limits<int>::max();
+    const int features = static_cast<int>(sizeof "x\t" - 1 + 4);
+    const int cells = static_cast<int>(whole.size()) - features;
+    // Words of the header, bytes beyond what an undamaged file has, and what is found.
+    const std::tuple<int, int, int, const char*> rows[] = {
+        {features, cells, 0, "text\t"},
+        {features, cells, 1, "text\t"},
+        {features, cells, -1, ""},
+        {features + 1, cells, 0, ""},
+        {features + 1, cells, 1, "text\t"},
+        {features, -cells, 0, ""},
+        {-1, cells + features + 1, 0, ""},
+        {kMost, kMost, 0, ""},
+        {features, cells, 11 - cells - features, ""}};
+    for (const auto& [featureBytes, cellBytes, more, found] : rows) {
+        std::string bytes = whole;
+        std::memcpy(&bytes[0], &featureBytes, sizeof featureBytes);
+        std::memcpy(&bytes[8], &cellBytes, sizeof cellBytes);
+        bytes.resize(whole.size() + static_cast<std::size_t>(more));
+        const TemporaryFile file(bytes);
+        CDictionayApp app;
+        EXPECT_EQ(printedBy([&] { EXPECT_EQ(app.loadBinaryDic(file.path()), 1); }).err, "");
+        EXPECT_EQ(take(search("text", &app, false)), found) << featureBytes << ' ' << cellBytes;
+        if (*found == '\0') expectNothingIn(app);
+    }
+}
+
+// What printf would print.
+TEST(Dictionary, ShowsProgressWithTheSeparatorOfTheLocale) {
+    const std::string folder = testing::TempDir() + "dictionaryLocales";
+    const std::string locale = folder + "/de_DE.iso88591";
+    std::filesystem::create_directories(folder);
+    if (std::system(("localedef -i de_DE -f ISO-8859-1 " + locale).c_str()) != 0) GTEST_SKIP();
+    setenv("LOCPATH", folder.c_str(), 1);
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE.iso88591"), nullptr);
+    const Image image("ab\tx\n");
+    std::setlocale(LC_NUMERIC, "C");
+    std::filesystem::remove_all(folder);
+    std::string printed = image.printed.out;
+    EXPECT_EQ(printed.find('.'), std::string::npos) << printed;
+    std::replace(printed.begin(), printed.end(), ',', '.');
+    EXPECT_TRUE(isProgress(printed, 1)) << printed;
 }
 
 TEST(Dictionary, ShowsMatches) {

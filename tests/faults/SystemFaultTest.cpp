@@ -157,6 +157,9 @@ TEST(SystemFault, PlainLoadsSayWhyAndFindNothing) {
             void* const handle = loadBin(place.image.c_str());
             disarm();
             EXPECT_TRUE(hasStruck());
+            char* const found = search("old", handle, false);
+            EXPECT_EQ(found, std::string(says.empty() ? "old\t" : ""));
+            freeResult(found);
             destroyBin(handle);
         });
         EXPECT_EQ(printed.err, says);

@@ -78,7 +78,8 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
     m_writer = new CDATWriter(m_coder, false);
     m_writer->m_builder->expectOneBuild();
     auto source = std::make_unique<CRecordReader>();
-    source->init(fileName, recordSeparator, fieldSeparator);
+    // No file has the empty name.
+    source->init(fileName == nullptr ? "" : fileName, recordSeparator, fieldSeparator);
     {
         SourceTable table;
         if (!gather(*source, table)) {
@@ -95,7 +96,8 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
 }
 
 int CDictionayApp::writeBinaryDic(const char* fileName) {
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(fileName, "wb"));
+    const std::unique_ptr<std::FILE, CloseFile> file(
+        fileName == nullptr ? nullptr : std::fopen(fileName, "wb"));
     if (file == nullptr) return 0;
     // A buffer would cut the pieces up.
     std::setvbuf(file.get(), nullptr, _IONBF, 0);
@@ -128,12 +130,23 @@ int CDictionayApp::loadBinaryDic(const char* fileName) {
     }
     m_imageLength = length;
     close(file);
+    if (!isAsLongAsItSays(m_image, length)) dropImage();
     return 1;
 }
 
+void CDictionayApp::dropImage() {
+    munmap(m_image, static_cast<std::size_t>(m_imageLength));
+    m_image = nullptr;
+    m_imageLength = 0;
+}
+
+void* CDictionayApp::image() const {
+    return m_image == MAP_FAILED ? nullptr : m_image;
+}
+
 void CDictionayApp::allMatch(const char* text, Matches& result) {
-    if (m_image == nullptr) return;
-    CDATReader(m_coder, m_image, false).allMatch(text, result, false, -1);
+    if (text == nullptr || image() == nullptr) return;
+    CDATReader(m_coder, image(), false).allMatch(text, result, false, -1);
 }
 
 char* CDictionayApp::returnListStr(const char* text, Matches& result, bool withFeatures) {
@@ -148,8 +161,8 @@ char* CDictionayApp::returnListStr(const char* text, Matches& result, bool withF
 
 char* CDictionayApp::searchText(const char* text, bool withFeatures) const {
     ResultText list(withFeatures);
-    if (m_image == nullptr || text == nullptr) return list.release();
-    const ImageView image(m_image);
+    if (image() == nullptr || text == nullptr) return list.release();
+    const ImageView image(this->image());
     const EncodedText encoded(*m_coder, text, -1, false);
     const TextSearch search(image.cells(), encoded);
     search.forEachLongestKey(m_coder->getNumOfSingleWord(), [&](std::size_t from, std::size_t end,
@@ -173,7 +186,7 @@ void CDictionayApp::showAllMatch(const char* text, Matches& result) {
 }
 
 void CDictionayApp::showExactMatch(const char* key, std::string& feature) {
-    CDATReader(m_coder, m_image, false).exactMatch(key, feature);
+    CDATReader(m_coder, image(), false).exactMatch(key, feature);
     (StreamMessage() << "EXACT MATCH" << key << " : " << feature.c_str()).print(stderr);
 }
 

@@ -54,24 +54,25 @@ public:
     // Writes a line a record and "Build OK" to standard error, and the progress line to standard
     // output. Returns 1 when the build ran to its end. Returns 0, after "Wrong format of file : ",
     // at a record with fewer than two fields; the record reader with its descriptor and its
-    // buffers stays allocated then. Ends the process when the file cannot be opened. A last
-    // record without its separator is lost. A key that the coder refuses is reported and left
-    // out.
+    // buffers stays allocated then. Ends the process when the file cannot be opened or its name is
+    // null. A last record without its separator is lost. A key that the coder refuses is reported
+    // and left out.
     int buildDic(const char* fileName, const char* fieldSeparator, const char* recordSeparator);
 
     // Writes the built image to `fileName` and its size to standard error. Returns 0, without a
-    // message, when the file cannot be opened, else 1: write errors go unnoticed. Only after
-    // buildDic.
+    // message, when the file cannot be opened or its name is null, else 1: write errors go
+    // unnoticed. Only after buildDic.
     int writeBinaryDic(const char* fileName);
 
-    // Maps the image file `fileName` read-only and private; it is not checked. Returns 1, or 0
-    // after a message on standard error. After a failed mapping (as opposed to a failed open) the
-    // object must not be queried.
+    // Maps the image file `fileName` read-only and private. Returns 1, or 0 after a message on
+    // standard error when it cannot be opened or mapped; queries then find nothing. They also find
+    // nothing, and 1 is returned, when the file is shorter than its header says. Nothing else is
+    // checked.
     int loadBinaryDic(const char* fileName);
 
     // Appends to `result` one list for every byte position of `text`: the keys that start there,
-    // shortest first, each as its length in bytes and its feature text. Does nothing when no
-    // image is loaded.
+    // shortest first, each as its length in bytes and its feature text. Does nothing when `text` is
+    // null or no image is loaded.
     void allMatch(const char* text, Matches& result);
 
     // The longest key at every position of a match result of `text`, in order, each followed by a
@@ -83,12 +84,16 @@ public:
     void showAllMatch(const char* text, Matches& result);
 
     // Sets `feature` to the feature text of `key`, or to the empty string, and writes both to
-    // standard error. Only on a loaded object.
+    // standard error.
     void showExactMatch(const char* key, std::string& feature);
 
 private:
     friend struct EntryPoints;
     friend struct ImageHandle;
+
+    // The mapping that queries read; null when there is none.
+    DICTIONARY_LOCAL void* image() const;
+    DICTIONARY_LOCAL void dropImage();
 
     // What returnListStr makes of the result of allMatch, without the lists in between.
     DICTIONARY_LOCAL char* searchText(const char* text, bool withFeatures) const;

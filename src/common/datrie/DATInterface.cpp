@@ -17,6 +17,7 @@ struct EntryPoints {
 }  // namespace Dictionary
 
 using Dictionary::CDictionayApp;
+using Dictionary::EntryPoints;
 
 void buildTree(const char* sourceFileName, const char* binaryFileName) {
     CDictionayApp app;
@@ -31,8 +32,8 @@ void* loadBin(const char* fileName) {
 }
 
 char* search(const char* text, void* handle, bool withFeatures) {
-    return Dictionary::EntryPoints::search(*static_cast<CDictionayApp*>(handle), text,
-                                           withFeatures);
+    if (handle == nullptr) return EntryPoints::search(CDictionayApp(), text, withFeatures);
+    return EntryPoints::search(*static_cast<CDictionayApp*>(handle), text, withFeatures);
 }
 
 void destroyBin(void* handle) {

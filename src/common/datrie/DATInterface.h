@@ -20,19 +20,22 @@ extern "C" {
 
 /* Builds the image file `binaryFileName` from the text source `sourceFileName`: a record a line,
  * key and data fields set apart by tabs, the last line ended like the others. Progress goes to
- * standard output, a line a record to standard error. Ends the process with status 1 when the
- * source cannot be opened. A line without a tab stops the build; the image written then is
- * empty. */
+ * standard output, a line a record to standard error. Ends the process with status 1, after a
+ * message on standard output, when the source cannot be opened or its name is null. A line without
+ * a tab stops the build; the image written then holds no key and has 12 bytes. */
 DICTIONARY_EXPORT void buildTree(const char* sourceFileName, const char* binaryFileName);
 
 /* Maps the image file `fileName` and returns a handle to it, never null. When the file cannot be
- * opened, a message goes to standard error and every search on the handle finds nothing; when it
- * cannot be mapped (an empty file, say), the handle must only be destroyed. */
+ * opened or mapped (an empty file, say), a message goes to standard error and every search on the
+ * handle finds nothing. On a file that is shorter than its header says, searches find nothing
+ * either, and there is no message. What else a file holds is not checked: a search of a damaged
+ * one may crash. */
 DICTIONARY_EXPORT void* loadBin(const char* fileName);
 
 /* The longest key at every position of `text` where one starts, each followed by a tab: the key
- * alone, or, with `withFeatures`, key, "/", byte position, ":", feature text. The result is never
- * null; release it with freeResult. It does not depend on the handle staying alive. */
+ * alone, or, with `withFeatures`, key, "/", byte position, ":", feature text. A key right before a
+ * character above U+FFFF is not found. With a null text or handle nothing is found. The result is
+ * never null; release it with freeResult. It does not depend on the handle staying alive. */
 DICTIONARY_EXPORT char* search(const char* text, void* handle, bool withFeatures);
 
 /* Releases a handle and its mapping. A null handle is ignored. */

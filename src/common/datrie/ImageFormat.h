@@ -133,6 +133,15 @@ inline Cell headerOf(const void* image) {
     return CellView(image, kCellBytes)[0];
 }
 
+// Whether an image in `size` bytes has all the cells and features of which its header tells.
+inline bool isAsLongAsItSays(const void* image, std::int64_t size) {
+    if (size < kCellBytes) return false;
+    const Cell header = headerOf(image);
+    const std::int64_t cellBytes = cellBytesOf(header);
+    const std::int64_t featureBytes = featureBytesOf(header);
+    return cellBytes >= 0 && cellBytes <= size && featureBytes <= size - cellBytes;
+}
+
 // A record of a feature area begins with the length of its text, which follows.
 using RecordLength = std::int32_t;
 constexpr std::size_t kRecordLengthBytes = sizeof(RecordLength);
