@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -14,6 +15,7 @@
 
 #include "DATChecked.h"
 #include "DATDictionarySample.h"
+#include "Descriptor.h"
 #include "SourceRecords.h"
 #include "TemporaryFile.h"
 
@@ -224,17 +226,16 @@ TEST(CheckedBuild, CutsRecordsWhereverTheirEndsFall) {
     checkAllWays(std::string(5 * kStretch, 'x'), "1:1 E unfinished\n" + tooLong);
 }
 
-// Calls `action` while no file may grow beyond a few thousand bytes.
+// Calls `action` while no file may grow beyond a few thousand bytes. The signal that this brings
+// would end the process.
 template <typename Action>
 int onFullDisk(Action action) {
     rlimit before;
     getrlimit(RLIMIT_FSIZE, &before);
     const rlimit limit = {5000, before.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &limit);
     const int result = action();
     setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
     return result;
 }
 
@@ -268,8 +269,9 @@ TEST(CheckedBuild, LeavesTheOldImageWhereItCannotReadOrWrite) {
     fs::create_hard_link(folder.image, copy);
     fs::create_symlink(copy, link);
     for (const std::string& name : {folder.image, copy, link}) {
-        Build same;
+        Build same, other;
         expectFailure(same, same.file(name, folder.image.c_str()), "same-file", 0);
+        expectFailure(other, other.file(folder.image, name.c_str()), "same-file", 0);
     }
     Build full, occupied, missing, unreadable, none, noBytes;
     const int onFull = onFullDisk([&] { return full.bytes(kGood, folder.image); });
@@ -289,6 +291,16 @@ TEST(CheckedBuild, LeavesTheOldImageWhereItCannotReadOrWrite) {
     expectFailure(noBytes, ofNoBytes, "cannot-read", EFAULT);
 }
 
+// The rights of the unfinished image, or 0.
+mode_t unfinishedAccess(const std::string& folder) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        struct stat status;
+        const bool isHidden = entry.path().filename().string().front() == '.';
+        if (isHidden && stat(entry.path().c_str(), &status) == 0) return status.st_mode & 07777;
+    }
+    return 0;
+}
+
 TEST(CheckedBuild, KeepsLinksAndAccess) {
     const Folder folder;
     const mode_t mask = umask(027);
@@ -298,7 +310,13 @@ TEST(CheckedBuild, KeepsLinksAndAccess) {
     for (const auto& [file, mode] : {std::pair{"image", 0604u}, std::pair{"new", 0640u}}) {
         const std::string link = folder.path + "/linkTo" + file;
         fs::create_symlink(file, link);
-        EXPECT_EQ(Build().bytes(kOther, link), DICTIONARY_BUILT);
+        Build build;
+        build.onStep = [&] {
+            const bool isWriting = std::get<0>(build.steps.back()) == DICTIONARY_STAGE_WRITE;
+            EXPECT_EQ(unfinishedAccess(folder.path), isWriting ? 0600u : 0u);
+            return true;
+        };
+        EXPECT_EQ(build.bytes(kOther, link), DICTIONARY_BUILT);
         EXPECT_TRUE(fs::is_symlink(link));
         struct stat status;
         ASSERT_EQ(stat(link.c_str(), &status), 0);
@@ -307,6 +325,64 @@ TEST(CheckedBuild, KeepsLinksAndAccess) {
         EXPECT_FALSE(contentOf(link) == folder.old);
     }
     umask(mask);
+}
+
+// Where users may be other ones: a link of somebody else's among everybody's files is followed only
+// if the system follows it, and a folder need not be readable.
+TEST(CheckedBuild, GoesWhereTheSystemLetsTheUserGo) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can be two users";
+    constexpr uid_t kUser = 65534;
+    const Folder folder, target;
+    const std::string link = folder.path + "/link", made = folder.path + "/made";
+    chmod(folder.path.c_str(), 01733);
+    fs::create_symlink(target.image, link);
+    EXPECT_EQ(lchown(link.c_str(), kUser, kUser), 0);
+    const bool isFollowed = access(link.c_str(), W_OK) == 0;
+    Build linked, own, protectedFile;
+    EXPECT_EQ(linked.bytes(kOther, link), isFollowed ? DICTIONARY_BUILT : DICTIONARY_NOT_BUILT);
+    EXPECT_EQ(contentOf(target.image) == target.old, !isFollowed);
+    EXPECT_EQ(seteuid(kUser), 0);
+    EXPECT_EQ(own.bytes(kOther, made), DICTIONARY_BUILT);
+    EXPECT_EQ(protectedFile.bytes(kOther, folder.image), DICTIONARY_NOT_BUILT);
+    EXPECT_EQ(seteuid(0), 0);
+    EXPECT_EQ(protectedFile.error, EACCES);
+    EXPECT_TRUE(fs::remove(made) && fs::remove(link));
+    folder.expectAsBefore();
+}
+
+TEST(CheckedBuild, TakesDescriptorsOfNamedFilesAlone) {
+    const Folder folder;
+    const auto placeOf = [](int file) { return "/dev/fd/" + std::to_string(file); };
+    Dictionary::Descriptor file(open(folder.image.c_str(), O_RDONLY));
+    EXPECT_EQ(Build().bytes(kOther, placeOf(file.number())), DICTIONARY_BUILT);
+    EXPECT_FALSE(contentOf(folder.image) == folder.old);
+    int pipe[2];
+    ASSERT_EQ(::pipe(pipe), 0);
+    const Dictionary::Descriptor end(pipe[0]), otherEnd(pipe[1]);
+    // The file that is open has no name now.
+    for (const auto& [number, error] :
+         {std::pair{pipe[1], EOPNOTSUPP}, std::pair{file.number(), ENOENT}}) {
+        Build build;
+        EXPECT_EQ(build.bytes(kOther, placeOf(number)), DICTIONARY_NOT_BUILT);
+        EXPECT_EQ(build.error, error);
+        EXPECT_TRUE(build.steps.empty());
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), {}), 1);
+}
+
+// A pipe that nobody writes to, and one that somebody only holds.
+TEST(CheckedBuild, StopsWhileItWaitsForAPipe) {
+    const Folder folder, elsewhere;
+    const std::string pipe = elsewhere.path + "/pipe";
+    mkfifo(pipe.c_str(), 0600);
+    for (const int flags : {O_RDONLY, O_RDWR}) {
+        const Dictionary::Descriptor held(open(pipe.c_str(), flags | O_NONBLOCK));
+        Build build;
+        build.onStep = [&] { return build.steps.size() < 3; };
+        EXPECT_EQ(build.file(pipe, folder.image.c_str()), DICTIONARY_STOPPED);
+        EXPECT_EQ(build.steps, decltype(build.steps)(3, {DICTIONARY_STAGE_READ, 0, 0}));
+        folder.expectAsBefore();
+    }
 }
 
 TEST(CheckedBuild, StopsAtEveryStep) {

@@ -13,7 +13,7 @@ export interface Match {
 export type ProblemCode =
   | 'cannot-read' | 'cannot-write' | 'no-memory' | 'bad-separator' | 'no-field' | 'empty-record'
   | 'nul' | 'record-too-long' | 'unfinished' | 'image-too-large' | 'empty-key' | 'bad-utf8' | 'cr'
-  | 'bom' | 'beyond-bmp';
+  | 'bom' | 'beyond-bmp' | 'no-records' | 'not-text' | 'same-file' | 'semicolon';
 
 /** What is wrong with a source or an image file. */
 export interface Problem {

@@ -125,6 +125,11 @@ void CheckedBuild::run(SourceText& source, const char* imageName) {
     } else {
         m_check.lookForJoins(m_fieldSeparator);
     }
+    source.open();
+    if (image.has_value() && image->replaces(source.file())) {
+        m_log.add(DICTIONARY_PROBLEM_SAME_FILE);
+        return;
+    }
     read(source);
     if (!builds || m_log.hasErrors()) return;
     m_table->arrange();
@@ -143,6 +148,7 @@ bool CheckedBuild::checkSeparators() {
 }
 
 void CheckedBuild::read(SourceText& source) {
+    source.whileWaiting([&] { tellReading(source); });
     SourceRecords records(source, m_recordSeparator);
     const char* const foreign = foreignKind(records.beginning());
     if (foreign != nullptr) return m_log.addInWords(DICTIONARY_PROBLEM_NOT_TEXT, foreign);
@@ -160,7 +166,7 @@ void CheckedBuild::read(SourceText& source) {
 
 void CheckedBuild::tellReading(const SourceText& source) const {
     const std::uint64_t done = source.position();
-    if (done == source.size()) return;
+    if (done > 0 && done == source.size()) return;
     // A file that has grown since is of no known size.
     const std::uint64_t total = done < source.size() ? source.size() : 0;
     m_callbacks.progress(DICTIONARY_STAGE_READ, done, total);

@@ -153,8 +153,8 @@ typedef struct DictionaryBuildOptions {
     /* Told each problem, in the order of the source. May be null. */
     void (*onProblem)(void* context, const DictionaryProblem* problem);
     /* Told now and then how far a stage is, and once at its end, when `done` is `total`; before
-     * that a `total` of 0 is not known yet, as that of a pipe. False stops the build. May be null.
-     */
+     * that a `total` of 0 is not known yet, as that of a pipe. While a pipe is waited for it is
+     * told at least ten times a second. False stops the build. May be null. */
     bool (*onProgress)(void* context, int stage, uint64_t done, uint64_t total);
     void* context; /* given to all of them, which are called on the caller's thread; an exception
                     * that one of them throws stops the build and goes no further */
@@ -190,13 +190,16 @@ enum DictionaryBuildResult {
  * place, synced and renamed: under `imageName` stands the old file or the complete new one, at
  * every moment. Only a process that is killed leaves the unfinished file, `.NAME.` and letters. A
  * symbolic link stays and the file that it leads to is replaced; a new image may be used by those
- * who might use the old one. A folder, a device or a file that may not be written is refused before
- * the source is read, and so is the source itself. With a null `imageName` the image goes to the
- * option `onImage`. Without that, too, the source is only checked, in little memory, and the result
- * says what would become of it; then there is also a warning of each record with a field that
- * begins with ";" behind another one, which looks like data of a key that comes twice. All problems
- * of the source are told, in its order; behind the first error nothing is built any more. `options`
- * may be null. Returns one of DictionaryBuildResult. */
+ * who might use the old one. A folder, a device, a file that may not be written and the source
+ * itself are refused before the source is read, and so is a symbolic link that the system would not
+ * follow because of who made it. Until the image is complete, its file is open to its owner alone.
+ * A file that would become larger than the process may write is an error and not the end of it.
+ * With a null `imageName` the image goes to the option `onImage`. Without that, too, the source is
+ * only checked, in little memory, and the result says what would become of it; then there is also a
+ * warning of each record with a field that begins with ";" behind another one, which looks like
+ * data of a key that comes twice. All problems of the source are told, in its order; behind the
+ * first error nothing is built any more. `options` may be null. Returns one of
+ * DictionaryBuildResult. */
 DICTIONARY_EXPORT int dictionaryBuild(const char* sourceName, const char* imageName,
                                       const DictionaryBuildOptions* options,
                                       DictionaryBuildReport* report);

@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -29,13 +27,6 @@ void handOut(DictionaryBuildReport report, DictionaryBuildReport* to) {
     std::memcpy(to, &report, std::min(report.size, sizeof report));
 }
 
-bool isOneFile(const char* name, const char* other) {
-    struct stat status, otherStatus;
-    return name != nullptr && other != nullptr && stat(name, &status) == 0 &&
-           stat(other, &otherStatus) == 0 && status.st_dev == otherStatus.st_dev &&
-           status.st_ino == otherStatus.st_ino;
-}
-
 // What the build throws becomes a problem; only that it was stopped goes on to the caller.
 void run(SourceText& source, const char* imageName, const DictionaryBuildOptions& options,
          const BuildCallbacks& callbacks, ProblemLog& log, DictionaryBuildReport& report) {
@@ -49,20 +40,15 @@ void run(SourceText& source, const char* imageName, const DictionaryBuildOptions
     }
 }
 
-// `sourceName` is null for a source in memory.
-int build(SourceText& source, const char* sourceName, const char* imageName,
-          const DictionaryBuildOptions* given, DictionaryBuildReport* report) {
+int build(SourceText& source, const char* imageName, const DictionaryBuildOptions* given,
+          DictionaryBuildReport* report) {
     const DictionaryBuildOptions options = knownPart(given);
     const BuildCallbacks callbacks(options);
     ProblemLog log(options, callbacks);
     DictionaryBuildReport counts = {};
     bool stopped = false;
     try {
-        if (isOneFile(sourceName, imageName)) {
-            log.add(DICTIONARY_PROBLEM_SAME_FILE);
-        } else {
-            run(source, imageName, options, callbacks, log, counts);
-        }
+        run(source, imageName, options, callbacks, log, counts);
     } catch (const BuildStopped&) {
         stopped = true;
     }
@@ -84,11 +70,11 @@ const char* dictionaryProblemName(int code) {
 int dictionaryBuild(const char* sourceName, const char* imageName,
                     const DictionaryBuildOptions* options, DictionaryBuildReport* report) {
     Dictionary::FileText source(sourceName);
-    return Dictionary::build(source, sourceName, imageName, options, report);
+    return Dictionary::build(source, imageName, options, report);
 }
 
 int dictionaryBuildBytes(const char* source, size_t size, const char* imageName,
                          const DictionaryBuildOptions* options, DictionaryBuildReport* report) {
     Dictionary::MemoryText text(source, size);
-    return Dictionary::build(text, nullptr, imageName, options, report);
+    return Dictionary::build(text, imageName, options, report);
 }

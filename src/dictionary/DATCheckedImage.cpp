@@ -63,8 +63,8 @@ private:
     int fillFrom(const Descriptor& file) {
         char* const bytes = static_cast<char*>(m_bytes);
         for (std::size_t filled = 0; filled < m_size;) {
-            const ssize_t got = read(file.number(), bytes + filled, m_size - filled);
-            if (got < 0 && errno == EINTR) continue;
+            const ssize_t got = callUninterrupted(
+                [&] { return read(file.number(), bytes + filled, m_size - filled); });
             if (got < 0) return errno;
             // The file has become shorter meanwhile.
             if (got == 0) return EIO;
@@ -108,7 +108,8 @@ DictionaryImageFault checkFile(const char* name, int mode, Pages& pages) {
     }
     // Does not wait when the name is that of a pipe without a writer.
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
-    const Descriptor file(open(name == nullptr ? "" : name, kFlags));
+    const Descriptor file(
+        callUninterrupted([&] { return open(name == nullptr ? "" : name, kFlags); }));
     struct stat status;
     if (!file.isOpen() || fstat(file.number(), &status) != 0) return unreadable(errno);
     if (S_ISDIR(status.st_mode)) return unreadable(EISDIR);

@@ -1,13 +1,24 @@
-// Helper, not installed: an open file that is closed on every path.
+// Helper, not installed: an open file that is closed on every path, and calls that go on after a
+// signal.
 
 #ifndef DICTIONARY_DESCRIPTOR_H
 #define DICTIONARY_DESCRIPTOR_H
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace Dictionary {
+
+// Makes a system call until no signal interrupts it. Returns its result.
+template <class Call>
+auto callUninterrupted(Call call) {
+    for (;;) {
+        const auto result = call();
+        if (result >= 0 || errno != EINTR) return result;
+    }
+}
 
 class Descriptor {
 public:
@@ -23,8 +34,11 @@ public:
     bool isOpen() const { return m_number >= 0; }
     int number() const { return m_number; }
 
-    // False, and errno set, when the system says that closing failed.
-    bool close() { return !isOpen() || ::close(std::exchange(m_number, kNone)) == 0; }
+    // False, and errno set, when the system says that closing failed. Linux closes what a signal
+    // interrupts, too.
+    bool close() {
+        return !isOpen() || ::close(std::exchange(m_number, kNone)) == 0 || errno == EINTR;
+    }
 
 private:
     static constexpr int kNone = -1;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "BuildProblems.h"
+#include "SizeSignal.h"
 
 namespace Dictionary {
 
@@ -18,7 +19,10 @@ namespace {
 
 constexpr mode_t kAccessBits = 0777;
 constexpr mode_t kAccessBitsButGroup = 0707;
-constexpr mode_t kNewFileBits = 0666;
+constexpr mode_t kNewFileAccess = 0666;
+constexpr mode_t kOwnAccess = 0600;
+constexpr int kFollow = 0;
+constexpr char kItself[] = ".";
 
 [[noreturn]] void failToWrite(int error) {
     throw SystemFailure{DICTIONARY_PROBLEM_CANNOT_WRITE, error};
@@ -26,6 +30,26 @@ constexpr mode_t kNewFileBits = 0666;
 
 void require(bool done) {
     if (!done) failToWrite(errno);
+}
+
+// What the system finds under a name. It judges whether a link is to be followed: one that another
+// user planted may not be.
+FileStatus statusOf(int folder, const char* name, int flags) {
+    struct stat status;
+    if (fstatat(folder, name, &status, flags) == 0) return status;
+    require(errno == ENOENT);
+    return std::nullopt;
+}
+
+// A device or a pipe would be replaced by a file, and a folder cannot be.
+void refuseWhatIsNoImage(const FileStatus& file) {
+    if (!file.has_value()) return;
+    if (S_ISDIR(file->st_mode)) failToWrite(EISDIR);
+    if (!S_ISREG(file->st_mode)) failToWrite(EOPNOTSUPP);
+}
+
+void requireAccess(const Descriptor& folder, const char* name, int access) {
+    require(faccessat(folder.number(), name, access, AT_EACCESS) == 0);
 }
 
 // The folder of a path, with its slash; empty for the working directory.
@@ -64,46 +88,49 @@ std::string temporaryName(const std::string& name) {
 
 }  // namespace
 
-ImageFile::ImageFile(const char* name) {
+ImageFile::ImageFile(const char* name) : m_old(statusOf(AT_FDCWD, name, kFollow)) {
+    refuseWhatIsNoImage(m_old);
     const std::string path = followLinks(name);
     const std::string folder = folderOf(path);
     m_name = path.substr(folder.size());
     if (m_name.empty()) failToWrite(path.empty() ? ENOENT : EISDIR);
-    m_folder =
-        Descriptor(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    require(m_folder.isOpen());
-    refuseWhatIsNoImage();
-    require(faccessat(m_folder.number(), ".", W_OK | X_OK, AT_EACCESS) == 0);
+    openFolder(folder);
+    // A file without a name, as a descriptor's may be, or a link that was changed just now.
+    const FileStatus found = statusOf(m_folder.number(), m_name.c_str(), AT_SYMLINK_NOFOLLOW);
+    if (!areSame(found, m_old)) failToWrite(ENOENT);
+    // A file protected from writing would not be protected from a rename.
+    if (m_old.has_value()) requireAccess(m_folder, m_name.c_str(), W_OK);
 }
 
-// A device or a pipe would be replaced by a file, and a folder cannot be.
-void ImageFile::refuseWhatIsNoImage() const {
-    struct stat status;
-    if (fstatat(m_folder.number(), m_name.c_str(), &status, 0) != 0) {
-        require(errno == ENOENT);
-        return;
-    }
-    if (S_ISDIR(status.st_mode)) failToWrite(EISDIR);
-    if (!S_ISREG(status.st_mode)) failToWrite(EOPNOTSUPP);
-    // A file protected from writing would not be protected from a rename.
-    require(faccessat(m_folder.number(), m_name.c_str(), W_OK, AT_EACCESS) == 0);
+void ImageFile::openFolder(const std::string& folder) {
+    constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    m_folder =
+        Descriptor(callUninterrupted([&] { return open((folder + kItself).c_str(), kFlags); }));
+    require(m_folder.isOpen());
+    requireAccess(m_folder, kItself, W_OK | X_OK);
 }
 
 ImageFile::~ImageFile() {
-    if (!m_temporary.empty()) unlinkat(m_folder.number(), m_temporary.c_str(), 0);
+    if (!m_temporary.empty()) removeTemporary();
 }
 
 void ImageFile::create() {
-    createTemporary();
-    takeOverAccess();
+    // This one is made to learn what access the system gives to a new file.
+    createTemporary(kNewFileAccess);
+    struct stat status;
+    require(fstat(m_file.number(), &status) == 0);
+    m_newFileAccess = status.st_mode & kAccessBits;
+    removeTemporary();
+    createTemporary(kOwnAccess);
 }
 
-void ImageFile::createTemporary() {
+void ImageFile::createTemporary(mode_t access) {
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
     constexpr int kAttempts = 100;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         std::string name = temporaryName(m_name);
-        m_file = Descriptor(openat(m_folder.number(), name.c_str(),
-                                   O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileBits));
+        m_file = Descriptor(callUninterrupted(
+            [&] { return openat(m_folder.number(), name.c_str(), kFlags, access); }));
         if (m_file.isOpen()) {
             m_temporary = std::move(name);
             return;
@@ -113,21 +140,16 @@ void ImageFile::createTemporary() {
     failToWrite(EEXIST);
 }
 
-// Who may use the old image may use the new one, as far as the system lets us say so.
-void ImageFile::takeOverAccess() const {
-    struct stat old;
-    if (fstatat(m_folder.number(), m_name.c_str(), &old, 0) != 0) return;
-    constexpr uid_t kKeepOwner = static_cast<uid_t>(-1);
-    const int file = m_file.number();
-    const bool sameGroup =
-        fchown(file, old.st_uid, old.st_gid) == 0 || fchown(file, kKeepOwner, old.st_gid) == 0;
-    fchmod(file, old.st_mode & (sameGroup ? kAccessBits : kAccessBitsButGroup));
+void ImageFile::removeTemporary() {
+    unlinkat(m_folder.number(), m_temporary.c_str(), 0);
+    m_temporary.clear();
 }
 
 void ImageFile::write(const char* bytes, std::size_t size) {
+    const SizeSignalHeld held;
     while (size > 0) {
-        const ssize_t written = ::write(m_file.number(), bytes, size);
-        if (written < 0 && errno == EINTR) continue;
+        const ssize_t written =
+            callUninterrupted([&] { return ::write(m_file.number(), bytes, size); });
         require(written >= 0);
         bytes += written;
         size -= static_cast<std::size_t>(written);
@@ -136,12 +158,34 @@ void ImageFile::write(const char* bytes, std::size_t size) {
 
 void ImageFile::commit() {
     const int folder = m_folder.number();
-    require(fsync(m_file.number()) == 0);
+    giveAccess();
+    require(callUninterrupted([&] { return fsync(m_file.number()); }) == 0);
     require(m_file.close());
     require(renameat(folder, m_temporary.c_str(), folder, m_name.c_str()) == 0);
     m_temporary.clear();
-    // The image stands. Some file systems cannot sync a folder, and need not.
-    fsync(folder);
+    syncFolder();
+}
+
+// Who may use the old image may use the new one, as far as the system lets us say so.
+void ImageFile::giveAccess() const {
+    const int file = m_file.number();
+    const FileStatus old = statusOf(m_folder.number(), m_name.c_str(), AT_SYMLINK_NOFOLLOW);
+    if (!old.has_value()) {
+        fchmod(file, m_newFileAccess);
+        return;
+    }
+    constexpr uid_t kKeepOwner = static_cast<uid_t>(-1);
+    const bool sameGroup =
+        fchown(file, old->st_uid, old->st_gid) == 0 || fchown(file, kKeepOwner, old->st_gid) == 0;
+    fchmod(file, old->st_mode & (sameGroup ? kAccessBits : kAccessBitsButGroup));
+}
+
+// The image stands. Some folders cannot be synced, or not by us, and need not.
+void ImageFile::syncFolder() const {
+    constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    const Descriptor folder(
+        callUninterrupted([&] { return openat(m_folder.number(), kItself, kFlags); }));
+    if (folder.isOpen()) callUninterrupted([&] { return fsync(folder.number()); });
 }
 
 }  // namespace Dictionary

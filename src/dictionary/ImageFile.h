@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Descriptor.h"
+#include "FileStatus.h"
 
 namespace Dictionary {
 
@@ -15,8 +16,8 @@ namespace Dictionary {
 // renamed folder does not lead the image astray.
 class ImageFile {
 public:
-    // Sees whether an image could be written under `name`. A symbolic link is followed: the file
-    // that it leads to is the one to replace.
+    // Sees whether an image could be written under `name`. A symbolic link is followed where the
+    // system follows it: the file that it leads to is the one to replace.
     explicit ImageFile(const char* name);
     // Removes what was written, unless it was committed.
     ~ImageFile();
@@ -24,20 +25,29 @@ public:
     ImageFile(const ImageFile&) = delete;
     ImageFile& operator=(const ImageFile&) = delete;
 
-    // The stages, in order.
+    // Whether that is the file to replace.
+    bool replaces(const FileStatus& file) const {
+        return m_old.has_value() && areSame(m_old, file);
+    }
+
+    // The stages, in order. Nobody else can open the image before it is complete.
     void create();
     void write(const char* bytes, std::size_t size);
     void commit();
 
 private:
-    void refuseWhatIsNoImage() const;
-    void createTemporary();
-    void takeOverAccess() const;
+    void openFolder(const std::string& folder);
+    void createTemporary(mode_t access);
+    void removeTemporary();
+    void giveAccess() const;
+    void syncFolder() const;
 
-    Descriptor m_folder;
+    FileStatus m_old;
+    Descriptor m_folder;      // for its place alone: it need not be readable
     std::string m_name;       // in the folder
     std::string m_temporary;  // likewise; empty when there is none
     Descriptor m_file;
+    mode_t m_newFileAccess = 0;  // as the umask or the folder has it
 };
 
 }  // namespace Dictionary

@@ -1,7 +1,7 @@
 #include "SourceText.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <poll.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -17,13 +17,6 @@ namespace {
     throw SystemFailure{DICTIONARY_PROBLEM_CANNOT_READ, error};
 }
 
-// What the system knows of a file's size: nothing of a pipe's.
-std::uint64_t sizeOf(const Descriptor& file) {
-    struct stat status;
-    if (fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
-    return static_cast<std::uint64_t>(status.st_size);
-}
-
 }  // namespace
 
 std::string_view MemoryText::more(std::size_t unread) {
@@ -35,7 +28,6 @@ std::string_view MemoryText::more(std::size_t unread) {
 }
 
 std::string_view FileText::more(std::size_t unread) {
-    if (!m_file.isOpen()) open();
     if (unread > 0) std::memmove(m_buffer.data(), m_buffer.data() + m_filled - unread, unread);
     if (m_buffer.size() < unread + kStretchBytes) m_buffer.resize(2 * (unread + kStretchBytes));
     const std::size_t added = m_ended ? 0 : fill(m_buffer.data() + unread);
@@ -47,21 +39,43 @@ std::string_view FileText::more(std::size_t unread) {
 
 void FileText::open() {
     if (m_fileName == nullptr) failToRead(EFAULT);
-    m_file = Descriptor(::open(m_fileName, O_RDONLY | O_CLOEXEC));
+    // Opening does not wait for a pipe's writer, which waitForBytes does.
+    constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
+    m_file = Descriptor(callUninterrupted([&] { return ::open(m_fileName, kFlags); }));
     if (!m_file.isOpen()) failToRead(errno);
-    m_size = sizeOf(m_file);
+    struct stat status;
+    if (fstat(m_file.number(), &status) == 0) m_status = status;
+}
+
+// What the system knows of it: nothing of a pipe's.
+std::uint64_t FileText::size() const {
+    return isRegular() ? static_cast<std::uint64_t>(m_status->st_size) : 0;
 }
 
 // Reads a stretch, less at the source's end alone. Returns its size.
 std::size_t FileText::fill(char* room) {
     std::size_t filled = 0;
     while (filled < kStretchBytes) {
-        const ssize_t size = read(m_file.number(), room + filled, kStretchBytes - filled);
+        if (!isRegular()) waitForBytes();
+        const ssize_t size = callUninterrupted(
+            [&] { return read(m_file.number(), room + filled, kStretchBytes - filled); });
         if (size == 0) break;
-        if (size < 0 && errno != EINTR) failToRead(errno);
+        if (size < 0 && errno != EAGAIN) failToRead(errno);
         if (size > 0) filled += static_cast<std::size_t>(size);
     }
     return filled;
+}
+
+// Until there is something to read, or it is known that nothing comes.
+void FileText::waitForBytes() const {
+    constexpr int kMilliseconds = 50;
+    pollfd waiting = {m_file.number(), POLLIN, 0};
+    for (;;) {
+        const int ready = poll(&waiting, 1, kMilliseconds);
+        if (ready > 0) return;
+        if (ready < 0 && errno != EINTR) failToRead(errno);
+        m_wait();
+    }
 }
 
 }  // namespace Dictionary

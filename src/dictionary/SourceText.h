@@ -5,16 +5,28 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Descriptor.h"
+#include "FileStatus.h"
 
 namespace Dictionary {
 
 class SourceText {
 public:
     virtual ~SourceText() = default;
+
+    // Called once, before the others. Throws a SystemFailure.
+    virtual void open() {}
+
+    // None of bytes in memory.
+    virtual FileStatus file() const { return std::nullopt; }
+
+    // `action` is called several times a second while more() waits for bytes, and may throw.
+    void whileWaiting(std::function<void()> action) { m_wait = std::move(action); }
 
     // The last `unread` bytes of those handed out so far, and a stretch of new ones behind them;
     // none are new at the source's end. What was handed out before is no longer valid.
@@ -30,6 +42,7 @@ protected:
     static constexpr std::size_t kStretchBytes = std::size_t{1} << 20;
 
     std::uint64_t m_position = 0;
+    std::function<void()> m_wait = [] {};
 };
 
 class MemoryText : public SourceText {
@@ -48,20 +61,23 @@ private:
 // A file is read, never mapped, so that nobody who cuts it short meanwhile ends the process.
 class FileText : public SourceText {
 public:
-    // A file, or whatever else has that name. It is opened when it is first read.
+    // A file, or whatever else has that name.
     explicit FileText(const char* fileName) : m_fileName(fileName) {}
 
+    void open() override;
+    FileStatus file() const override { return m_status; }
     // Throws a SystemFailure.
     std::string_view more(std::size_t unread) override;
-    std::uint64_t size() const override { return m_size; }
+    std::uint64_t size() const override;
 
 private:
-    void open();
+    bool isRegular() const { return m_status.has_value() && S_ISREG(m_status->st_mode); }
     std::size_t fill(char* room);
+    void waitForBytes() const;
 
     const char* m_fileName;
     Descriptor m_file;
-    std::uint64_t m_size = 0;
+    FileStatus m_status;
     std::vector<char> m_buffer;
     std::size_t m_filled = 0;  // bytes in the buffer, the last ones handed out at its end
     bool m_ended = false;      // a terminal may go on behind its end

@@ -138,6 +138,10 @@ int __real_fstat(int file, struct stat* status);
 int __wrap_fstat(int file, struct stat* status) {
     return call("fstat", -1, __real_fstat, file, status);
 }
+int __real_fstatat(int folder, const char* path, struct stat* status, int flags);
+int __wrap_fstatat(int folder, const char* path, struct stat* status, int flags) {
+    return call("fstatat", -1, __real_fstatat, folder, path, status, flags);
+}
 int __real_fsync(int file);
 int __wrap_fsync(int file) {
     return call("fsync", -1, __real_fsync, file);

@@ -97,8 +97,9 @@ char build(const Place& place, const std::string& whole, int error) {
 }
 
 TEST(SystemFault, CheckedBuildsTellWhatFailedAndLeaveTheOldImage) {
-    const Row rows[] = {{"open", "WR"},      {"fstat", "."},  {"openat", "W"},   {"read", "R", "."},
-                        {"write", "W", "."}, {"fsync", "W."}, {"renameat", "W"}, {"close", "W."}};
+    const Row rows[] = {{"fstatat", "W"},      {"open", "WR", "."},   {"fstat", ".W"},
+                        {"openat", "W.", "."}, {"read", "R", "."},    {"write", "W", "."},
+                        {"fsync", "W.", "."},  {"close", ".W.", "."}, {"renameat", "W"}};
     const Place place;
     std::string whole;
     {
@@ -125,9 +126,9 @@ char openImage(const std::string& name, int mode, int error) {
 
 TEST(SystemFault, CheckedOpensTellWhatFailed) {
     const std::pair<int, Row> rows[] = {
-        {DICTIONARY_OPEN_MAP, {"open", "U"}},  {DICTIONARY_OPEN_MAP, {"fstat", "U"}},
-        {DICTIONARY_OPEN_MAP, {"mmap", "U"}},  {DICTIONARY_OPEN_MAP, {"close", "."}},
-        {DICTIONARY_OPEN_COPY, {"mmap", "U"}}, {DICTIONARY_OPEN_COPY, {"read", "U", "."}}};
+        {DICTIONARY_OPEN_MAP, {"open", "U", "."}}, {DICTIONARY_OPEN_MAP, {"fstat", "U"}},
+        {DICTIONARY_OPEN_MAP, {"mmap", "U"}},      {DICTIONARY_OPEN_MAP, {"close", "."}},
+        {DICTIONARY_OPEN_COPY, {"mmap", "U"}},     {DICTIONARY_OPEN_COPY, {"read", "U", "."}}};
     const Place place;
     for (const auto& [mode, row] : rows) {
         expectOutcomes(row,
