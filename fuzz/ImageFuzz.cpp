@@ -3,11 +3,10 @@
 
 #include "BoundaryText.h"
 #include "DATInterface.h"
-#include "DATMatch.h"
 #include "DATReader.h"
+#include "Dictionary.h"
 #include "Fuzz.h"
 #include "ImageCheck.h"
-#include "ImageHandle.h"
 #include "LetterCoder.h"
 
 namespace {
@@ -24,21 +23,30 @@ void lookUp(ICoderInterface& coder, char* image, const std::string& text, bool r
     reader.allMatch(text.c_str(), groups, false, -1);
 }
 
-void lookUp(void* handle, const std::string& text) {
-    DictionaryMatches list = {nullptr, 0, 0};
+void lookUp(DictionaryHandle* handle, const std::string& text) {
+    DictionaryMatches list = {};
+    DictionaryFindOptions options = {};
+    options.size = sizeof options;
+    options.unit = DICTIONARY_UNIT_UTF16;
+    const DictionaryText searched = {text.data(), text.size()};
     std::string data;
-    for (int mode = DICTIONARY_FIND_ALL; mode <= DICTIONARY_FIND_AS_SEARCH; ++mode) {
-        require(
-            dictionaryFind(handle, mode, DICTIONARY_UNIT_UTF16, text.data(), text.size(), &list),
-            "a short text can be searched");
-        for (std::size_t i = 0; i < list.count; ++i) {
-            data.append(list.items[i].data, list.items[i].dataLength);
-        }
+    const auto add = [](void* all, const DictionaryMatch* match) {
+        static_cast<std::string*>(all)->append(match->data.bytes, match->data.size);
+        return true;
+    };
+    for (const int mode : {DICTIONARY_FIND_ALL, DICTIONARY_FIND_LONGEST, DICTIONARY_FIND_SEGMENT,
+                           DICTIONARY_FIND_PREFIXES, DICTIONARY_FIND_CLASSIC}) {
+        options.mode = mode;
+        require(dictionaryFindMatches(handle, &options, searched, &list, nullptr) == DICTIONARY_OK,
+                "a short text can be searched");
+        for (std::size_t i = 0; i < list.count; ++i) add(&data, &list.items[i]);
+        dictionaryVisitMatches(handle, &options, searched, add, &data, nullptr);
     }
-    dictionaryReleaseMatches(&list);
-    const char* found = nullptr;
-    std::size_t size = 0;
-    dictionaryLookup(handle, text.data(), text.size(), &found, &size);
+    dictionaryFreeMatches(&list);
+    bool contains = false;
+    dictionaryContainsKey(handle, nullptr, searched, &contains, nullptr);
+    DictionaryText found;
+    if (dictionaryLookupKey(handle, searched, &found)) data.append(found.bytes, found.size);
     freeResult(search(text.c_str(), handle, true));
 }
 
@@ -53,16 +61,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Dictionary::CUTF8Coder utf8;
     for (ICoderInterface* const coder :
          {static_cast<ICoderInterface*>(&letters), static_cast<ICoderInterface*>(&utf8)}) {
-        const DictionaryImageFault fault =
+        const Dictionary::ImageFault fault =
             Dictionary::checkImage(guarded.data(), image.size(), coder->getNumOfSingleWord());
         require(fault.text != nullptr && fault.offset < static_cast<std::int64_t>(image.size()),
                 "a fault lies in the image");
-        if (fault.code != DICTIONARY_IMAGE_OK) continue;
+        if (fault.code != DICTIONARY_OK) continue;
         for (const bool reverse : {false, true}) lookUp(*coder, guarded.data(), text, reverse);
     }
-    if (!dictionaryVerify(guarded.data(), image.size(), nullptr)) return 0;
-    void* const handle = Dictionary::ImageHandle::make(guarded.data(), image.size());
+    DictionaryHandle* const handle =
+        dictionaryOpenBytes({guarded.data(), image.size()}, DICTIONARY_OPEN_BORROW, nullptr);
+    if (handle == nullptr) return 0;
     lookUp(handle, text);
-    destroyBin(handle);
+    dictionaryClose(handle);
     return 0;
 }

@@ -2,17 +2,21 @@
 // wrong is named.
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <thread>
+#include <tuple>
 
 #include "BoundaryText.h"
-#include "DATChecked.h"
 #include "DATDictionarySample.h"
 #include "DATInterface.h"
 #include "DATReader.h"
 #include "DATWriter.h"
+#include "Dictionary.h"
 #include "ImageCheck.h"
 #include "LetterCoder.h"
 #include "TemporaryFile.h"
@@ -35,7 +39,7 @@ std::string imageOf(const Keys& keys, bool reverse = false, int builds = 1, int 
     return {image.get(), static_cast<std::size_t>(writer.imageSize())};
 }
 
-DictionaryImageFault check(const std::string& image) {
+Dictionary::ImageFault check(const std::string& image) {
     return Dictionary::checkImage(image.data(), image.size(), LetterCoder().getNumOfSingleWord());
 }
 
@@ -48,7 +52,7 @@ const Keys kKeySets[] = {
 
 // Counts images that are accepted, over which no lookup may reach the page behind them.
 int tryOut(const std::string& image) {
-    if (check(image).code != DICTIONARY_IMAGE_OK) return 0;
+    if (check(image).code != DICTIONARY_OK) return 0;
     LetterCoder coder;
     const GuardedBytes guarded(image);
     Dictionary::CDATReader reader(&coder, guarded.data(), false);
@@ -70,7 +74,7 @@ TEST(CheckedImage, AcceptsWhatWritersMakeAndElseOnlyWhatIsSafe) {
         EXPECT_EQ(tryOut(image) + tryOut(imageOf(keys, true)) + tryOut(imageOf(keys, false, 2, 2)),
                   3);
         for (std::size_t i = 0; i < image.size(); ++i) {
-            EXPECT_NE(check(image.substr(0, i)).code, DICTIONARY_IMAGE_OK) << i;
+            EXPECT_NE(check(image.substr(0, i)).code, DICTIONARY_OK) << i;
             std::string changed = image;
             for (int bit = 0; bit < 8; ++bit) {
                 changed[i] = static_cast<char>(image[i] ^ (1 << bit));
@@ -130,12 +134,12 @@ TEST(CheckedImage, NamesWhatIsWrong) {
         {{{word(66, 2), 4}}, DICTIONARY_IMAGE_FEATURE, 66, 800},
         {{{word(66, 2), 11}}, DICTIONARY_IMAGE_FEATURE, 66, 800},
         {{{word(66, 2), -2}}, DICTIONARY_IMAGE_FEATURE, 66, 800},
-        {{{word(66, 2), -1}}, DICTIONARY_IMAGE_OK, -1, -1},
+        {{{word(66, 2), -1}}, DICTIONARY_OK, -1, -1},
     };
     for (const Wrong& row : rows) {
         std::string wrong = image;
         for (const auto& [at, value] : row.changes) std::memcpy(&wrong[4 * at], &value, 4);
-        const DictionaryImageFault fault = check(wrong);
+        const Dictionary::ImageFault fault = check(wrong);
         EXPECT_TRUE(row.code == fault.code && row.cell == fault.cell && row.offset == fault.offset)
             << "word " << row.changes[0].first << " = " << row.changes[0].second << ": "
             << fault.text << ", code " << fault.code << ", byte " << fault.offset;
@@ -148,22 +152,78 @@ TEST(CheckedOpen, GivesHandlesToSearch) {
     for (const auto& [records, expected] : rows) {
         const TemporaryFile source(records), image;
         printedBy([&] { buildTree(source.path(), image.path()); });
+        const std::string bytes = image.content();
         const int descriptor = nextDescriptor();
-        for (const int mode : {DICTIONARY_OPEN_MAP, DICTIONARY_OPEN_COPY}) {
-            DictionaryImageFault fault;
-            void* const handle = dictionaryOpen(image.path(), mode, &fault);
-            ASSERT_NE(handle, nullptr) << fault.text;
-            EXPECT_EQ(fault.code, DICTIONARY_IMAGE_OK);
-            EXPECT_EQ(fault.systemError, 0);
-            // A copy stands, whatever becomes of the file.
-            if (mode == DICTIONARY_OPEN_COPY) std::ofstream(image.path(), std::ios::trunc);
+        const auto expectFound = [expected = expected](DictionaryHandle* handle) {
+            ASSERT_NE(handle, nullptr);
             char* const result = search("xab", handle, true);
             EXPECT_STREQ(result, expected);
             freeResult(result);
             destroyBin(handle);
+        };
+        DictionaryError error;
+        for (const int mode : {DICTIONARY_OPEN_MAP, DICTIONARY_OPEN_SHARE, DICTIONARY_OPEN_COPY}) {
+            DictionaryHandle* const handle = dictionaryOpenFile(image.path(), mode, &error);
+            EXPECT_EQ(error.code, DICTIONARY_OK) << error.text;
+            // A copy stays, whatever becomes of the file.
+            if (mode == DICTIONARY_OPEN_COPY) std::ofstream(image.path(), std::ios::trunc);
+            expectFound(handle);
+        }
+        for (const int mode : {DICTIONARY_OPEN_COPY, DICTIONARY_OPEN_BORROW}) {
+            std::string own = bytes;
+            DictionaryHandle* const handle =
+                dictionaryOpenBytes({own.data(), own.size()}, mode, &error);
+            if (mode == DICTIONARY_OPEN_COPY) own.assign(own.size(), 'x');
+            expectFound(handle);
         }
         EXPECT_EQ(nextDescriptor(), descriptor);
     }
+}
+
+TEST(CheckedOpen, SharesAnUnchangedFileAlsoWithThreadsAndChildren) {
+    const TemporaryFile source("a\t1\n"), other("b\t2\n"), image;
+    const auto build = [&](const TemporaryFile& from) {
+        printedBy([&] { buildTree(from.path(), image.path()); });
+    };
+    const auto open = [&] {
+        return dictionaryOpenFile(image.path(), DICTIONARY_OPEN_SHARE, nullptr);
+    };
+    const auto bytesOf = [](const DictionaryHandle* handle) {
+        return dictionaryImageBytes(handle, 0).bytes;
+    };
+    build(source);
+    DictionaryHandle* const first = open();
+    std::atomic<int> strangers{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 50; ++round) {
+                DictionaryHandle* const handle = open();
+                if (bytesOf(handle) != bytesOf(first)) ++strangers;
+                dictionaryClose(handle);
+            }
+        });
+    }
+    for (int round = 0; round < 20; ++round) {
+        const pid_t child = fork();
+        if (child == 0) {
+            DictionaryHandle* const handle = open();
+            _exit(bytesOf(handle) == bytesOf(first) ? 0 : 1);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(strangers, 0);
+    unlink(image.path());
+    build(other);
+    DictionaryHandle* const second = open();
+    EXPECT_NE(bytesOf(second), bytesOf(first));
+    EXPECT_TRUE(dictionaryLookupKey(second, {"b", 1}, nullptr));
+    dictionaryClose(first);
+    dictionaryClose(second);
+    dictionaryClose(nullptr);
 }
 
 TEST(CheckedOpen, SaysWhyItCannotOpen) {
@@ -172,24 +232,86 @@ TEST(CheckedOpen, SaysWhyItCannotOpen) {
     unlink(pipe.path());
     ASSERT_EQ(mkfifo(pipe.path(), 0600), 0);
     const std::tuple<const char*, int, int, int> rows[] = {
-        {"/no/such/file", DICTIONARY_OPEN_MAP, DICTIONARY_IMAGE_UNREADABLE, ENOENT},
-        {nullptr, DICTIONARY_OPEN_MAP, DICTIONARY_IMAGE_UNREADABLE, ENOENT},
-        {"/", DICTIONARY_OPEN_COPY, DICTIONARY_IMAGE_UNREADABLE, EISDIR},
-        {pipe.path(), DICTIONARY_OPEN_COPY, DICTIONARY_IMAGE_UNREADABLE, EINVAL},
-        {empty.path(), 2, DICTIONARY_IMAGE_UNREADABLE, EINVAL},
+        {"/no/such/file", DICTIONARY_OPEN_MAP, DICTIONARY_CANNOT_READ, ENOENT},
+        {"/", DICTIONARY_OPEN_COPY, DICTIONARY_CANNOT_READ, EISDIR},
+        {pipe.path(), DICTIONARY_OPEN_SHARE, DICTIONARY_CANNOT_READ, EINVAL},
+        {nullptr, DICTIONARY_OPEN_MAP, DICTIONARY_BAD_ARGUMENT, 0},
+        {empty.path(), DICTIONARY_OPEN_BORROW, DICTIONARY_BAD_ARGUMENT, 0},
         {empty.path(), DICTIONARY_OPEN_MAP, DICTIONARY_IMAGE_TOO_SHORT, 0},
         {headless.path(), DICTIONARY_OPEN_COPY, DICTIONARY_IMAGE_TOO_SHORT, 0},
         {huge.path(), DICTIONARY_OPEN_MAP, DICTIONARY_IMAGE_TOO_LARGE, 0},
     };
     for (const auto& [name, mode, code, systemError] : rows) {
-        DictionaryImageFault fault;
-        EXPECT_EQ(dictionaryOpen(name, mode, &fault), nullptr);
-        EXPECT_EQ(fault.code, code) << fault.text;
-        EXPECT_EQ(fault.systemError, systemError);
+        DictionaryError error;
+        EXPECT_EQ(dictionaryOpenFile(name, mode, &error), nullptr);
+        EXPECT_EQ(error.code, code) << error.text;
+        EXPECT_EQ(error.systemError, systemError);
+        EXPECT_EQ(error.path, code == DICTIONARY_BAD_ARGUMENT ? nullptr : name);
+        if (mode != DICTIONARY_OPEN_BORROW && name != nullptr) {
+            EXPECT_EQ(dictionaryVerifyImage(name, nullptr), code);
+        }
     }
+    DictionaryError error;
+    for (const DictionaryText& bytes : {DictionaryText{nullptr, 20}, {"", 0}, {"short", 5}}) {
+        EXPECT_EQ(dictionaryOpenBytes(bytes, DICTIONARY_OPEN_COPY, &error), nullptr);
+        EXPECT_NE(error.code, DICTIONARY_OK);
+        EXPECT_NE(dictionaryVerifyBytes(bytes, &error), DICTIONARY_OK);
+    }
+}
+
+TEST(CheckedOpen, SetsAreMadeOfImages) {
+    const std::string image = imageOf({});
+    DictionaryHandle* const one =
+        dictionaryOpenBytes({image.data(), image.size()}, DICTIONARY_OPEN_BORROW, nullptr);
+    const std::vector<const DictionaryHandle*> many(65, one), none(1, nullptr);
+    DictionaryHandle* const set = dictionaryOpenSet(many.data(), 64, nullptr);
+    ASSERT_NE(set, nullptr);
+    DictionaryDescription description = {};
+    DictionaryError error;
+    EXPECT_EQ(dictionaryDescribe(set, &description, &error), DICTIONARY_BAD_ARGUMENT);
+    description.size = sizeof description;
+    EXPECT_EQ(dictionaryDescribe(set, &description, &error), DICTIONARY_OK);
+    EXPECT_EQ(description.images, 64u);
+    EXPECT_EQ(description.imageBytes, 64 * image.size());
+    const std::vector<const DictionaryHandle*> sets(1, set);
+    EXPECT_EQ(dictionaryOpenSet(many.data(), 65, nullptr), nullptr);
+    EXPECT_EQ(dictionaryOpenSet(many.data(), 0, nullptr), nullptr);
+    EXPECT_EQ(dictionaryOpenSet(none.data(), 1, nullptr), nullptr);
+    EXPECT_EQ(dictionaryOpenSet(sets.data(), 1, &error), nullptr);
+    EXPECT_EQ(error.code, DICTIONARY_BAD_ARGUMENT);
+    char* const result = search("text", set, true);
+    EXPECT_STREQ(result, "");
+    freeResult(result);
+    dictionaryClose(set);
+    dictionaryClose(one);
+}
+
+TEST(CheckedError, IsOneLine) {
+    DictionaryError error = {};
+    error.code = DICTIONARY_NO_FIELD;
+    error.cell = error.offset = -1;
+    error.path = "a\n\xFF\u00E9";
+    error.line = 3;
+    std::strcpy(error.text, "text\t");
+    std::vector<std::string> lines = {"a\\x0A\\xFF\u00E9:3: no-field: text\\x09"};
+    const auto message = [&](std::size_t size) {
+        std::string line(size + 1, '#');
+        EXPECT_EQ(dictionaryErrorMessage(&error, line.data(), size), lines.back().size());
+        EXPECT_EQ(line.back(), '#') << "nothing is written after the buffer";
+        return size == 0 ? "" : std::string(line.c_str());
+    };
+    EXPECT_EQ(message(100), lines.back());
+    // Cut off, but not in the middle of a character.
+    for (std::size_t size = 0; size < 20; ++size) {
+        const std::size_t length = size == 11 ? 9 : size - (size > 0);
+        EXPECT_EQ(message(size), lines.back().substr(0, length)) << size;
+    }
+    error = {DICTIONARY_IMAGE_BASE, 0, EIO, 0, nullptr, 0, 0, 7, 84, "base"};
+    lines.push_back("base: base: Input/output error, cell 7, byte 84");
+    EXPECT_EQ(message(100), lines.back());
+    EXPECT_EQ(dictionaryErrorMessage(nullptr, nullptr, 0), 0u);
     for (const int code : {INT_MIN, -1, 100, INT_MAX}) {
-        EXPECT_STREQ(dictionaryFaultName(code), "unknown");
-        EXPECT_STREQ(dictionaryProblemName(code), "unknown");
+        EXPECT_STREQ(dictionaryCodeName(code), "unknown");
     }
 }
 

@@ -4,13 +4,12 @@
 #include <random>
 #include <tuple>
 
-#include "DATDictionary.h"
+#include "DATInterface.h"
+#include "Dictionary.h"
 #include "LookupModel.h"
 #include "TemporaryFile.h"
 
 namespace {
-
-using Dictionary::CImage;
 
 struct Character {
     std::string bytes;
@@ -38,14 +37,17 @@ public:
     }
 };
 
-CImage imageOf(const Words& words) {
+using Handle = std::unique_ptr<DictionaryHandle, decltype(&dictionaryClose)>;
+
+Handle imageOf(const Words& words) {
     std::map<std::string, std::string> pairs;
     for (const auto& [key, data] : words) pairs[key] = data + '\t';
     LabelCoder coder;
     std::unique_ptr<LookupImage> image;
     printedBy([&] { image = std::make_unique<LookupImage>(coder, pairs, false); });
-    const TemporaryFile file(image->bytes());
-    return CImage::open(file.path(), DICTIONARY_OPEN_COPY);
+    const std::string bytes = image->bytes();
+    return {dictionaryOpenBytes({bytes.data(), bytes.size()}, DICTIONARY_OPEN_COPY, nullptr),
+            dictionaryClose};
 }
 
 std::string bytesOf(const Text& text, std::size_t from, std::size_t to) {
@@ -66,11 +68,13 @@ std::size_t sizeOf(const Text& text, std::size_t from, std::size_t to, int unit)
 Found expected(const Words& words, const Text& text, int mode, int unit) {
     Found all;
     for (std::size_t from = 0, next = 1; from < text.size(); from = next, next = from + 1) {
+        if (mode == DICTIONARY_FIND_PREFIXES && from > 0) break;
+        const bool isEvery = mode == DICTIONARY_FIND_ALL || mode == DICTIONARY_FIND_PREFIXES;
         bool isFirst = true;
         for (std::size_t to = from + 1; to <= text.size(); ++to) {
             const auto word = words.find(bytesOf(text, from, to));
             if (word == words.end()) continue;
-            if (mode != DICTIONARY_FIND_ALL && !isFirst) all.pop_back();
+            if (!isEvery && !isFirst) all.pop_back();
             isFirst = false;
             if (mode == DICTIONARY_FIND_SEGMENT) next = to;
             all.emplace_back(sizeOf(text, 0, from, unit), sizeOf(text, from, to, unit),
@@ -80,13 +84,57 @@ Found expected(const Words& words, const Text& text, int mode, int unit) {
     return all;
 }
 
-Found found(const CImage& image, const std::string& text, int mode, int unit) {
-    Found all;
-    for (const Dictionary::SMatch& match : image.find(static_cast<DictionaryFindMode>(mode), text,
-                                                      static_cast<DictionaryUnit>(unit))) {
-        all.emplace_back(match.start, match.length, match.dataText());
+std::string textOf(DictionaryText text) {
+    return std::string(text.bytes == nullptr ? "" : text.bytes, text.size);
+}
+
+DictionaryFindOptions optionsOf(int mode, int unit = DICTIONARY_UNIT_BYTE) {
+    DictionaryFindOptions options = {};
+    options.size = sizeof options;
+    options.mode = mode;
+    options.unit = unit;
+    return options;
+}
+
+// Matches of a text, found once as a list and once one by one.
+Found found(const Handle& image, const std::string& text, int mode, int unit) {
+    const DictionaryFindOptions options = optionsOf(mode, unit);
+    const DictionaryText searched = {text.data(), text.size()};
+    DictionaryMatches matches = {};
+    EXPECT_EQ(dictionaryFindMatches(image.get(), &options, searched, &matches, nullptr),
+              DICTIONARY_OK);
+    Found all, visited;
+    const auto add = [](void* found, const DictionaryMatch* match) {
+        static_cast<Found*>(found)->emplace_back(match->start, match->length, textOf(match->data));
+        return true;
+    };
+    for (std::size_t i = 0; i < matches.count; ++i) {
+        add(&all, &matches.items[i]);
+        const DictionaryMatch& match = matches.items[i];
+        EXPECT_EQ(dictionaryDataAt(image.get(), match.image, match.dataNumber).bytes,
+                  match.data.bytes);
     }
+    dictionaryFreeMatches(&matches);
+    EXPECT_EQ(dictionaryVisitMatches(image.get(), &options, searched, add, &visited, nullptr),
+              DICTIONARY_OK);
+    EXPECT_EQ(all, visited);
     return all;
+}
+
+bool isKey(const Handle& image, const std::string& key, const std::string& expectedData) {
+    DictionaryText data = {"before", 6};
+    const bool is = dictionaryLookupKey(image.get(), {key.data(), key.size()}, &data);
+    EXPECT_EQ(data.bytes != nullptr, is);
+    EXPECT_EQ(textOf(data), is ? expectedData + '\t' : "");
+    return is;
+}
+
+bool contains(const Handle& image, const std::string& text) {
+    bool answer = false;
+    EXPECT_EQ(
+        dictionaryContainsKey(image.get(), nullptr, {text.data(), text.size()}, &answer, nullptr),
+        DICTIONARY_OK);
+    return answer;
 }
 
 TEST(Match, EqualsTheModelInEveryModeAndUnit) {
@@ -103,7 +151,7 @@ TEST(Match, EqualsTheModelInEveryModeAndUnit) {
                    {"b\U0001F600\U00010061", "11"}};
     // No key begins inside a character, whatever an image says.
     words["<\U0001F600a"] = words["<\U00010061"] = "none";
-    const CImage image = imageOf(words);
+    const Handle image = imageOf(words);
     const Text letters = {{"a"},    {"b"},    {"\u00e9"}, {"\u4e2d"},        {"\uffff"},
                           {"\x80"}, {"\xF5"}, {{'\0'}},   {"\U0001F600", 2}, {"\U00010061", 2}};
     const Text surrogates = {{"\xED"}, {"\xA0"}, {"\xBD"}, {"\xED"}, {"\xB8"}, {"\x80"}};
@@ -113,106 +161,143 @@ TEST(Match, EqualsTheModelInEveryModeAndUnit) {
         for (auto i = random() % 40; i > 0; --i) text.push_back(letters[random() % letters.size()]);
         if (round % 10 == 0) text.insert(text.end(), surrogates.begin(), surrogates.end());
         const std::string bytes = bytesOf(text, 0, text.size());
-        for (int mode = DICTIONARY_FIND_ALL; mode <= DICTIONARY_FIND_SEGMENT; ++mode) {
+        for (const int mode : {DICTIONARY_FIND_ALL, DICTIONARY_FIND_LONGEST,
+                               DICTIONARY_FIND_SEGMENT, DICTIONARY_FIND_PREFIXES}) {
             for (int unit = DICTIONARY_UNIT_BYTE; unit <= DICTIONARY_UNIT_UTF16; ++unit) {
                 EXPECT_EQ(found(image, bytes, mode, unit), expected(words, text, mode, unit));
             }
         }
-        std::string data;
-        EXPECT_EQ(image.lookup(bytes, data), words.count(bytes) > 0);
+        const auto word = words.find(bytes);
+        const bool isWord = word != words.end();
+        EXPECT_EQ(isKey(image, bytes, isWord ? word->second : ""), isWord);
+        EXPECT_EQ(contains(image, bytes), !expected(words, text, DICTIONARY_FIND_ALL, 0).empty());
 
         std::string listed;
         for (const auto& [start, length, feature] :
-             found(image, bytes, DICTIONARY_FIND_AS_SEARCH, DICTIONARY_UNIT_BYTE)) {
+             found(image, bytes, DICTIONARY_FIND_CLASSIC, DICTIONARY_UNIT_BYTE)) {
             listed +=
                 bytes.substr(start, length) + '/' + std::to_string(start) + ':' + feature + '\t';
         }
-        char* const result = search(bytes.c_str(), image.handle(), true);
+        char* const result = search(bytes.c_str(), image.get(), true);
         EXPECT_EQ(listed, result);
         freeResult(result);
+    }
+    for (const auto& [key, data] : words) {
+        EXPECT_EQ(isKey(image, key, data), key[0] != '<') << key;
     }
 }
 
 TEST(Match, SeveralTextsShareAList) {
-    const CImage image = imageOf({{"a", "1"}, {"ab", "2"}});
-    const char* const texts[] = {"xab", nullptr, "none", "a"};
-    const std::size_t sizes[] = {3, 0, 4, 1};
-    const std::size_t tooLong = std::size_t{1} << 31;
+    const Handle image = imageOf({{"a", "1"}, {"ab", "2"}});
+    DictionaryText texts[] = {{"xab", 3}, {nullptr, 0}, {"none", 4}, {"a", 1}};
     std::vector<std::size_t> ends(4);
-    DictionaryMatches matches = {nullptr, 0, 0};
+    DictionaryMatches matches = {};
+    DictionaryError error;
+    const auto find = [&](const DictionaryFindOptions* options) {
+        return dictionaryFindInTexts(image.get(), options, texts, 4, &matches, ends.data(), &error);
+    };
     for (int again = 0; again < 2; ++again) {
-        EXPECT_TRUE(dictionaryFindInEach(image.handle(), DICTIONARY_FIND_ALL, DICTIONARY_UNIT_BYTE,
-                                         texts, sizes, 4, &matches, ends.data()));
+        EXPECT_EQ(find(nullptr), DICTIONARY_OK);
         EXPECT_EQ(ends, (std::vector<std::size_t>{2, 2, 2, 3}));
         EXPECT_EQ(matches.count, 3u);
     }
-    for (const auto& [mode, unit] : {std::pair{4, 0}, {-1, 0}, {0, -1}, {0, 3}}) {
-        EXPECT_FALSE(dictionaryFindInEach(image.handle(), mode, unit, texts, sizes, 4, &matches,
-                                          ends.data()));
+    const auto expectRefused = [&](const DictionaryFindOptions* options, int code) {
+        EXPECT_EQ(find(options), code) << error.text;
         EXPECT_EQ(ends, std::vector<std::size_t>(4));
-    }
-    EXPECT_FALSE(dictionaryFind(image.handle(), 0, 0, "a", 1, nullptr));
-    EXPECT_FALSE(dictionaryFind(image.handle(), 0, 0, "a", tooLong, &matches));
-    EXPECT_FALSE(dictionaryLookup(image.handle(), "a", tooLong, nullptr, nullptr));
-    EXPECT_EQ(matches.count, 0u);
-    dictionaryReleaseMatches(&matches);
-    EXPECT_EQ(matches.items, nullptr);
-    dictionaryReleaseMatches(nullptr);
-}
-
-TEST(Match, HandlesWithoutAnImageFindNothing) {
-    const TemporaryFile empty;
-    const int descriptor = nextDescriptor();
-    for (const char* name : {"/no/such/file", empty.path(), ""}) {
-        void* handle = nullptr;
-        if (*name != '\0') printedBy([&] { handle = loadBin(name); });
-        DictionaryMatches matches = {nullptr, 0, 0};
-        EXPECT_TRUE(dictionaryFind(handle, 0, 0, "a", 1, &matches));
-        const char* data = "before";
-        EXPECT_FALSE(dictionaryLookup(handle, "a", 1, &data, nullptr));
-        EXPECT_TRUE(matches.count == 0 && data == nullptr);
-        destroyBin(handle);
-    }
-    close(descriptor);  // a failed mapping leaves it open
-}
-
-void expectError(const char* source, const char* image, const std::string& start) {
-    try {
-        Dictionary::buildImage(source, image);
-        FAIL();
-    } catch (const Dictionary::CBuildError& error) {
-        EXPECT_EQ(std::string(error.what()).find(start), 0u) << error.what();
-    }
-}
-
-TEST(Match, TheCppFaceSaysWhatIsWrong) {
-    const TemporaryFile source("a\t1\n\U0001F600\t2\n"), image("no image\2\2\2\2");
-    try {
-        CImage::open(image.path());
-        FAIL();
-    } catch (const Dictionary::CImageError& error) {
-        const std::string message = image.path() + (": header: " + std::string(error.fault().text));
-        EXPECT_EQ(error.what(), message + ", cell 0, byte 8");
-    }
-    expectError("/no/such/file", image.path(), "/no/such/file: cannot-read");
-    expectError(source.path(), "/no/such/image", "/no/such/image: cannot-write");
-    const TemporaryFile bad("\U0001F600\t2\nnone\n");
-    expectError(bad.path(), image.path(), bad.path() + std::string(":2:5: no-field"));
-    EXPECT_STRNE(Dictionary::CBuildError({}).what(), "");
-    const Dictionary::SBuild build = Dictionary::buildImage(source.path(), image.path());
-    EXPECT_EQ(build.result, DICTIONARY_BUILT_WITHOUT_SOME);
-    EXPECT_EQ(build.problems.at(0).message().find(source.path() + std::string(":2:1: beyond")), 0u);
-    Dictionary::verifyImage(image.path());
-    std::vector<int> stages;
-    DictionaryBuildOptions options = {};
-    options.context = &stages;
-    options.onProgress = [](void* context, int stage, std::uint64_t, std::uint64_t) {
-        static_cast<std::vector<int>*>(context)->push_back(stage);
-        return stage != DICTIONARY_STAGE_PLACE;
+        EXPECT_EQ(matches.count, 0u);
+        EXPECT_NE(std::string(error.text), "");
     };
-    EXPECT_EQ(Dictionary::buildImage(source.path(), image.path(), options).result,
-              DICTIONARY_STOPPED);
-    EXPECT_EQ(stages, (std::vector<int>{DICTIONARY_STAGE_READ, DICTIONARY_STAGE_PLACE}));
+    DictionaryFindOptions options = optionsOf(0);
+    const std::pair<int*, int> wrong[] = {
+        {&options.mode, -1}, {&options.mode, 6}, {&options.unit, -1}, {&options.unit, 3}};
+    for (const auto& [member, value] : wrong) {
+        options = optionsOf(0);
+        *member = value;
+        expectRefused(&options, DICTIONARY_BAD_ARGUMENT);
+    }
+    options = optionsOf(0);
+    --options.size;
+    expectRefused(&options, DICTIONARY_BAD_ARGUMENT);
+    texts[1].size = std::size_t{1} << 31;
+    expectRefused(nullptr, DICTIONARY_BAD_ARGUMENT);
+    EXPECT_EQ(error.line, 2u);
+    texts[1].bytes = "";
+    expectRefused(nullptr, DICTIONARY_TEXT_TOO_LONG);
+    EXPECT_EQ(error.line, 2u);
+    EXPECT_EQ(dictionaryFindMatches(nullptr, nullptr, texts[0], &matches, &error),
+              DICTIONARY_BAD_ARGUMENT);
+    EXPECT_EQ(dictionaryFindMatches(image.get(), nullptr, texts[0], nullptr, nullptr),
+              DICTIONARY_BAD_ARGUMENT);
+    EXPECT_FALSE(dictionaryLookupKey(nullptr, texts[0], nullptr));
+    EXPECT_FALSE(dictionaryLookupKey(image.get(), texts[0], nullptr));
+    dictionaryFreeMatches(&matches);
+    EXPECT_EQ(matches.items, nullptr);
+    dictionaryFreeMatches(nullptr);
+}
+
+TEST(Match, AVisitorStopsWhereItWantsTo) {
+    const Handle image = imageOf({{"a", "1"}, {"ab", "2"}});
+    // What is behind it is not even read.
+    const std::string text = "ab";
+    const DictionaryText longer = {text.data(), std::size_t{1} << 30};
+    DictionaryError error;
+    for (const int mode : {DICTIONARY_FIND_ALL, DICTIONARY_FIND_LONGEST, DICTIONARY_FIND_SEGMENT}) {
+        const DictionaryFindOptions options = optionsOf(mode);
+        const auto stop = [](void*, const DictionaryMatch*) { return false; };
+        const auto fail = [](void*, const DictionaryMatch*) -> bool { throw 1; };
+        EXPECT_EQ(dictionaryVisitMatches(image.get(), &options, longer, stop, nullptr, &error),
+                  DICTIONARY_STOPPED);
+        EXPECT_EQ(dictionaryVisitMatches(image.get(), &options, longer, fail, nullptr, &error),
+                  DICTIONARY_STOPPED);
+        EXPECT_EQ(error.code, DICTIONARY_STOPPED);
+    }
+    bool answer = false;
+    EXPECT_EQ(dictionaryContainsKey(image.get(), nullptr, longer, &answer, &error), DICTIONARY_OK);
+    EXPECT_TRUE(answer);
+    EXPECT_EQ(dictionaryVisitMatches(image.get(), nullptr, longer, nullptr, nullptr, &error),
+              DICTIONARY_BAD_ARGUMENT);
+}
+
+TEST(Match, DataFallsIntoFieldsAndRecords) {
+    const std::tuple<std::string, std::vector<std::string>> rows[] = {
+        {"", {}},
+        {"\t", {"+"}},
+        {";a\tb\t", {"+;a", "b"}},
+        {"a\t;b\tc\t;\t", {"+a", "+b", "c", "+"}},
+        {"a\tb", {"+a", "b"}},
+    };
+    for (const auto& [data, fields] : rows) {
+        DictionaryText rest = {data.data(), data.size()};
+        DictionaryField field = {};
+        std::vector<std::string> read;
+        while (dictionaryNextField(&rest, &field)) {
+            read.push_back((field.beginsRecord ? "+" : "") + textOf(field.text));
+        }
+        EXPECT_EQ(read, fields);
+    }
+}
+
+TEST(Match, ImagesShowWhatTheyHold) {
+    const Handle image = imageOf({{"a", "1"}, {"ab", "22"}});
+    DictionaryDescription description = {};
+    description.size = sizeof description;
+    ASSERT_EQ(dictionaryDescribe(image.get(), &description, nullptr), DICTIONARY_OK);
+    const DictionaryText bytes = dictionaryImageBytes(image.get(), 0);
+    EXPECT_EQ(description.keys, 2u);
+    EXPECT_EQ(description.images, 1u);
+    EXPECT_EQ(description.featureBytes, 13u);
+    EXPECT_EQ(description.imageBytes, bytes.size);
+    EXPECT_EQ(12 * description.cells + description.featureBytes, bytes.size);
+    EXPECT_EQ(dictionaryCellAt(image.get(), 0, 'a').check, -1);
+    EXPECT_EQ(dictionaryCellAt(image.get(), 0, description.cells).base, -1);
+    EXPECT_EQ(dictionaryCellAt(image.get(), 1, 0).base, -1);
+    EXPECT_EQ(dictionaryImageBytes(image.get(), 1).bytes, nullptr);
+    int numbers = 0;
+    for (std::uint32_t number = 0; number < 20; ++number) {
+        numbers += dictionaryDataAt(image.get(), 0, number).bytes != nullptr;
+    }
+    EXPECT_EQ(numbers, 2);
+    EXPECT_EQ(textOf(dictionaryDataAt(image.get(), 0, 6)), "22\t");
 }
 
 }  // namespace

@@ -77,6 +77,22 @@ private:
     std::size_t m_size = 0;
 };
 
+DictionaryImageFault faultOf(int code, int systemError, const char* text) {
+    return {code, systemError, -1, -1, text};
+}
+
+DictionaryImageFault noFault() {
+    return faultOf(DICTIONARY_IMAGE_OK, 0, "the image is sound");
+}
+
+// The codes of Dictionary.h are others.
+DictionaryImageFault faultOf(const ImageFault& found) {
+    constexpr int kFirstOfTheirs = 20;
+    if (found.code == 0) return noFault();
+    const int code = found.code - kFirstOfTheirs + DICTIONARY_IMAGE_TOO_SHORT;
+    return {code, 0, found.cell, found.offset, found.text};
+}
+
 DictionaryImageFault noMemory() {
     return faultOf(DICTIONARY_IMAGE_NO_MEMORY, ENOMEM, "memory is too short to open the image");
 }
@@ -97,7 +113,7 @@ DictionaryImageFault withoutThrowing(Action action) {
 
 DictionaryImageFault checkBytes(const void* image, std::size_t size) {
     return withoutThrowing(
-        [&] { return checkImage(image, size, CUTF8Coder().getNumOfSingleWord()); });
+        [&] { return faultOf(checkImage(image, size, CUTF8Coder().getNumOfSingleWord())); });
 }
 
 // Brings a file into `pages` and checks it there.

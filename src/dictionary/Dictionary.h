@@ -218,9 +218,9 @@ typedef struct DictionaryField {
     bool beginsRecord;   /* the first field of a record: a repeated key has several */
 } DictionaryField;
 
-/* Takes the first field off `data`; false when none is left. A key's data text is its fields, each
- * followed by a tab; the data of a repeated key is joined with ";", so a field after the first that
- * begins with ";" begins a record. */
+/* Takes the next field off `data`; false when none is left. Zero `field` before the first one. A
+ * key's data text is its fields, each followed by a tab; the data of a repeated key is joined with
+ * ";", so a field after the first that begins with ";" begins a record. */
 DICTIONARY_EXPORT bool dictionaryNextField(DictionaryText* data, DictionaryField* field);
 
 /* The data text with that number in image number `image`; null and 0 for a number that is none. */

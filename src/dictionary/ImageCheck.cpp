@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+#include "Dictionary.h"
 #include "ImageFormat.h"
 
 namespace Dictionary {
@@ -50,7 +51,7 @@ public:
           m_count(cellBytesOf(m_header) / kCellBytes),
           m_cells(image, cellBytesOf(m_header)) {}
 
-    DictionaryImageFault run() {
+    ImageFault run() {
         if (headerAddsUp() && recordsFillTheArea() && reservedCellsAreRight()) otherCellsAreRight();
         return m_fault;
     }
@@ -87,7 +88,7 @@ private:
     }
 
     bool refuse(int code, std::int64_t cell, std::int64_t offset, const char* text) {
-        m_fault = {code, 0, cell, offset, text};
+        m_fault = {code, cell, offset, text};
         return false;
     }
     bool refuseWord(int code, std::int64_t cell, Word word, const char* text) {
@@ -103,7 +104,7 @@ private:
     CellView m_cells;
     Bits m_references;  // what a feature word may be, counted from kNoFeature
     Bits m_climbed;     // cells from which the way up is known to end
-    DictionaryImageFault m_fault = noFault();
+    ImageFault m_fault = {DICTIONARY_OK, kNowhere, kNowhere, "the image is sound"};
 };
 
 // A header has a word of zero bits, which no text has.
@@ -241,20 +242,17 @@ bool ImageCheck::refuseCell(std::int64_t index) {
 
 }  // namespace
 
-DictionaryImageFault faultOf(DictionaryImageCode code, int systemError, const char* text) {
-    return {code, systemError, kNowhere, kNowhere, text};
-}
-
 bool canBeImageSize(std::size_t size) {
     return size >= kCellBytes && size <= std::size_t{kMaxImageBytes};
 }
 
-DictionaryImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize) {
+ImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize) {
     if (size > std::size_t{kMaxImageBytes}) {
-        return faultOf(DICTIONARY_IMAGE_TOO_LARGE, 0, "larger than an image can be");
+        return {DICTIONARY_IMAGE_TOO_LARGE, kNowhere, kNowhere, "larger than an image can be"};
     }
     if (image == nullptr || size < kCellBytes) {
-        return faultOf(DICTIONARY_IMAGE_TOO_SHORT, 0, "too short for the header of an image");
+        return {DICTIONARY_IMAGE_TOO_SHORT, kNowhere, kNowhere,
+                "too short for the header of an image"};
     }
     return ImageCheck(image, static_cast<std::int64_t>(size), alphabetSize).run();
 }

@@ -6,22 +6,22 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "DATChecked.h"
-
 namespace Dictionary {
 
-// A fault that lies at no cell and no byte.
-DictionaryImageFault faultOf(DictionaryImageCode code, int systemError, const char* text);
-inline DictionaryImageFault noFault() {
-    return faultOf(DICTIONARY_IMAGE_OK, 0, "the image is sound");
-}
+// The first reason against an image.
+struct ImageFault {
+    int code;             // a DictionaryCode
+    std::int64_t cell;    // the cell at fault, or -1
+    std::int64_t offset;  // the byte at fault, from the start of the image, or -1
+    const char* text;     // in words
+};
 
 // Whether there are images of `size` bytes.
 bool canBeImageSize(std::size_t size);
 
 // The first fault of the `size` bytes at `image`, built over codes from 1 to below `alphabetSize`,
-// or noFault(). Throws nothing but the allocator's exception.
-DictionaryImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize);
+// or one of DICTIONARY_OK. Throws nothing but the allocator's exception.
+ImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize);
 
 }  // namespace Dictionary
 

@@ -14,13 +14,11 @@
 
 #include "DATReader.h"
 #include "Diagnostics.h"
-#include "EncodedText.h"
-#include "ImageFormat.h"
+#include "ImageSearch.h"
 #include "RecordReader.h"
 #include "ResultText.h"
 #include "SourceKeys.h"
 #include "SourceTable.h"
-#include "TextSearch.h"
 #include "TrieBuilder.h"
 
 namespace Dictionary {
@@ -160,21 +158,7 @@ char* CDictionayApp::returnListStr(const char* text, Matches& result, bool withF
 }
 
 char* CDictionayApp::searchText(const char* text, bool withFeatures) const {
-    ResultText list(withFeatures);
-    if (image() == nullptr || text == nullptr) return list.release();
-    const ImageView image(this->image());
-    const EncodedText encoded(*m_coder, text, -1, false);
-    const TextSearch search(image.cells(), encoded);
-    search.forEachLongestKey(m_coder->getNumOfSingleWord(), [&](std::size_t from, std::size_t end,
-                                                                std::int32_t feature) {
-        const SPOS span = encoded.span(from, end, feature);
-        const auto position = static_cast<std::size_t>(span.start);
-        const auto length = static_cast<std::size_t>(span.end + 1 - span.start);
-        const std::string_view data =
-            withFeatures ? image.featureText(feature) : std::string_view();
-        list.add({text + position, length}, position, data);
-    });
-    return list.release();
+    return searchImage(image(), *m_coder, text, withFeatures);
 }
 
 void CDictionayApp::showAllMatch(const char* text, Matches& result) {

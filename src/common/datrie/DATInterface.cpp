@@ -4,6 +4,9 @@
 #include <memory>
 
 #include "DATDictionarySample.h"
+#include "ImageSearch.h"
+#include "LoadedImage.h"
+#include "UTF8Coder.h"
 
 namespace Dictionary {
 
@@ -18,6 +21,7 @@ struct EntryPoints {
 
 using Dictionary::CDictionayApp;
 using Dictionary::EntryPoints;
+using Dictionary::LoadedImage;
 
 void buildTree(const char* sourceFileName, const char* binaryFileName) {
     CDictionayApp app;
@@ -32,11 +36,17 @@ void* loadBin(const char* fileName) {
 }
 
 char* search(const char* text, void* handle, bool withFeatures) {
-    if (handle == nullptr) return EntryPoints::search(CDictionayApp(), text, withFeatures);
+    Dictionary::CUTF8Coder coder;
+    if (handle == nullptr) return Dictionary::searchImage(nullptr, coder, text, withFeatures);
+    if (const LoadedImage* const loaded = LoadedImage::of(handle)) {
+        return Dictionary::searchImage(loaded->searchedImage(), coder, text, withFeatures);
+    }
     return EntryPoints::search(*static_cast<CDictionayApp*>(handle), text, withFeatures);
 }
 
 void destroyBin(void* handle) {
+    if (handle == nullptr) return;
+    if (LoadedImage* const loaded = LoadedImage::of(handle)) return loaded->destroy();
     delete static_cast<CDictionayApp*>(handle);
 }
 

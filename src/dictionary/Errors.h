@@ -1,0 +1,63 @@
+// Helper, not installed: error records, and where exceptions become such records.
+
+#ifndef DICTIONARY_ERRORS_H
+#define DICTIONARY_ERRORS_H
+
+#include "Dictionary.h"
+
+namespace Dictionary {
+
+// What is known of a code.
+struct CodeKind {
+    int code;
+    const char* name;
+    DictionarySeverity severity;
+    DictionarySeverity lenientSeverity;  // in a build that is lenient
+    const char* text;                    // what is wrong and what to do about it
+};
+
+// That of DICTIONARY_OK is the first.
+const CodeKind& codeKindOf(int code);
+
+// Thrown inside the library; `guarded` makes it the error of a call.
+struct Failure {
+    DictionaryError error;
+};
+
+// An error of no file and no place, with the code's words or with others.
+DictionaryError errorOf(int code);
+DictionaryError errorOf(int code, const char* text);
+
+// Throws DICTIONARY_BAD_ARGUMENT; `text` says what is wrong with which argument.
+[[noreturn]] void refuseArgument(const char* text);
+inline void requireArgument(bool isRight, const char* text) {
+    if (!isRight) refuseArgument(text);
+}
+
+// Throws what the system said of a file; ENOMEM is DICTIONARY_NO_MEMORY.
+[[noreturn]] void failOnFile(int code, DictionaryFile file, const char* path, int systemError);
+
+// The record of the exception that is being handled.
+DictionaryError errorInFlight();
+
+// Makes `error`, which may be null, the record of a call that went well.
+void setNoError(DictionaryError* error);
+
+// Calls `action` and returns its code, with all that it throws in the record of `error`, which may
+// be null.
+template <class Action>
+int guarded(DictionaryError* error, const Action& action) {
+    try {
+        action();
+        setNoError(error);
+        return DICTIONARY_OK;
+    } catch (...) {
+        const DictionaryError found = errorInFlight();
+        if (error != nullptr) *error = found;
+        return found.code;
+    }
+}
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,74 @@
+#include "FindRequest.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "Errors.h"
+#include "Handle.h"
+
+namespace Dictionary {
+
+namespace {
+
+constexpr std::size_t kMaxTextBytes = std::numeric_limits<std::int32_t>::max();
+
+bool isMode(int mode) {
+    return mode >= DICTIONARY_FIND_ALL && mode <= DICTIONARY_FIND_CLASSIC;
+}
+
+bool isUnit(int unit) {
+    return unit >= DICTIONARY_UNIT_BYTE && unit <= DICTIONARY_UNIT_UTF16;
+}
+
+bool segments(int mode) {
+    return mode == DICTIONARY_FIND_SEGMENT || mode == DICTIONARY_FIND_WEIGHTED;
+}
+
+void requireRight(const DictionaryHandle& handle, const DictionaryFindOptions& options) {
+    const bool weighted = options.mode == DICTIONARY_FIND_WEIGHTED;
+    const struct {
+        bool isRight;
+        const char* otherwise;
+    } rules[] = {
+        {options.size == sizeof options, "the options' size is not sizeof(DictionaryFindOptions)"},
+        {isMode(options.mode), "the mode is none of DictionaryFindMode"},
+        {isUnit(options.unit), "the unit is none of DictionaryUnit"},
+        {weighted == (options.segmenter != nullptr),
+         "a segmenter goes with the mode WEIGHTED, and with no other"},
+        {!options.unknownPieces || segments(options.mode),
+         "unknownPieces goes with the modes SEGMENT and WEIGHTED alone"},
+        {!options.joinedRuns || segments(options.mode),
+         "joinedRuns goes with the modes SEGMENT and WEIGHTED alone"},
+        {!options.everyImage || options.mode == DICTIONARY_FIND_ALL ||
+             options.mode == DICTIONARY_FIND_LONGEST || options.mode == DICTIONARY_FIND_PREFIXES,
+         "everyImage goes with the modes ALL, LONGEST and PREFIXES alone"},
+        // What this version does not do yet.
+        {!weighted, "the mode WEIGHTED is not available"},
+        {!options.unknownPieces, "unknownPieces is not available"},
+        {!options.joinedRuns, "joinedRuns is not available"},
+        {!options.wholeWords, "wholeWords is not available"},
+        {handle.images.size() == 1, "several images cannot be searched at once"},
+    };
+    for (const auto& rule : rules) requireArgument(rule.isRight, rule.otherwise);
+}
+
+}  // namespace
+
+DictionaryFindOptions readFindOptions(const DictionaryHandle* handle,
+                                      const DictionaryFindOptions* options) {
+    requireArgument(handle != nullptr, "the handle is null");
+    DictionaryFindOptions read = {};
+    read.size = sizeof read;
+    if (options != nullptr) read = *options;
+    requireRight(*handle, read);
+    return read;
+}
+
+std::string_view readText(DictionaryText text) {
+    requireArgument(text.bytes != nullptr || text.size == 0, "the text is null");
+    if (text.size > kMaxTextBytes) throw Failure{errorOf(DICTIONARY_TEXT_TOO_LONG)};
+    return {text.bytes, text.size};
+}
+
+}  // namespace Dictionary

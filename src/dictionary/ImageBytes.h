@@ -1,0 +1,51 @@
+// Helper, not installed: the bytes that an open image rests on.
+
+#ifndef DICTIONARY_IMAGE_BYTES_H
+#define DICTIONARY_IMAGE_BYTES_H
+
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+#include "Descriptor.h"
+
+namespace Dictionary {
+
+// Bytes that can only be read: pages of its own, or the caller's. Where the system refuses pages,
+// an errno is thrown as SystemRefusal.
+class ImageBytes {
+public:
+    struct SystemRefusal {
+        int error;
+    };
+
+    static ImageBytes borrow(std::string_view bytes) { return {bytes.data(), bytes.size(), false}; }
+    static ImageBytes map(const Descriptor& file, std::size_t size);
+    static ImageBytes copy(const Descriptor& file, std::size_t size);
+    static ImageBytes copy(std::string_view bytes);
+
+    ImageBytes(ImageBytes&& other) noexcept
+        : m_bytes(other.m_bytes),
+          m_size(other.m_size),
+          m_isOwner(std::exchange(other.m_isOwner, false)) {}
+    ImageBytes& operator=(ImageBytes&&) = delete;
+    ~ImageBytes();
+
+    std::string_view view() const { return {m_bytes, m_size}; }
+
+private:
+    ImageBytes(const char* bytes, std::size_t size, bool isOwner)
+        : m_bytes(bytes), m_size(size), m_isOwner(isOwner) {}
+
+    // Empty pages, which `fill(bytes)` fills before they can no longer be written.
+    template <class Fill>
+    static ImageBytes copyBy(std::size_t size, Fill fill);
+
+    const char* m_bytes;
+    std::size_t m_size;
+    bool m_isOwner;
+};
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,68 @@
+// Helper, not installed: any bytes as the labels of keys, decoded while a walk reads them.
+
+#ifndef DICTIONARY_LABEL_TEXT_H
+#define DICTIONARY_LABEL_TEXT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "EncodedText.h"
+#include "Utf8Decoder.h"
+
+namespace Dictionary {
+
+// The labels that EncodedText::kPassOver encodes. Its places are byte offsets; the one between the
+// two labels of a character is that of the character's last byte. Views the bytes, which must
+// outlive it.
+class LabelText {
+public:
+    explicit LabelText(std::string_view text)
+        : m_bytes(reinterpret_cast<const std::uint8_t*>(text.data())), m_size(text.size()) {}
+
+    std::size_t size() const { return m_size; }
+
+    bool isInsidePair(std::size_t place) const {
+        return place < m_size && isContinuation(m_bytes[place]) && wideEndingAt(place).length != 0;
+    }
+
+    // The label at `place`, which moves behind it; at the end, EncodedText::kEnd.
+    std::int32_t next(std::size_t& place) const {
+        if (place == m_size) return EncodedText::kEnd;
+        if (m_bytes[place] < kMultiByteLead) return nextOfOneByte(place);
+        const Utf8Character character = decodeMultiByte(m_bytes + place, m_size - place);
+        place += character.length == 0 ? 1 : character.length;
+        if (character.length == 0) return EncodedText::kOutsider;
+        if (character.code < kBmpEnd) return character.code;
+        --place;
+        return highSurrogateOf(character.code);
+    }
+
+private:
+    static constexpr std::size_t kLastByte = 3;
+    static constexpr std::uint8_t kMultiByteLead = 0xC0;
+    static constexpr std::uint8_t kFourByteLead = 0xF0;
+    static constexpr Utf8Character kNone = {0, 0};
+
+    // ASCII, or a byte inside a character, or one of none.
+    std::int32_t nextOfOneByte(std::size_t& place) const {
+        const std::int32_t byte = m_bytes[place];
+        const Utf8Character wide = isContinuation(m_bytes[place]) ? wideEndingAt(place) : kNone;
+        ++place;
+        if (wide.length != 0) return lowSurrogateOf(wide.code);
+        return byte > 0 && byte < 0x80 ? byte : EncodedText::kOutsider;
+    }
+
+    // The character above U+FFFF whose last byte is at `place`; of length 0 when there is none.
+    Utf8Character wideEndingAt(std::size_t place) const {
+        if (place < kLastByte || m_bytes[place - kLastByte] < kFourByteLead) return kNone;
+        return decodeMultiByte(m_bytes + place - kLastByte, kLastByte + 1);
+    }
+
+    const std::uint8_t* m_bytes;
+    std::size_t m_size;
+};
+
+}  // namespace Dictionary
+
+#endif

@@ -1,0 +1,73 @@
+#include "OpenImage.h"
+
+#include <limits>
+#include <utility>
+
+#include "Errors.h"
+#include "ImageCheck.h"
+#include "UTF8Coder.h"
+
+namespace Dictionary {
+
+namespace {
+
+constexpr std::uint64_t kNotCounted = std::numeric_limits<std::uint64_t>::max();
+
+ImageBytes checked(ImageBytes bytes) {
+    requireSoundImage(bytes.view());
+    return bytes;
+}
+
+}  // namespace
+
+void requireSoundImage(std::string_view bytes) {
+    const ImageFault fault =
+        checkImage(bytes.data(), bytes.size(), CUTF8Coder().getNumOfSingleWord());
+    if (fault.code == DICTIONARY_OK) return;
+    DictionaryError error = errorOf(fault.code, fault.text);
+    error.cell = fault.cell;
+    error.offset = fault.offset;
+    throw Failure{error};
+}
+
+OpenImage::OpenImage(ImageBytes bytes)
+    : m_bytes(checked(std::move(bytes))),
+      m_header(headerOf(m_bytes.view().data())),
+      m_view(m_bytes.view().data()),
+      m_keyCount(kNotCounted) {}
+
+std::uint64_t OpenImage::keyCount() const {
+    std::uint64_t count = m_keyCount.load(std::memory_order_relaxed);
+    if (count == kNotCounted) {
+        count = countKeys();
+        m_keyCount.store(count, std::memory_order_relaxed);
+    }
+    return count;
+}
+
+std::uint64_t OpenImage::countKeys() const {
+    std::uint64_t count = 0;
+    for (std::int64_t index = 1; index < cellCount(); ++index) {
+        count += endsKey(m_view.cells()[index]) ? 1 : 0;
+    }
+    return count;
+}
+
+bool OpenImage::isRecord(std::uint32_t offset) const {
+    if (offset >= static_cast<std::uint32_t>(featureBytes())) return false;
+    std::call_once(m_recordsFound, [this] { findRecords(); });
+    return m_isRecord[offset];
+}
+
+void OpenImage::findRecords() const {
+    const auto size = static_cast<std::size_t>(featureBytes());
+    const char* const area = m_bytes.view().data() + cellBytesOf(m_header);
+    std::vector<bool> isRecord(size);
+    for (std::size_t offset = 0; offset < size;) {
+        isRecord[offset] = true;
+        offset += kRecordLengthBytes + static_cast<std::size_t>(recordLengthAt(area + offset));
+    }
+    m_isRecord.swap(isRecord);
+}
+
+}  // namespace Dictionary

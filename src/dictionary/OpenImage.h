@@ -1,0 +1,55 @@
+// Helper, not installed: an image that was found sound, and what is learnt of it at first need.
+
+#ifndef DICTIONARY_OPEN_IMAGE_H
+#define DICTIONARY_OPEN_IMAGE_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string_view>
+#include <vector>
+
+#include "ImageBytes.h"
+#include "ImageFormat.h"
+
+namespace Dictionary {
+
+// Any number of handles, on any number of threads, may share one.
+class OpenImage {
+public:
+    // Throws a Failure, without a file's name, unless the bytes are an image over which lookups
+    // stay inside.
+    explicit OpenImage(ImageBytes bytes);
+
+    const ImageView& view() const { return m_view; }
+    std::string_view bytes() const { return m_bytes.view(); }
+    std::int64_t cellCount() const { return cellBytesOf(m_header) / kCellBytes; }
+    std::int32_t featureBytes() const { return featureBytesOf(m_header); }
+
+    // The first call takes one pass over the cells.
+    std::uint64_t keyCount() const;
+    // Whether a feature record begins at byte `offset` of the feature area. The first call takes
+    // one pass over the area, and memory for one bit per byte of it.
+    bool isRecord(std::uint32_t offset) const;
+
+private:
+    std::uint64_t countKeys() const;
+    void findRecords() const;
+
+    const ImageBytes m_bytes;
+    const Cell m_header;
+    const ImageView m_view;
+    // Counting it twice does no harm.
+    mutable std::atomic<std::uint64_t> m_keyCount;
+    mutable std::once_flag m_recordsFound;
+    mutable std::vector<bool> m_isRecord;  // by byte of the area
+};
+
+// Throws a Failure unless the bytes are an image over which lookups stay inside.
+void requireSoundImage(std::string_view bytes);
+
+}  // namespace Dictionary
+
+#endif
