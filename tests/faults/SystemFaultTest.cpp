@@ -153,13 +153,14 @@ TEST(SystemFault, PlainLoadsSayWhyAndFindNothing) {
     for (const auto& [fault, says, keptDescriptors] : rows) {
         SCOPED_TRACE(fault.call);
         const long descriptors = openDescriptors();
+        const std::string expected = says.empty() ? "old\t" : "";
         const Printed printed = printedBy([&, &planned = fault] {
             arm(planned);
             void* const handle = loadBin(place.image.c_str());
             disarm();
             EXPECT_TRUE(hasStruck());
             char* const found = search("old", handle, false);
-            EXPECT_EQ(found, std::string(says.empty() ? "old\t" : ""));
+            EXPECT_EQ(found, expected);
             freeResult(found);
             destroyBin(handle);
         });
