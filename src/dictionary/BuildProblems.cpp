@@ -54,7 +54,7 @@ constexpr ProblemKind kKinds[] = {
     {"beyond-bmp", DICTIONARY_REFUSED, DICTIONARY_REFUSED,
      "the key holds a character above U+FFFF and is left out", "write it without the character"},
     {"no-records", DICTIONARY_ERROR, DICTIONARY_ERROR, "the source has no records",
-     "see what became of it, or allow it to be empty"},
+     "see what became of it, or use the option 'allow-empty'"},
     {"not-text", DICTIONARY_ERROR, DICTIONARY_ERROR, "the source is no text", "name another"},
     {"same-file", DICTIONARY_ERROR, DICTIONARY_ERROR, "the image would replace its own source",
      "give it another name"},

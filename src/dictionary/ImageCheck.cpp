@@ -120,8 +120,7 @@ bool ImageCheck::headerAddsUp() {
     const std::int32_t cellBytes = cellBytesOf(m_header);
     const std::int32_t featureBytes = featureBytesOf(m_header);
     if (isText()) {
-        return refuse(DICTIONARY_IMAGE_HEADER, kNowhere, kNowhere,
-                      "this is a text, no image; an image is built from it");
+        return refuse(DICTIONARY_IMAGE_HEADER, kNowhere, kNowhere, "this is a text, no image");
     }
     if (cellBytes < kCellBytes || cellBytes % kCellBytes != 0) {
         return refuseWord(DICTIONARY_IMAGE_HEADER, 0, kFeature,

@@ -26,6 +26,7 @@ void defineDiff(CLI::App& program, Action& action);
 void defineView(CLI::App& program, Action& action);
 void defineManual(CLI::App& program, Action& action);
 void defineCompletion(CLI::App& program, Action& action);
+void defineHelp(CLI::App& program, Action& action);
 
 // Adds a command whose options live as long as the program. `details` stands behind the options in
 // the help and as the description in the manual.

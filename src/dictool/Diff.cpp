@@ -18,7 +18,8 @@ struct DiffOptions {
 constexpr char kDetails[] =
     "Writes a line for every difference, by the order of the keys: - and a key that only the\n"
     "first image has, + and one that only the second has, ~ and one whose data differs; then a\n"
-    "tab and the data fields, for ~ those of the second. A key that is a newline is written \\n.\n"
+    "tab and the data fields, for ~ those of the second. A newline is written \\n, a tab in a key\n"
+    "\\t and a backslash \\\\.\n"
     "\nExit status: 0 when there is no difference, 1 when there is one.";
 
 // An image's keys, one after the other.
@@ -47,11 +48,11 @@ int compare(const Keys& first, const Keys& second) {
 }
 
 void write(Output& output, std::string_view sign, const Keys& keys) {
-    output.add(sign);
-    output.add(sourceTextOf(keys.key()));
-    output.add("\t");
-    output.add(withoutClosingTab(keys.data()));
-    output.add("\n");
+    std::string line(sign);
+    appendEscaped(line, keys.key(), kTorn);
+    line += '\t';
+    appendEscaped(line, withoutClosingTab(keys.data()), kTornFields);
+    output.add(line += '\n');
 }
 
 int run(const DiffOptions& options) {

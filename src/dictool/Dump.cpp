@@ -1,6 +1,7 @@
 // dump: the source of an image.
 
 #include <algorithm>
+#include <new>
 #include <optional>
 
 #include "Command.h"
@@ -20,9 +21,12 @@ struct DumpOptions {
 constexpr char kDetails[] =
     "Writes a source that builds to the same bytes, its keys in ascending order. Says so instead\n"
     "when there is none: an image of a source with keys that were cut off or empty, or with other\n"
-    "separators whose keys or data hold a tab or a newline, cannot be given back.\n"
+    "separators whose keys or data hold a tab or a newline, cannot be given back. An image whose\n"
+    "cells another writer placed differently is: the source has its keys and data and builds to\n"
+    "other bytes, the first of which is reported.\n"
     "Where lint has objections, as to data that ends in a carriage return, the source needs\n"
-    "'dictool build --lenient'.";
+    "'dictool build --lenient'.\n"
+    "\nExit status: 0 when the source builds to the same bytes, 1 when it builds to others.";
 
 constexpr std::string_view kWrittenNewline = "\\n";
 
@@ -71,8 +75,6 @@ public:
     void check() {
         forEachSourceKey(m_trie, [this](const Key& key) { checkKey(key); });
         checkData();
-        const std::int32_t last = m_image.cellCount() - 1;
-        if (last > 0 && !m_image.isUsed(last)) refuse("it ends with a free cell");
     }
 
 private:
@@ -129,19 +131,71 @@ private:
     std::vector<std::int32_t> m_features;
 };
 
+std::string sourceOf(const Trie& trie) {
+    std::string source;
+    forEachSourceKey(trie, [&source](const Key& key) {
+        source.append(sourceTextOf(key.text)) += '\t';
+        source.append(withoutClosingTab(key.data)) += '\n';
+    });
+    return source;
+}
+
+// Compares an image, as it comes, with the bytes that are left of another one.
+struct Comparison {
+    std::string_view left;
+    bool differs = false;
+};
+
+bool compareOn(void* context, const void* bytes, std::size_t size) {
+    Comparison& comparison = *static_cast<Comparison*>(context);
+    std::string_view& left = comparison.left;
+    const char* const built = static_cast<const char*>(bytes);
+    const std::size_t common = std::min(size, left.size());
+    const std::size_t same =
+        static_cast<std::size_t>(std::mismatch(built, built + common, left.begin()).first - built);
+    left.remove_prefix(same);
+    comparison.differs = same < size;
+    return !comparison.differs;
+}
+
+// The first byte in which the image of `source` differs from `image`; npos when none does.
+std::size_t differenceOf(const std::string& source, const Image& image) {
+    Comparison comparison = {image.bytes()};
+    DictionaryBuildOptions options = {};
+    options.size = sizeof options;
+    options.lenient = options.allowEmpty = true;
+    options.onImage = compareOn;
+    options.context = &comparison;
+    const int result =
+        dictionaryBuildBytes(source.data(), source.size(), nullptr, &options, nullptr);
+    if (result == DICTIONARY_NOT_BUILT) throw std::bad_alloc();
+    const bool isSame = !comparison.differs && comparison.left.empty();
+    return isSame ? std::string::npos : image.bytes().size() - comparison.left.size();
+}
+
+// Says from where on the image is not the one of its source.
+void reportDifference(const Image& image, std::size_t byte) {
+    const auto cell = byte / Dictionary::kCellBytes;
+    const bool inCells = cell < static_cast<std::size_t>(image.cellCount());
+    const std::string place =
+        "byte " + std::to_string(byte) + (inCells ? " (cell " + std::to_string(cell) + ")" : "");
+    report(Severity::kWarning, {image.file()}, "placed-otherwise",
+           "the source builds to other bytes from " + place +
+               " on, for the cells are placed otherwise; keys and data are the same");
+}
+
 int run(const DumpOptions& options) {
     const Image image(options.image);
     const Trie trie(image);
     Rebuild(trie).check();
+    const std::string source = sourceOf(trie);
+    const std::size_t difference = differenceOf(source, image);
     Output output;
-    forEachSourceKey(trie, [&output](const Key& key) {
-        output.add(sourceTextOf(key.text));
-        output.add("\t");
-        output.add(withoutClosingTab(key.data));
-        output.add("\n");
-    });
+    output.write(source);
     output.finish();
-    return kDone;
+    if (difference == std::string::npos) return kDone;
+    reportDifference(image, difference);
+    return kNone;
 }
 
 }  // namespace

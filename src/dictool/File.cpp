@@ -1,9 +1,9 @@
 #include "File.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 
 namespace dictool {
@@ -18,13 +18,14 @@ File::~File() {
     if (m_descriptor != STDIN_FILENO) ::close(m_descriptor);
 }
 
-bool File::readMore(std::string& bytes, std::size_t room) {
-    const std::size_t before = bytes.size();
-    bytes.resize(before + room);
-    const ssize_t count = ::read(m_descriptor, &bytes[before], room);
-    bytes.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    if (count < 0 && errno == EINTR) throw Interrupted{};
+bool File::readMore(Buffer& bytes, std::size_t room) {
+    char* const begin = bytes.room(room);
+    ssize_t count;
+    do {
+        count = ::read(m_descriptor, begin, room);
+    } while (count < 0 && errno == EINTR);
     if (count < 0) throw failure();
+    bytes.take(static_cast<std::size_t>(count));
     return count > 0;
 }
 
@@ -32,11 +33,17 @@ Failure File::failure() const {
     return systemFailure(m_name, "cannot-read", "check its name and that you may read it");
 }
 
-std::string readWhole(const std::string& name) {
-    constexpr std::size_t kFirstRoom = 1 << 20;
+bool isOneFile(const std::string& name, const std::string& other) {
+    struct stat status, otherStatus;
+    return ::stat(name.c_str(), &status) == 0 && ::stat(other.c_str(), &otherStatus) == 0 &&
+           status.st_dev == otherStatus.st_dev && status.st_ino == otherStatus.st_ino;
+}
+
+Buffer readWhole(const std::string& name) {
+    constexpr std::size_t kRoom = 1 << 20;
     File file(name);
-    std::string bytes;
-    while (file.readMore(bytes, std::max(bytes.size(), kFirstRoom))) {
+    Buffer bytes;
+    while (file.readMore(bytes, kRoom)) {
     }
     return bytes;
 }

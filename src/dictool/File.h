@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "Buffer.h"
 #include "Report.h"
 
 namespace dictool {
@@ -18,9 +19,8 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    // Appends what one call reads, which is at most `room` bytes; false at the end. Throws
-    // Failure, or Interrupted when a signal that the program handles came instead.
-    bool readMore(std::string& bytes, std::size_t room);
+    // Appends what one call reads, which is at most `room` bytes; false at the end. Throws Failure.
+    bool readMore(Buffer& bytes, std::size_t room);
 
 private:
     Failure failure() const;
@@ -29,8 +29,11 @@ private:
     int m_descriptor;
 };
 
+// Whether both names lead to one file.
+bool isOneFile(const std::string& name, const std::string& other);
+
 // All bytes of a file.
-std::string readWhole(const std::string& name);
+Buffer readWhole(const std::string& name);
 
 }  // namespace dictool
 

@@ -1,6 +1,7 @@
 #include "Filter.h"
 
 #include <algorithm>
+#include <atomic>
 #include <thread>
 
 namespace dictool {
@@ -8,14 +9,61 @@ namespace dictool {
 namespace {
 
 constexpr unsigned kMaxThreads = 256;
+constexpr char kReturn = '\r';
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+bool endsInReturn(std::string_view line) {
+    return !line.empty() && line.back() == kReturn;
+}
+
+// Takes off lines what Windows puts around them.
+class WindowsWork : public LineWork {
+public:
+    explicit WindowsWork(std::unique_ptr<LineWork> work) : m_work(std::move(work)) {}
+
+    bool take(std::string_view line, std::uint64_t number, std::string& out) override {
+        if (line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+            line.remove_prefix(kByteOrderMark.size());
+        }
+        if (endsInReturn(line)) line.remove_suffix(1);
+        return m_work->take(line, number, out);
+    }
+
+private:
+    std::unique_ptr<LineWork> m_work;
+};
+
+// Notices lines that Windows wrote.
+class NoticingWork : public LineWork {
+public:
+    NoticingWork(std::unique_ptr<LineWork> work, std::atomic<bool>& sawReturn)
+        : m_work(std::move(work)), m_sawReturn(sawReturn) {}
+
+    bool take(std::string_view line, std::uint64_t number, std::string& out) override {
+        if (endsInReturn(line)) m_sawReturn.store(true, std::memory_order_relaxed);
+        return m_work->take(line, number, out);
+    }
+
+private:
+    std::unique_ptr<LineWork> m_work;
+    std::atomic<bool>& m_sawReturn;
+};
 
 int filter(const FilterOptions& options, Lines& lines, Output& output,
            const MakeImageWork& makeWork) {
     const Handle handle(options.image);
     const unsigned cores = std::max(std::thread::hardware_concurrency(), 1u);
     const unsigned threads = options.threads == 0 ? cores : options.threads;
-    const bool found = runLines(lines, output, threads, [&] { return makeWork(handle); });
+    std::atomic<bool> sawReturn{false};
+    const auto makeLineWork = [&]() -> std::unique_ptr<LineWork> {
+        if (options.windows) return std::make_unique<WindowsWork>(makeWork(handle));
+        return std::make_unique<NoticingWork>(makeWork(handle), sawReturn);
+    };
+    const bool found = runLines(lines, output, threads, makeLineWork);
     output.finish();
+    if (!found && sawReturn) {
+        remark("nothing is found, and lines end in a carriage return; try --windows");
+    }
     if (lines.failed()) return kTrouble;
     return found || options.exitZero ? kDone : kNone;
 }
@@ -26,6 +74,8 @@ void addFilterOptions(CLI::App& command, FilterOptions& options) {
     addChoice(command, "-f,--format", options.format, {"text", "tsv", "json"},
               "How to write what is found");
     command.add_flag("-z,--zero", options.zeroEnded, "Lines end with a NUL, in and out");
+    command.add_flag("--windows", options.windows,
+                     "Leave out a carriage return that ends a line and a mark that begins it");
     command.add_option("-j,--jobs", options.threads, "Threads; 0 for one a core")
         ->check(CLI::Range(0u, kMaxThreads))
         ->type_name("N")

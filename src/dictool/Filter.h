@@ -19,6 +19,7 @@ struct FilterOptions {
     bool zeroEnded = false;
     bool lineBuffered = false;
     bool exitZero = false;
+    bool windows = false;
     unsigned threads = 1;
 
     char end() const { return zeroEnded ? '\0' : '\n'; }

@@ -4,26 +4,18 @@
 #include <charconv>
 #include <limits>
 
-#include "Utf8Decoder.h"
+#include "Printable.h"
 
 namespace dictool {
 
 namespace {
 
-constexpr unsigned char kFirstMultiByte = 0x80;
 constexpr unsigned char kFirstPrintable = 0x20;
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
 void append(std::string& out, std::uint64_t number) {
     char digits[std::numeric_limits<std::uint64_t>::digits10 + 1];
     out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
-}
-
-// The bytes of the legal character that `text` begins with, 0 when there is none.
-std::size_t characterBytes(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    if (bytes[0] < kFirstMultiByte) return 1;
-    return Dictionary::decodeMultiByte(bytes, text.size()).length;
 }
 
 // A byte that begins no legal character counts as one.
@@ -102,11 +94,24 @@ void appendJsonPiece(std::string& out, std::string_view key, std::size_t start, 
     out += '}';
 }
 
-void appendRow(std::string& out, std::string_view key, std::string_view data, char end) {
-    out += key;
+void appendRow(std::string& out, std::string_view key, std::string_view data, char end,
+               bool escapes) {
+    appendEscaped(out, key, escapes ? kTorn : "");
     out += '\t';
-    out += withoutClosingTab(data);
+    appendEscaped(out, withoutClosingTab(data), escapes ? kTornFields : "");
     out += end;
+}
+
+// Far faster than to look for any of them.
+bool holdsOneOf(std::string_view text, std::string_view special) {
+    return std::any_of(special.begin(), special.end(), [text](char character) {
+        return text.find(character) != std::string_view::npos;
+    });
+}
+
+char letterOf(char special) {
+    if (special == '\n') return 'n';
+    return special == '\t' ? 't' : special;
 }
 
 }  // namespace
@@ -119,11 +124,13 @@ void formatKeys(std::string& out, const LinePieces& pieces) {
 }
 
 void formatKeysData(std::string& out, const LinePieces& pieces) {
-    forEachPiece(pieces, [&out](auto text, auto start, auto, const Piece& piece) {
+    const std::string_view special = pieces.escapes ? kTornFields : "";
+    forEachPiece(pieces, [&](auto text, auto start, auto, const Piece& piece) {
         out.append(text) += '/';
         append(out, start);
         out += ':';
-        out.append(dataOf(piece)) += '\t';
+        appendEscaped(out, dataOf(piece), special);
+        out += '\t';
     });
     out += pieces.end;
 }
@@ -134,7 +141,7 @@ void formatTable(std::string& out, const LinePieces& pieces) {
             append(out, number);
             out += '\t';
         }
-        appendRow(out, text, dataOf(piece), pieces.end);
+        appendRow(out, text, dataOf(piece), pieces.end, pieces.escapes);
     });
 }
 
@@ -152,8 +159,12 @@ void formatJson(std::string& out, const LinePieces& pieces) {
     out += pieces.end;
 }
 
+void answerKey(std::string& out, const Answer& answer) {
+    out.append(answer.key) += answer.end;
+}
+
 void answerText(std::string& out, const Answer& answer) {
-    appendRow(out, answer.key, answer.data, answer.end);
+    appendRow(out, answer.key, answer.data, answer.end, answer.escapes);
 }
 
 void answerTable(std::string& out, const Answer& answer) {
@@ -173,6 +184,17 @@ void answerJson(std::string& out, const Answer& answer) {
         out += '}';
     }
     out += answer.end;
+}
+
+void appendEscaped(std::string& out, std::string_view text, std::string_view special) {
+    if (holdsOneOf(text, special)) {
+        for (std::size_t at; (at = text.find_first_of(special)) != std::string_view::npos;) {
+            out.append(text, 0, at) += '\\';
+            out += letterOf(text[at]);
+            text.remove_prefix(at + 1);
+        }
+    }
+    out += text;
 }
 
 void appendJson(std::string& out, std::string_view text) {

@@ -24,7 +24,8 @@ struct LinePieces {
     const Piece* pieces;
     std::size_t count;
     Unit unit;
-    char end;  // of a line that is written
+    char end;      // of a line that is written
+    bool escapes;  // whether appendEscaped() is for its texts
 };
 
 // Each appends a line's pieces to `out`.
@@ -41,9 +42,11 @@ struct Answer {
     bool found;
     std::string_view data;
     char end;
+    bool escapes;
 };
 
 using FormatAnswer = void (*)(std::string& out, const Answer& answer);
+void answerKey(std::string& out, const Answer& answer);  // as it came
 void answerText(std::string& out, const Answer& answer);
 void answerTable(std::string& out, const Answer& answer);
 void answerJson(std::string& out, const Answer& answer);
@@ -57,6 +60,14 @@ inline std::string_view withoutClosingTab(std::string_view data) {
     if (!data.empty() && data.back() == '\t') data.remove_suffix(1);
     return data;
 }
+
+// What tears a row of fields up, and what tears their text up where tabs stand between fields.
+constexpr std::string_view kTorn = "\n\\\t";
+constexpr std::string_view kTornFields = "\n\\";
+
+// Appends `text`, in which a backslash and a letter stand for each of the characters in `special`,
+// which is one of the above.
+void appendEscaped(std::string& out, std::string_view text, std::string_view special);
 
 // Appends a JSON string; bytes that are no UTF-8 become U+FFFD each.
 void appendJson(std::string& out, std::string_view text);

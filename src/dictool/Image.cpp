@@ -19,8 +19,8 @@ std::string whereOf(const DictionaryImageFault& fault) {
     return " (cell " + std::to_string(fault.cell) + ", " + byte + ")";
 }
 
-std::string verifiedBytes(const std::string& file) {
-    std::string bytes = readWhole(file);
+Buffer verifiedBytes(const std::string& file) {
+    Buffer bytes = readWhole(file);
     DictionaryImageFault fault;
     if (!dictionaryVerify(bytes.data(), bytes.size(), &fault)) throw imageFailure(file, fault);
     return bytes;

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "Buffer.h"
 #include "DATChecked.h"
 #include "ImageFormat.h"
 #include "Report.h"
@@ -39,7 +40,7 @@ public:
     Image& operator=(const Image&) = delete;
 
     const std::string& file() const { return m_file; }
-    std::size_t bytes() const { return m_bytes.size(); }
+    std::string_view bytes() const { return m_bytes.text(); }
     std::int32_t cellCount() const {
         return Dictionary::cellBytesOf(header()) / Dictionary::kCellBytes;
     }
@@ -59,7 +60,7 @@ private:
     Dictionary::Cell header() const { return Dictionary::headerOf(m_bytes.data()); }
 
     std::string m_file;
-    std::string m_bytes;
+    Buffer m_bytes;
     Dictionary::ImageView m_view;
 };
 

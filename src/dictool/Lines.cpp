@@ -17,41 +17,42 @@ Lines::Lines(std::vector<std::string> files, char end, bool eager)
     if (m_files.empty()) m_files.emplace_back("-");
 }
 
-Lines::Lines(std::string text, char end) : m_end(end), m_rest(std::move(text)) {}
+Lines::Lines(std::string_view text, char end) : m_end(end), m_rest(text) {}
 
 bool Lines::next(Block& block) {
     block.firstLine = m_line;
     while (!nextOfFile(block.bytes)) {
         if (!openNext()) return false;
     }
-    const auto ends = std::count(block.bytes.begin(), block.bytes.end(), m_end);
-    const bool unended = block.bytes.back() != m_end;
+    const std::string_view text = block.bytes.text();
+    const auto ends = std::count(text.begin(), text.end(), m_end);
+    const bool unended = text.back() != m_end;
     m_line += static_cast<std::uint64_t>(ends) + (unended ? 1 : 0);
     return true;
 }
 
 // False when the file has no more. The end of a line is looked for only in what is new, so a long
 // line costs no more than its length.
-bool Lines::nextOfFile(std::string& bytes) {
-    bytes.swap(m_rest);
-    m_rest.clear();
+bool Lines::nextOfFile(Buffer& bytes) {
+    std::swap(bytes, m_rest);
+    m_rest.cutOff(0);
     std::size_t whole = 0;  // bytes up to the end of the last whole line
     while (whole == 0 || (bytes.size() < kBlockBytes && !m_eager)) {
         const std::size_t before = bytes.size();
-        if (!readMore(bytes)) return !bytes.empty();
-        const std::size_t last = std::string_view(bytes).substr(before).rfind(m_end);
+        if (!readMore(bytes)) return bytes.size() > 0;
+        const std::size_t last = bytes.text().substr(before).rfind(m_end);
         if (last != std::string_view::npos) whole = before + last + 1;
     }
-    m_rest.assign(bytes, whole);
-    bytes.resize(whole);
+    m_rest.append(bytes.text().substr(whole));
+    bytes.cutOff(whole);
     return true;
 }
 
 // A file that fails has no more, either.
-bool Lines::readMore(std::string& bytes) {
+bool Lines::readMore(Buffer& bytes) {
     if (!m_file) return false;
     try {
-        if (m_file->readMore(bytes, std::max(bytes.size(), kBlockBytes))) return true;
+        if (m_file->readMore(bytes, kBlockBytes)) return true;
     } catch (const Failure& failure) {
         m_failed = true;
         report(failure);

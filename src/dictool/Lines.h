@@ -16,7 +16,7 @@ namespace dictool {
 
 // Whole lines, the last of which may lack its end.
 struct Block {
-    std::string bytes;
+    Buffer bytes;
     std::uint64_t firstLine = 1;  // the number of the first one
 };
 
@@ -28,7 +28,7 @@ public:
     // lines as soon as they are there; any other waits for a whole block.
     Lines(std::vector<std::string> files, char end, bool eager);
     // The lines of `text`.
-    Lines(std::string text, char end);
+    Lines(std::string_view text, char end);
 
     // Puts the next lines into `block`; false at the end. Not for two threads at once.
     bool next(Block& block);
@@ -38,8 +38,8 @@ public:
     bool failed() const { return m_failed; }
 
 private:
-    bool nextOfFile(std::string& bytes);
-    bool readMore(std::string& bytes);
+    bool nextOfFile(Buffer& bytes);
+    bool readMore(Buffer& bytes);
     bool openNext();
 
     std::vector<std::string> m_files;
@@ -49,13 +49,13 @@ private:
     bool m_eager = false;
     bool m_failed = false;
     std::uint64_t m_line = 1;
-    std::string m_rest;  // what is read of a line that has not ended yet
+    Buffer m_rest;  // what is read of a line that has not ended yet
 };
 
 // Calls `take(line, number)` for every line of a block.
 template <class Take>
 void forEachLine(const Block& block, char end, Take take) {
-    std::string_view left = block.bytes;
+    std::string_view left = block.bytes.text();
     for (std::uint64_t number = block.firstLine; !left.empty(); ++number) {
         const std::size_t size = left.find(end);
         take(left.substr(0, size), number);

@@ -13,15 +13,20 @@ struct LookupOptions : FilterOptions {
 
 constexpr char kDetails[] =
     "Without a KEY, takes every line of standard input for one. Writes a line for every key that\n"
-    "is in the image: the key, a tab, its data fields set apart by tabs; with -f tsv the number\n"
+    "is in the image: the key, a tab, its data fields separated by tabs; with -f tsv the number\n"
     "of the key in front; with -f json a line for every key, {\"line\":N,\"key\":..,\n"
-    "\"found\":true,\"data\":[..]}. --missing writes the keys that are not in the image instead.\n"
+    "\"found\":true,\"data\":[..]}. --missing writes the keys that are not in the image instead,\n"
+    "in text form just as they came.\n"
+    "\nA newline is written \\n, a tab in a key \\t and a backslash \\\\, but with -z everything "
+    "is\n"
+    "written as it is.\n"
     "\nExit status: 0 when a line was to be written for a key, other than one of \"found\":false;\n"
     "1 when none was.";
 
 FormatAnswer formatOf(const LookupOptions& options) {
     if (options.format == "tsv") return answerTable;
-    return options.format == "json" ? answerJson : answerText;
+    if (options.format == "json") return answerJson;
+    return options.missing ? answerKey : answerText;
 }
 
 class LookupWork : public LineWork {
@@ -31,14 +36,15 @@ public:
           m_format(formatOf(options)),
           m_writesAll(options.format == "json" && !options.missing),
           m_wanted(!options.missing),
-          m_end(options.end()) {}
+          m_end(options.end()),
+          m_escapes(!options.zeroEnded) {}
 
     bool take(std::string_view line, std::uint64_t number, std::string& out) override {
         const char* data = nullptr;
         std::size_t size = 0;
         const bool found = dictionaryLookup(m_handle.get(), line.data(), line.size(), &data, &size);
         if (m_writesAll || found == m_wanted) {
-            m_format(out, {line, number, found, {data, size}, m_end});
+            m_format(out, {line, number, found, {data, size}, m_end, m_escapes});
         }
         return found == m_wanted;
     }
@@ -49,6 +55,7 @@ private:
     bool m_writesAll;
     bool m_wanted;
     char m_end;
+    bool m_escapes;
 };
 
 int run(const LookupOptions& options) {
@@ -66,7 +73,7 @@ void defineLookup(CLI::App& program, Action& action) {
     CLI::App& command =
         addCommand(program, action, "lookup", "Look up whole keys", kDetails, options, run);
     addArgument(command, "IMAGE", options.image, "The image");
-    addArguments(command, "KEY", options.keys, "Keys; none for a line each of standard input");
+    addArguments(command, "KEY", options.keys, "Keys; none for one per line of standard input");
     command.add_flag("-m,--missing", options.missing, "Write the keys that are not there instead");
     addFilterOptions(command, options);
 }

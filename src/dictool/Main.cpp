@@ -1,10 +1,12 @@
-#include <algorithm>
+#include <unistd.h>
+
 #include <csignal>
 #include <exception>
 #include <new>
 
 #include "Command.h"
 #include "DATChecked.h"
+#include "Help.h"
 #include "Output.h"
 #include "Report.h"
 
@@ -12,21 +14,33 @@ namespace dictool {
 
 namespace {
 
-constexpr DefineCommand kCommands[] = {defineBuild, defineSearch, defineSegment,   defineLookup,
-                                       defineDump,  defineStat,   defineVerify,    defineDiff,
-                                       defineView,  defineManual, defineCompletion};
+constexpr DefineCommand kCommands[] = {defineBuild, defineSearch, defineSegment,    defineLookup,
+                                       defineDump,  defineStat,   defineVerify,     defineDiff,
+                                       defineView,  defineManual, defineCompletion, defineHelp};
 
 constexpr char kDetails[] =
     "Exit status: 0 found or done; 1 nothing found, or different; 2 wrong usage, or a file\n"
-    "cannot be read or written; 3 done, but keys were refused; 4 not a sound image.\n"
-    "'dictool COMMAND --help' tells more about a command.";
+    "cannot be read or written; 3 done, but keys were refused; 4 not a sound image; 130 a build\n"
+    "was ended by a signal; 141 nobody reads the output.\n"
+    "'dictool help COMMAND' tells more about a command.";
 
-int refuseUsage(const CLI::App& program, const CLI::ParseError& error) {
+// Says how to name a file that looks like options.
+std::string adviceFor(const std::vector<std::string>& arguments) {
+    for (const std::string& text : arguments) {
+        if (text.size() > 1 && text.front() == '-' && ::access(text.c_str(), F_OK) == 0) {
+            return "write the file " + text + " as ./" + text + " or behind --";
+        }
+    }
+    return "";
+}
+
+[[noreturn]] void refuseUsage(const CLI::App& program, const std::vector<std::string>& arguments,
+                              const std::string& error) {
     const std::vector<CLI::App*> chosen = program.get_subcommands();
     const std::string name = chosen.empty() ? "dictool" : "dictool " + chosen[0]->get_name();
-    report(Severity::kError, {}, "usage",
-           std::string(error.what()) + "; see '" + name + " --help'");
-    return kTrouble;
+    std::string advice = adviceFor(arguments);
+    if (advice.empty()) advice = "see '" + name + " --help'";
+    throw Failure{kTrouble, {}, "usage", error + "; " + advice};
 }
 
 int run(int count, char** arguments) {
@@ -37,10 +51,10 @@ int run(int count, char** arguments) {
     program.require_subcommand(1);
     Action action;
     for (const DefineCommand define : kCommands) define(program, action);
+    const std::vector<std::string> given = guardedArguments(count, arguments);
+    checkCommand(program, given);
     try {
-        std::vector<std::string> given = guardedArguments(count, arguments);
-        std::reverse(given.begin(), given.end());
-        program.parse(std::move(given));
+        program.parse(std::vector<std::string>(given.rbegin(), given.rend()));
     } catch (const CLI::CallForHelp&) {
         print(program.help());
         return kDone;
@@ -48,7 +62,7 @@ int run(int count, char** arguments) {
         print(std::string(version.what()) + "\n");
         return kDone;
     } catch (const CLI::ParseError& error) {
-        return refuseUsage(program, error);
+        refuseUsage(program, given, error.what());
     }
     return action();
 }
@@ -61,8 +75,6 @@ int runReporting(int count, char** arguments) {
         return failure.status;
     } catch (const ClosedPipe&) {
         return kClosedPipe;
-    } catch (const Interrupted&) {
-        return kInterrupted;
     } catch (const std::bad_alloc&) {
         report(Severity::kError, {}, "no-memory",
                "memory is short; free some or use fewer threads");
@@ -77,7 +89,9 @@ int runReporting(int count, char** arguments) {
 }  // namespace dictool
 
 int main(int count, char** arguments) {
-    // Writing to a closed pipe fails then, which every command notices and unwinds from.
+    // Writing to a closed pipe, or beyond the size that files may have, fails then, which every
+    // command notices and unwinds from.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     return dictool::runReporting(count, arguments);
 }

@@ -60,7 +60,25 @@ std::string textOf(const CLI::Option& option) {
     return usual.empty() ? text : text + " Without it: " + usual + ".";
 }
 
-std::string pageOf(const CLI::App& command, const std::string& name) {
+std::string pageNameOf(std::string command) {
+    std::replace(command.begin(), command.end(), ' ', '-');
+    return command;
+}
+
+// The other pages, of the program and of its commands.
+std::string seeAlso(const CLI::App& program, const std::string& page) {
+    std::vector<std::string> names = {program.get_name()};
+    for (const CLI::App* command : commandsOf(program)) {
+        names.push_back(program.get_name() + "-" + command->get_name());
+    }
+    std::vector<std::string> others;
+    for (const std::string& name : names) {
+        if (name != page) others.push_back("\\fB" + roff(name) + "\\fR(1)");
+    }
+    return join(others, ",\n");
+}
+
+std::string pageOf(const CLI::App& program, const CLI::App& command, const std::string& name) {
     std::string arguments, options, commands;
     for (const CLI::Option* argument : argumentsOf(command)) {
         arguments += item(argument->get_name(), argument->get_description() + ".");
@@ -71,23 +89,23 @@ std::string pageOf(const CLI::App& command, const std::string& name) {
     for (const CLI::App* listed : commandsOf(command)) {
         commands += item(listed->get_name(), listed->get_description() + ".");
     }
-    std::string page = name;
-    std::replace(page.begin(), page.end(), ' ', '-');
+    const std::string page = pageNameOf(name);
     return ".TH " + page + " 1 \"\" \"dictool " + dictionaryVersion() +
            "\" \"User Commands\"\n.ad l\n" +
            section("NAME", roff(page + " - " + command.get_description())) +
            section("SYNOPSIS", synopsisOf(command, name)) +
            section("DESCRIPTION", roff(command.get_footer())) + section("COMMANDS", commands) +
-           section("ARGUMENTS", arguments) + section("OPTIONS", options);
+           section("ARGUMENTS", arguments) + section("OPTIONS", options) +
+           section("SEE ALSO", seeAlso(program, page));
 }
 
 int run(const ManualOptions& options) {
     const CLI::App& program = *options.program;
     if (options.command.empty()) {
-        print(pageOf(program, program.get_name()));
+        print(pageOf(program, program, program.get_name()));
     } else {
         const CLI::App& command = *program.get_subcommand(options.command);
-        print(pageOf(command, program.get_name() + " " + command.get_name()));
+        print(pageOf(program, command, program.get_name() + " " + command.get_name()));
     }
     return kDone;
 }

@@ -20,7 +20,8 @@ public:
           m_format(formatOf(options)),
           m_unit(options.offset == "char" ? Unit::kCharacter : Unit::kByte),
           m_keep(options.keep),
-          m_end(options.end()) {}
+          m_end(options.end()),
+          m_escapes(!options.zeroEnded && mode != DICTIONARY_FIND_AS_SEARCH) {}
     MatchWork(const MatchWork&) = delete;
     MatchWork& operator=(const MatchWork&) = delete;
     ~MatchWork() override { dictionaryReleaseMatches(&m_matches); }
@@ -33,7 +34,8 @@ public:
                           "too-long",
                           "too long for the memory at hand, or over 2147483647 bytes; divide it"};
         }
-        LinePieces pieces = {line, number, m_matches.items, m_matches.count, m_unit, m_end};
+        LinePieces pieces = {line,   number, m_matches.items, m_matches.count,
+                             m_unit, m_end,  m_escapes};
         if (m_keep) {
             addStretches(line);
             pieces.pieces = m_pieces.data();
@@ -66,6 +68,7 @@ private:
     Unit m_unit;
     bool m_keep;
     char m_end;
+    bool m_escapes;
     DictionaryMatches m_matches = {};
     std::vector<Piece> m_pieces;
 };

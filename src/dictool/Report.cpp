@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "Printable.h"
+
 namespace dictool {
 
 namespace {
@@ -44,7 +46,7 @@ void report(Severity severity, const Place& place, std::string_view code, std::s
     const SeverityStyle style = styleOf(severity);
     std::string message = "dictool: ";
     if (!place.file.empty()) {
-        message += place.file;
+        message += printable(place.file);
         if (place.line != 0) message += ':' + std::to_string(place.line);
         if (place.column != 0) message += ':' + std::to_string(place.column);
         message += ": ";
@@ -54,7 +56,7 @@ void report(Severity severity, const Place& place, std::string_view code, std::s
     } else {
         message += style.word;
     }
-    message.append(" ").append(code).append(": ").append(text).append("\n");
+    message.append(" ").append(code).append(": ").append(printable(text)).append("\n");
     writeError(message);
 }
 
@@ -62,8 +64,12 @@ void report(const Failure& failure) {
     report(Severity::kError, failure.place, failure.code, failure.text);
 }
 
+std::string messageOf(std::string_view text) {
+    return "dictool: " + printable(text) + "\n";
+}
+
 void remark(std::string_view text) {
-    writeError(std::string("dictool: ").append(text).append("\n"));
+    writeError(messageOf(text));
 }
 
 Failure systemFailure(const std::string& file, const std::string& code, const std::string& advice) {

@@ -12,12 +12,12 @@ namespace dictool {
 
 // What the program ends with, as grep does where the two have something in common.
 enum Status : int {
-    kDone = 0,      // found, or done
-    kNone = 1,      // nothing found, or two images differ
-    kTrouble = 2,   // wrong usage, or a file cannot be read or written
-    kRefused = 3,   // done, but without some keys
-    kBadImage = 4,  // an image that is none
-    kInterrupted = 128 + SIGINT,
+    kDone = 0,                    // found, or done
+    kNone = 1,                    // nothing found, or two images differ
+    kTrouble = 2,                 // wrong usage, or a file cannot be read or written
+    kRefused = 3,                 // done, but without some keys
+    kBadImage = 4,                // an image that is none
+    kInterrupted = 128 + SIGINT,  // by any signal
     kClosedPipe = 128 + SIGPIPE
 };
 
@@ -39,17 +39,17 @@ struct Failure {
 // Thrown when nobody reads the output any more: ends the program without a word.
 struct ClosedPipe {};
 
-// Thrown when a signal that was to be handled came while waiting for input: likewise.
-struct Interrupted {};
-
 enum class Severity { kError, kWarning };
 
 // Writes "dictool: FILE:LINE:COL: error CODE: text", in colours on a terminal. A message is one
-// write, so those of several threads or processes do not mix.
+// write, so those of several threads or processes do not mix. What is not printable is escaped.
 void report(Severity severity, const Place& place, std::string_view code, std::string_view text);
 void report(const Failure& failure);
 
-// Writes "dictool: text".
+// "dictool: text" and a newline.
+std::string messageOf(std::string_view text);
+
+// Writes that.
 void remark(std::string_view text);
 
 // The failure of the system call that has just failed on `file`; `advice` says what to do.

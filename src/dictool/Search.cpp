@@ -8,24 +8,27 @@ namespace {
 
 struct SearchOptions : MatchOptions {
     bool all = false;
-    bool longest = false;
+    bool classic = false;
+    bool longest = false;  // as without it
 };
 
 constexpr char kDetails[] =
     "Writes a line for every line read: the longest key at every position where one starts, each\n"
-    "followed by a tab, or with -d: key, \"/\", position, \":\", data, tab. Without an option for\n"
-    "it this is what the library's function search returns, which reads a line up to the first\n"
-    "byte that is no UTF-8 and misses keys in front of a character above U+FFFF; --longest and\n"
-    "--all pass over such bytes and characters.\n"
-    "\ntsv: a line a match, of the number of its line, start, length, key and the data fields.\n"
-    "json: a line a line, {\"line\":N,\"matches\":[{\"start\":..,\"length\":..,\"key\":..,\n"
+    "followed by a tab, or with -d: key, \"/\", position, \":\", data, tab. Bytes that are no "
+    "UTF-8\n"
+    "are passed over. --classic writes what the library's function search returns, which reads a\n"
+    "line up to the first such byte or NUL and misses keys in front of a character above U+FFFF.\n"
+    "\ntsv: one line per match: the number of its line, start, length, key and the data fields.\n"
+    "json: one line per line, {\"line\":N,\"matches\":[{\"start\":..,\"length\":..,\"key\":..,\n"
     "\"data\":[..]},..]}. Lines are numbered through all files; positions count from 0.\n"
+    "\nIn tsv, and in data in text form, a newline is written \\n, a tab in a key \\t and a\n"
+    "backslash \\\\. With -z or --classic everything is written as it is.\n"
     "\nExit status: 0 when a key was found, 1 when none was.";
 
 int run(const SearchOptions& options) {
     if (options.all) return filterMatches(options, DICTIONARY_FIND_ALL);
     return filterMatches(options,
-                         options.longest ? DICTIONARY_FIND_LONGEST : DICTIONARY_FIND_AS_SEARCH);
+                         options.classic ? DICTIONARY_FIND_AS_SEARCH : DICTIONARY_FIND_LONGEST);
 }
 
 }  // namespace
@@ -36,8 +39,12 @@ void defineSearch(CLI::App& program, Action& action) {
                                    kDetails, options, run);
     addMatchOptions(command, options);
     CLI::Option* all = command.add_flag("-a,--all", options.all, "Every key at every position");
-    command.add_flag("-l,--longest", options.longest, "The longest key at every position")
-        ->excludes(all);
+    CLI::Option* longest = command.add_flag("-l,--longest", options.longest,
+                                            "The longest key at every position, as without it");
+    command.add_flag("--classic", options.classic, "What the library's function search returns")
+        ->excludes(all)
+        ->excludes(longest);
+    longest->excludes(all);
 }
 
 }  // namespace dictool

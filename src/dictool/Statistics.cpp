@@ -66,7 +66,7 @@ double Statistics::bytesPerKey() const {
 
 Statistics statisticsOf(const Image& image) {
     Statistics statistics;
-    statistics.imageBytes = image.bytes();
+    statistics.imageBytes = image.bytes().size();
     statistics.cells = static_cast<std::uint64_t>(image.cellCount());
     statistics.featureBytes = static_cast<std::uint64_t>(image.featureBytes());
     const Trie trie(image);

@@ -5,6 +5,7 @@
 #include "Command.h"
 #include "Image.h"
 #include "Output.h"
+#include "Printable.h"
 
 namespace dictool {
 
@@ -30,7 +31,7 @@ Status verify(const std::string& file, bool quiet) {
     }
     if (!quiet) {
         Output output;
-        output.write(file + ": ok\n");
+        output.write(printable(file) + ": ok\n");
     }
     return kDone;
 }

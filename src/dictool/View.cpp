@@ -1,6 +1,7 @@
 // view: an image as a page for a browser.
 
 #include "Command.h"
+#include "File.h"
 #include "Output.h"
 #include "Page.h"
 #include "Statistics.h"
@@ -60,6 +61,12 @@ std::string pageOf(const Image& image) {
 }
 
 int run(const ViewOptions& options) {
+    if (isOneFile(options.image, options.page)) {
+        throw Failure{kTrouble,
+                      {options.page},
+                      "same-file",
+                      "the page would replace the image; give it another name"};
+    }
     const std::string page = pageOf(Image(options.image));
     Output output(options.page);
     output.write(page);

@@ -5,7 +5,9 @@ import os
 import random
 import re
 import shutil
+import resource
 import signal
+import struct
 import subprocess
 import tempfile
 import unittest
@@ -15,6 +17,7 @@ EXAMPLES = os.environ["EXAMPLES"]
 HERE = tempfile.mkdtemp(prefix="dictool")
 COMMANDS = "build lint search segment lookup dump stat verify diff view".split()
 SOURCE = "\\n\tline\nabc\tn\t1\nbc\tv\nab\t\n東京\tplace\n東京都\tplace\tbig\nbc\tw\n"
+FREE_CELL = struct.pack("<3i", 0, 0, -1)
 NONE, TROUBLE, REFUSED, BAD_IMAGE, INTERRUPTED, CLOSED_PIPE = 1, 2, 3, 4, 130, 141
 
 
@@ -69,9 +72,10 @@ ANSWERS = [
     ("search", "xabc\n東京都\n\nq\n", "abc\tbc\t\n東京都\t\n\n\n"),
     ("search -d", "xabc", "abc/1:n\t1\t\tbc/2:v\t;w\t\t\n"),
     ("search --all -d", "xabc\n", "ab/1:\t\tabc/1:n\t1\t\tbc/2:v\t;w\t\t\n"),
-    ("search", b"bc\xffbc\nab\0bc\n", "bc\t\nab\t\n"),
-    ("search --longest", b"bc\xffbc\nab\0bc\nab\xf0\x9f\x98\x80\n", "bc\tbc\t\nab\tbc\t\nab\t\n"),
-    ("search", "ab😀bc\n", "bc\t\n"),
+    ("search --classic", b"bc\xffbc\nab\0bc\n", "bc\t\nab\t\n"),
+    ("search", b"bc\xffbc\nab\0bc\nab\xf0\x9f\x98\x80\n", "bc\tbc\t\nab\tbc\t\nab\t\n"),
+    ("search --classic", "ab😀bc\n", "bc\t\n"),
+    ("search --windows -f tsv", b"\xef\xbb\xbfxab\r\nbc\r", "1\t1\t2\tab\t\n2\t0\t2\tbc\tv\t;w\n"),
     ("search -z -d", "x\nabc\0ab", "\n/1:line\t\tabc/2:n\t1\t\tbc/3:v\t;w\t\t\0ab/0:\t\t\0"),
     ("search -f tsv", "\nxabc\n", "2\t1\t3\tabc\tn\t1\n2\t2\t2\tbc\tv\t;w\n"),
     ("search -f tsv --offset char", "é東京都\n", "1\t1\t3\t東京都\tplace\tbig\n"),
@@ -85,7 +89,9 @@ ANSWERS = [
      '{"start":5,"length":2,"key":"bc","data":["v",";w"]}]}\n'),
     ("lookup", "abc\nx\nab", "abc\tn\t1\nab\t\n"),
     ("lookup -f tsv", "x\nabc\n", "2\tabc\tn\t1\n"),
-    ("lookup --missing", "abc\nx\n", "x\t\n"),
+    ("lookup --missing", "abc\nx\n\\\n", "x\n\\\n"),
+    ("lookup --missing -f tsv", "abc\nx\n", "2\tx\t\n"),
+    ("lookup --windows", "ab\r\nab\n", "ab\t\nab\t\n"),
     ("lookup -z", "\n\0x", "\n\tline\0"),
     ("lookup -f json", "x\nab\n", lines_of({"line": 1, "key": "x", "found": False},
                                            {"line": 2, "key": "ab", "found": True, "data": [""]})),
@@ -106,6 +112,8 @@ FAULTS = [
     (b"a\tx\nb\ty", ["2:4: error unfinished"], TROUBLE, TROUBLE),
     (b"a\t" + b"x" * 4194304 + b"\n", ["1:4194299: error record-too-long"], TROUBLE, TROUBLE),
     ("a\tx\nb😀\ty\n".encode(), ["2:2: error beyond-bmp"], REFUSED, REFUSED),
+    (b"", [" error no-records"], TROUBLE, TROUBLE),
+    (b"\x1f\x8b\x08", [" error not-text: this is a gzip file; try zcat FILE"], TROUBLE, TROUBLE),
     (b"a\nb\n\xff\tx\n", ["1:2: error no-f", "2:2: error no-f", "3:1: error bad"],
      TROUBLE, TROUBLE),
 ]
@@ -155,6 +163,12 @@ class Dictool(unittest.TestCase):
         separators = ["--field-separator", ",", "--record-separator", "\\059"]
         self.assertEqual(run("build", "semicolons", "other.bin", *separators)[0], 0)
         self.assertEqual(run("dump", "other.bin")[1], b"a\t1\nb\t2\n")
+        windows = ["--windows", "--field-separator", r"\t"]
+        made = run("build", "-", "-", *windows, given=b"\xef\xbb\xbfa\t1\r\nb\t2\r\n")
+        self.assertEqual(made[:2], (0, read("other.bin")))
+        self.assertEqual(run("build", "-", "empty.bin", "--allow-empty")[0], 0)
+        told = run("lint", "-", given="a\tx\t;y\n")
+        self.assertRefused(told, 0, "-:1:5: warning semicolon", "1 records")
         problems = run("lint", "-", "--max-problems", "2", given="\n\n\n\n")
         self.assertRefused(problems, TROUBLE, "-:1:1: error", "-:2:1: error", "-: 2 more problems")
         for arguments, told in ((["gone.tsv", "x.bin"], "gone.tsv: error cannot-read"),
@@ -162,7 +176,19 @@ class Dictool(unittest.TestCase):
             self.assertRefused(run("build", *arguments), TROUBLE, told)
         shown = run("build", "-", "x.bin", "--progress", given=SOURCE)[2]
         self.assertIn("\rdictool: x.bin: 6 keys of 7 records", shown)
+        os.link(os.path.join(HERE, "semicolons"), os.path.join(HERE, "link"))
         before = set(os.listdir(HERE))
+        self.assertRefused(run("build", "semicolons", "link"), TROUBLE, "semicolons: error same-file")
+        self.assertRefused(run("view", "words.bin", "-o", "./words.bin"), TROUBLE,
+                           "./words.bin: error same-file")
+        with open(os.path.join(HERE, "semicolons"), "rb") as source:
+            again = subprocess.run([DICTOOL, "build", "-", "link"], cwd=HERE, stdin=source,
+                                   stderr=subprocess.PIPE, check=False)
+        self.assertIn(b"-: error same-file", again.stderr)
+        limits = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100)),
+                  "restore_signals": True}
+        self.assertRefused(run("build", "-", "new", given=SOURCE, **limits), TROUBLE,
+                           "new: error cannot-write: the image cannot be written: File too large")
         building = subprocess.Popen([DICTOOL, "build", "-", "new"], cwd=HERE, stdin=subprocess.PIPE,
                                     stderr=subprocess.PIPE)
         caught = 0
@@ -170,8 +196,9 @@ class Dictool(unittest.TestCase):
             status = read(f"/proc/{building.pid}/status").decode()
             caught = int(re.search(r"SigCgt:\s(\w+)", status)[1], 16)
         building.send_signal(signal.SIGTERM)
-        building.communicate()
+        told = building.communicate()[1]
         self.assertEqual((building.returncode, set(os.listdir(HERE))), (INTERRUPTED, before))
+        self.assertEqual(told, b"dictool: interrupted; nothing is written to new\n")
 
     def test_bad_images(self):
         image = read("words.bin")
@@ -196,6 +223,43 @@ class Dictool(unittest.TestCase):
             built = run("build", "--lenient", "-", "cut.bin", *options, given=source)
             self.assertEqual(built[0], 0)
             self.assertRefused(run("dump", "cut.bin"), TROUBLE, "cut.bin: error no-source")
+
+    def test_dump_says_that_an_image_was_placed_otherwise(self):
+        run("build", "-", "leaf.bin", given="ab\tx\n")
+        image = read("leaf.bin")
+        features, _, cells = struct.unpack("<3i", image[:12])
+        leaf, parent = cells - 12, 12 * ord("a")
+        moved = bytearray(struct.pack("<3i", features, 0, cells + 12) + image[12:leaf])
+        moved += FREE_CELL + image[leaf:]
+        moved[parent:parent + 4] = struct.pack("<i", struct.unpack_from("<i", image, parent)[0] + 1)
+        write("moved.bin", bytes(moved))
+        self.assertEqual(run("verify", "moved.bin")[0], 0)
+        status, source, told = run("dump", "moved.bin")
+        self.assertEqual((status, source), (NONE, b"ab\tx\n"))
+        self.assertIn("moved.bin: warning placed-otherwise: ", told)
+        self.assertIn("byte 8 (cell 0)", told)
+
+    def test_rows_stay_rows_and_messages_lines(self):
+        source = "a\tb|x\ny\\;c|\x1b;"
+        separators = ["--field-separator", "|", "--record-separator", ";"]
+        self.assertEqual(run("build", "-", "torn.bin", *separators, given=source)[0], 0)
+        for options, expected in (("search -f tsv", r"1_0_3_a\tb_x\ny\\ "),
+                                  ("search -d", "a\tb/0:" + r"x\ny\\__ "), ("lookup", r"a\tb_x\ny\\ "),
+                                  ("lookup -z", "a\tb_x\ny\\\0"),
+                                  ("search --classic -d", "a\tb/0:x\ny\\__ ")):
+            command, *rest = options.split()
+            given = "a\tb" + ("\0" if "-z" in rest else "\n")
+            expected = expected.replace("_", "\t").replace(" ", "\n").encode()
+            self.assertEqual(run(command, "torn.bin", *rest, given=given)[1], expected, options)
+        run("build", "-", "other.bin", given="c\tz\n")
+        self.assertEqual(run("diff", "other.bin", "torn.bin")[1],
+                         b"+a\\tb\tx\\ny\\\\\n~c\t\x1b\n")
+        name = "gone\n\x1b[31m\u202e\udcff東"
+        told = run("verify", name)[2]
+        self.assertIn(r"gone\x0A\x1B[31m\xE2\x80\xAE\xFF東: error", told)
+        self.assertEqual(told.count("\n"), 1)
+        self.assertRefused(run("lookup", "words.bin", given="abc\r\n"), NONE,
+                           "nothing is found, and lines end in a carriage return; try --windows")
 
     def test_diff(self):
         run("build", "-", "other.bin", given="\\n\tline\nabc\tn\t2\nabd\tx\n")
@@ -282,6 +346,16 @@ class Dictool(unittest.TestCase):
                           ["search", "words.bin", "--all", "--longest"], ["diff", "words.bin"],
                           ["lint", "x", "--max-problems", "0"], ["stat", "words.bin", "more"]):
             self.assertRefused(run(*arguments), TROUBLE, "error usage: ")
+        write("-x.tsv", SOURCE)
+        for arguments, advice in ((["buidl"], "there is no command 'buidl'; did you mean 'build'?"),
+                                  (["help", "quux"], "there is no command 'quux'; see"),
+                                  (["build", "-x.tsv", "o.bin"], "IMAGE is required; write the file "
+                                   "-x.tsv as ./-x.tsv or behind --"),
+                                  (["lint", "x", "--max-problems", "0"], "--max-problems: Value 0 not "
+                                   "in range 1 to 4294967295;")):
+            self.assertRefused(run(*arguments), TROUBLE, "error usage: " + advice)
+        self.assertEqual(run("help", "dump"), run("dump", "--help"))
+        self.assertEqual(run("help"), run("--help"))
 
     def test_every_option_is_documented_everywhere(self):
         scripts = [run("completion", shell)[1].decode() for shell in ("bash", "zsh", "fish")]

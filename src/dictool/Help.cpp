@@ -1,0 +1,85 @@
+// help, which users need not be told of: the same as --help.
+
+#include "Help.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "Listing.h"
+#include "Output.h"
+#include "Report.h"
+
+namespace dictool {
+
+namespace {
+
+struct HelpOptions {
+    const CLI::App* program = nullptr;
+    std::string command;
+};
+
+// How many letters have to be put in, left out or changed to make one word of the other: the
+// distance of Levenshtein, by Wagner and Fischer's table of which one row is kept.
+std::size_t distanceOf(const std::string& word, const std::string& other) {
+    std::vector<std::size_t> row(other.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < other.size(); ++j) {
+            const std::size_t changed = diagonal + (word[i] == other[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+const CLI::App* find(const CLI::App& program, const std::string& name) {
+    for (const CLI::App* command : program.get_subcommands({})) {
+        if (command->get_name() == name) return command;
+    }
+    return nullptr;
+}
+
+[[noreturn]] void refuse(const CLI::App& program, const std::string& name) {
+    constexpr std::size_t kLikely = 3;
+    std::string nearest;
+    std::size_t least = kLikely;
+    for (const CLI::App* command : commandsOf(program)) {
+        const std::size_t distance = distanceOf(name, command->get_name());
+        if (distance < least) nearest = command->get_name();
+        least = std::min(least, distance);
+    }
+    const std::string question =
+        nearest.empty() ? "see 'dictool --help'" : "did you mean '" + nearest + "'?";
+    throw Failure{kTrouble, {}, "usage", "there is no command '" + name + "'; " + question};
+}
+
+int run(const HelpOptions& options) {
+    const CLI::App& program = *options.program;
+    const bool ofProgram = options.command.empty();
+    const CLI::App* const told = ofProgram ? &program : find(program, options.command);
+    if (told == nullptr) refuse(program, options.command);
+    const std::string name = ofProgram ? "" : program.get_name() + " ";
+    print(told->get_formatter()->make_help(told, name + told->get_name(),
+                                           CLI::AppFormatMode::Normal));
+    return kDone;
+}
+
+}  // namespace
+
+void checkCommand(const CLI::App& program, const std::vector<std::string>& arguments) {
+    if (arguments.empty() || arguments[0].empty() || arguments[0].front() == '-') return;
+    if (find(program, arguments[0]) == nullptr) refuse(program, arguments[0]);
+}
+
+void defineHelp(CLI::App& program, Action& action) {
+    static HelpOptions options;
+    options.program = &program;
+    CLI::App& command = addCommand(program, action, "help", "Tell about a command",
+                                   "Without a COMMAND, about the program.", options, run);
+    command.group("");
+    addText(command, "COMMAND", options.command, "The command");
+}
+
+}  // namespace dictool
