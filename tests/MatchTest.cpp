@@ -6,7 +6,7 @@
 
 #include "DATInterface.h"
 #include "Dictionary.h"
-#include "LookupModel.h"
+#include "LabelImage.h"
 #include "TemporaryFile.h"
 
 namespace {
@@ -17,38 +17,7 @@ struct Character {
 };
 
 using Text = std::vector<Character>;
-using Words = std::map<std::string, std::string>;
 using Found = std::vector<std::tuple<std::size_t, std::size_t, std::string>>;
-
-// Codes as keys of the modern interface have them. A key behind '<' loses its first one.
-class LabelCoder : public Dictionary::CUTF8Coder {
-public:
-    int encodeString(const char* text, std::vector<int>& codes,
-                     std::vector<Dictionary::SPOS>& positions, int length) override {
-        std::vector<int> characters;
-        CUTF8Coder::encodeString(text, characters, positions, length);
-        for (const int code : characters) {
-            if (code >= 0x10000) codes.push_back(0xD800 + ((code - 0x10000) >> 10));
-            codes.push_back(code < 0x10000 ? code : 0xDC00 + (code & 0x3FF));
-        }
-        if (text[0] == '<') codes.erase(codes.begin(), codes.begin() + 2);
-        positions.resize(codes.size());
-        return 1;
-    }
-};
-
-using Handle = std::unique_ptr<DictionaryHandle, decltype(&dictionaryClose)>;
-
-Handle imageOf(const Words& words) {
-    std::map<std::string, std::string> pairs;
-    for (const auto& [key, data] : words) pairs[key] = data + '\t';
-    LabelCoder coder;
-    std::unique_ptr<LookupImage> image;
-    printedBy([&] { image = std::make_unique<LookupImage>(coder, pairs, false); });
-    const std::string bytes = image->bytes();
-    return {dictionaryOpenBytes({bytes.data(), bytes.size()}, DICTIONARY_OPEN_COPY, nullptr),
-            dictionaryClose};
-}
 
 std::string bytesOf(const Text& text, std::size_t from, std::size_t to) {
     std::string bytes;

@@ -235,7 +235,7 @@ DICTIONARY_EXPORT bool dictionaryLookupKey(const DictionaryHandle* handle, Dicti
                                            DictionaryText* data);
 
 /* The same for `count` keys, which takes less time than one call for each: data[i] gets the data
- * text of keys[i]. Returns how many are keys. */
+ * text of keys[i]; `data` may be null. Returns how many are keys. */
 DICTIONARY_EXPORT size_t dictionaryLookupKeys(const DictionaryHandle* handle,
                                               const DictionaryText* keys, size_t count,
                                               DictionaryText* data);
@@ -253,13 +253,15 @@ typedef struct DictionaryKey {
  * of their bytes. */
 typedef struct DictionaryCursor DictionaryCursor;
 
-/* A cursor before the first of all keys. The first cursor of a handle makes an index of the trie's
- * children, in one pass over the cells; it takes 8 bytes per cell until the handle is closed. In a
- * set, a key of several images comes once, from the last. */
+/* A cursor before the first of all keys. The first cursor of an image makes an index of its keys,
+ * whichever thread opens it; docs/design.md has its time and its memory, about 7 to 10 bytes per
+ * cell, which it keeps as long as the image is open. In a set, a key of several images comes once,
+ * from the last. */
 DICTIONARY_EXPORT DictionaryCursor* dictionaryOpenCursor(const DictionaryHandle* handle,
                                                          DictionaryError* error);
 
-/* Moves before the first key that begins with `prefix`; the cursor then ends after the last one. */
+/* Moves before the first key that begins with `prefix`; the cursor then ends after the last one. No
+ * key begins with illegal UTF-8. */
 DICTIONARY_EXPORT void dictionarySeekPrefix(DictionaryCursor* cursor, DictionaryText prefix);
 
 /* The next key; false at the end, with `key` empty. */

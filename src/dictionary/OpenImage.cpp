@@ -53,6 +53,11 @@ std::uint64_t OpenImage::countKeys() const {
     return count;
 }
 
+const KeyIndex& OpenImage::keyIndex() const {
+    std::call_once(m_keysIndexed, [this] { m_keyIndex = std::make_unique<KeyIndex>(m_view); });
+    return *m_keyIndex;
+}
+
 bool OpenImage::isRecord(std::uint32_t offset) const {
     if (offset >= static_cast<std::uint32_t>(featureBytes())) return false;
     std::call_once(m_recordsFound, [this] { findRecords(); });

@@ -13,6 +13,7 @@
 
 #include "ImageBytes.h"
 #include "ImageFormat.h"
+#include "KeyIndex.h"
 
 namespace Dictionary {
 
@@ -30,6 +31,8 @@ public:
 
     // The first call takes one pass over the cells.
     std::uint64_t keyCount() const;
+    // The first call makes it; see KeyIndex.h for what that takes.
+    const KeyIndex& keyIndex() const;
     // Whether a feature record begins at byte `offset` of the feature area. The first call takes
     // one pass over the area, and memory for one bit per byte of it.
     bool isRecord(std::uint32_t offset) const;
@@ -43,6 +46,8 @@ private:
     const ImageView m_view;
     // Counting it twice does no harm.
     mutable std::atomic<std::uint64_t> m_keyCount;
+    mutable std::once_flag m_keysIndexed;
+    mutable std::unique_ptr<const KeyIndex> m_keyIndex;
     mutable std::once_flag m_recordsFound;
     mutable std::vector<bool> m_isRecord;  // by byte of the area
 };

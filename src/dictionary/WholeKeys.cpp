@@ -1,10 +1,13 @@
-// The function of Dictionary.h that looks up whole keys.
+// The functions of Dictionary.h that look up whole keys.
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "Dictionary.h"
 #include "Handle.h"
+#include "ManyLookups.h"
 #include "TextFind.h"
 #include "Utf8Text.h"
 #include "Walk.h"
@@ -35,6 +38,28 @@ DictionaryText lookUpKey(const Images& images, DictionaryText key) {
     return kNoData;
 }
 
+// The same for many. What the last image has not is looked up in the one before it.
+std::size_t lookUpKeys(const Images& images, const DictionaryText* keys, std::size_t count,
+                       DictionaryText* data) {
+    std::fill_n(data, count, kNoData);
+    std::size_t found = 0;
+    for (auto image = images.rbegin(); image != images.rend(); ++image) {
+        found += lookUpEach((*image)->view(), keys, count, data);
+    }
+    return found;
+}
+
+// Only counts, some keys at a time.
+std::size_t countKeys(const Images& images, const DictionaryText* keys, std::size_t count) {
+    constexpr std::size_t kAtATime = 256;
+    DictionaryText data[kAtATime];
+    std::size_t found = 0;
+    for (std::size_t i = 0; i < count; i += kAtATime) {
+        found += lookUpKeys(images, keys + i, std::min(kAtATime, count - i), data);
+    }
+    return found;
+}
+
 }  // namespace
 
 }  // namespace Dictionary
@@ -45,4 +70,14 @@ bool dictionaryLookupKey(const DictionaryHandle* handle, DictionaryText key, Dic
                                      : Dictionary::lookUpKey(handle->images, key);
     if (data != nullptr) *data = found;
     return found.bytes != nullptr;
+}
+
+size_t dictionaryLookupKeys(const DictionaryHandle* handle, const DictionaryText* keys,
+                            size_t count, DictionaryText* data) {
+    if (handle == nullptr || keys == nullptr) {
+        if (data != nullptr) std::fill_n(data, count, Dictionary::kNoData);
+        return 0;
+    }
+    if (data == nullptr) return Dictionary::countKeys(handle->images, keys, count);
+    return Dictionary::lookUpKeys(handle->images, keys, count, data);
 }

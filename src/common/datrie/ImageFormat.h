@@ -173,6 +173,7 @@ public:
     std::string_view featureText(std::int32_t offset) const {
         return featureTextAt(m_features, offset);
     }
+    void prefetchFeature(std::int32_t offset) const { __builtin_prefetch(m_features + offset); }
 
 private:
     CellView m_cells;

@@ -1,0 +1,51 @@
+// Helper, not installed: goes through the keys of an image that begin with a prefix.
+
+#ifndef DICTIONARY_KEY_CURSOR_H
+#define DICTIONARY_KEY_CURSOR_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "ImageFormat.h"
+#include "KeyIndex.h"
+
+namespace Dictionary {
+
+// Asks for memory when it is made, and never again. Views the image and its index, which must
+// outlive it.
+class KeyCursor {
+public:
+    // Before the first of all keys.
+    KeyCursor(const ImageView& image, const KeyIndex& index);
+
+    // Moves before the first key that begins with `prefix`. No key begins with illegal UTF-8.
+    void seek(std::string_view prefix);
+
+    // Moves to the next key with the prefix; false when there is none.
+    bool next();
+
+    // The key at which the cursor is, valid until it moves, and its data, valid as long as the
+    // image.
+    std::string_view text() const { return {m_text.get(), m_size}; }
+    std::string_view data() const { return m_image->featureText(m_feature); }
+
+private:
+    void start(const char* entry, std::size_t prefixBytes);
+    void lookAhead();
+
+    const ImageView* m_image;
+    const KeyIndex* m_index;
+    std::unique_ptr<char[]> m_text;
+    std::size_t m_size = 0;
+    std::size_t m_prefixBytes = 0;
+    std::size_t m_leastShared = 0;  // the next key has the prefix if it shares as much
+    std::int32_t m_feature = kNoFeature;
+    const char* m_entry = nullptr;
+    const char* m_ahead = nullptr;  // the first entry whose data was not asked for
+};
+
+}  // namespace Dictionary
+
+#endif

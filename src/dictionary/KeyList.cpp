@@ -1,0 +1,80 @@
+// The functions of Dictionary.h that list keys.
+
+#include <string_view>
+#include <vector>
+
+#include "Dictionary.h"
+#include "Errors.h"
+#include "Handle.h"
+#include "KeyCursor.h"
+#include "OpenImage.h"
+
+// The keys of all images of a handle, merged.
+struct DictionaryCursor {
+    explicit DictionaryCursor(const Dictionary::Images& images) {
+        for (const auto& image : images) sources.push_back({{image->view(), image->keyIndex()}});
+    }
+
+    void seek(std::string_view prefix);
+    bool next(DictionaryKey& key);
+
+private:
+    struct Source {
+        Dictionary::KeyCursor cursor;
+        bool mustMove = true;  // before it has a key that was not handed out
+        bool hasKey = false;
+    };
+
+    std::vector<Source> sources;  // by the numbers of their images
+};
+
+void DictionaryCursor::seek(std::string_view prefix) {
+    for (Source& source : sources) {
+        source.cursor.seek(prefix);
+        source.mustMove = true;
+    }
+}
+
+// Of the images that have the least key left, the last one counts, and all of them move on.
+bool DictionaryCursor::next(DictionaryKey& key) {
+    Source* least = nullptr;
+    for (Source& source : sources) {
+        if (source.mustMove) source.hasKey = source.cursor.next();
+        source.mustMove = false;
+        if (!source.hasKey) continue;
+        if (least == nullptr || source.cursor.text() <= least->cursor.text()) least = &source;
+    }
+    if (least == nullptr) return false;
+    const std::string_view text = least->cursor.text(), data = least->cursor.data();
+    for (Source& source : sources) {
+        source.mustMove = &source == least || (source.hasKey && source.cursor.text() == text);
+    }
+    key.text = {text.data(), text.size()};
+    key.data = {data.empty() ? "" : data.data(), data.size()};
+    key.image = static_cast<uint32_t>(least - sources.data());
+    return true;
+}
+
+DictionaryCursor* dictionaryOpenCursor(const DictionaryHandle* handle, DictionaryError* error) {
+    DictionaryCursor* cursor = nullptr;
+    Dictionary::guarded(error, [&] {
+        Dictionary::requireArgument(handle != nullptr, "the handle is null");
+        cursor = new DictionaryCursor(handle->images);
+    });
+    return cursor;
+}
+
+void dictionarySeekPrefix(DictionaryCursor* cursor, DictionaryText prefix) {
+    if (cursor != nullptr) cursor->seek({prefix.bytes, prefix.size});
+}
+
+bool dictionaryNextKey(DictionaryCursor* cursor, DictionaryKey* key) {
+    if (key == nullptr) return false;
+    if (cursor != nullptr && cursor->next(*key)) return true;
+    *key = {};
+    return false;
+}
+
+void dictionaryCloseCursor(DictionaryCursor* cursor) {
+    delete cursor;
+}

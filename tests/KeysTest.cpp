@@ -1,0 +1,229 @@
+// Lists of keys and lookups of many, against std::map.
+
+#include <algorithm>
+#include <random>
+#include <thread>
+#include <tuple>
+
+#include "ImageFormat.h"
+#include "KeyCursor.h"
+#include "KeyIndex.h"
+#include "LabelImage.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+using Listed = std::vector<std::tuple<std::string, std::string, std::uint32_t>>;
+using Cursor = std::unique_ptr<DictionaryCursor, decltype(&dictionaryCloseCursor)>;
+
+DictionaryText textOf(const std::string& text) {
+    return {text.data(), text.size()};
+}
+
+Cursor cursorOf(const Handle& handle) {
+    return {dictionaryOpenCursor(handle.get(), nullptr), dictionaryCloseCursor};
+}
+
+// The keys up to the end of the cursor, behind which there is nothing.
+Listed listed(DictionaryCursor* cursor) {
+    Listed keys;
+    DictionaryKey key;
+    while (dictionaryNextKey(cursor, &key)) {
+        keys.emplace_back(std::string(key.text.bytes, key.text.size),
+                          std::string(key.data.bytes, key.data.size), key.image);
+    }
+    EXPECT_FALSE(dictionaryNextKey(cursor, &key));
+    EXPECT_EQ(key.text.bytes, nullptr);
+    return keys;
+}
+
+const Texts kIllegal = {"\xED\xA0\x80", "\xED\xA0\x80\xED\xB0\x80", "\xEF", "a\xEF"};
+
+// Several images by their numbers; the last with a key wins. No key begins with illegal UTF-8.
+Listed expected(const std::vector<Words>& images, const std::string& prefix) {
+    std::map<std::string, std::pair<std::string, std::uint32_t>> all;
+    for (std::uint32_t image = 0; image < images.size(); ++image) {
+        for (const auto& [key, data] : images[image]) all[key] = {data + '\t', image};
+    }
+    Listed keys;
+    for (const auto& [key, found] : all) {
+        if (key.compare(0, prefix.size(), prefix) != 0) continue;
+        if (std::count(kIllegal.begin(), kIllegal.end(), prefix) != 0) continue;
+        keys.emplace_back(key, found.first, found.second);
+    }
+    return keys;
+}
+
+// Every list and every lookup of `texts` in the handle equals that in the maps.
+void expectModel(const Handle& handle, const std::vector<Words>& images, const Texts& texts) {
+    const Cursor cursor = cursorOf(handle);
+    const Listed all = expected(images, "");
+    EXPECT_EQ(listed(cursor.get()), all);
+    std::vector<DictionaryText> keys;
+    std::size_t found = 0;
+    for (const std::string& text : texts) {
+        dictionarySeekPrefix(cursor.get(), textOf(text));
+        EXPECT_EQ(listed(cursor.get()), expected(images, text)) << text;
+        keys.push_back(textOf(text));
+        found += dictionaryLookupKey(handle.get(), keys.back(), nullptr) ? 1 : 0;
+    }
+    std::vector<DictionaryText> data(texts.size(), {"", 7});
+    EXPECT_EQ(dictionaryLookupKeys(handle.get(), keys.data(), keys.size(), data.data()), found);
+    EXPECT_EQ(dictionaryLookupKeys(handle.get(), keys.data(), keys.size(), nullptr), found);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const auto key = std::find_if(all.begin(), all.end(), [&](const auto& each) {
+            return std::get<0>(each) == texts[i];
+        });
+        ASSERT_EQ(data[i].bytes != nullptr, key != all.end()) << texts[i];
+        if (key == all.end()) continue;
+        EXPECT_EQ(std::string(data[i].bytes, data[i].size), std::get<1>(*key));
+    }
+    dictionarySeekPrefix(cursor.get(), {nullptr, 0});
+    EXPECT_EQ(listed(cursor.get()).size(), all.size());
+}
+
+Handle setOf(const Handle& first, const Handle& second) {
+    const DictionaryHandle* const images[] = {first.get(), second.get()};
+    return {dictionaryOpenSet(images, 2, nullptr), dictionaryClose};
+}
+
+// One character of each length, the last of their planes among them, in the order of their bytes.
+const Texts kCharacters = {"a", "\u00e9", "\uffff", "\U00010000", "\U0010FFFF"};
+
+TEST(Keys, SmallDictionariesEqualAMap) {
+    // All texts of one and two characters, and what is none.
+    Texts texts = kCharacters;
+    for (const std::string& first : kCharacters) {
+        for (const char* second : {"a", "\uffff", "\U00010000"}) {
+            texts.push_back(first + second);
+        }
+    }
+    Texts queries = texts;
+    queries.insert(queries.end(), kIllegal.begin(), kIllegal.end());
+    queries.insert(queries.end(), {"", "b"});
+    queries.emplace_back(1, '\0');
+    std::mt19937 random(3);
+    Handle before(nullptr, dictionaryClose);
+    Words wordsBefore;
+    for (int round = 0; round < 60 && !testing::Test::HasFailure(); ++round) {
+        Words words;
+        for (const std::string& text : texts) {
+            if (random() % 3 == 0) words[text] = std::to_string(round);
+        }
+        if (words.empty()) continue;
+        Handle handle = imageOf(words);
+        expectModel(handle, {words}, queries);
+        if (before != nullptr) {
+            expectModel(setOf(before, handle), {wordsBefore, words}, queries);
+        }
+        before = std::move(handle);
+        wordsBefore = std::move(words);
+    }
+}
+
+std::string randomText(std::mt19937& random) {
+    static const int kStarts[] = {2, 'a', 0x7F, 0x4E00, 0xD7FE, 0xE000, 0xFFFE, 0x1F600, 0x10FFFC};
+    std::string text;
+    for (auto i = 1 + random() % 6; i > 0; --i) {
+        const int code = kStarts[random() % 9] + static_cast<int>(random() % 2);
+        char bytes[4];
+        const int size = Dictionary::CUTF8Coder().decode(code, bytes, sizeof bytes);
+        text.append(bytes, static_cast<std::size_t>(size));
+    }
+    return text;
+}
+
+TEST(Keys, RandomAndLongKeysEqualAMap) {
+    std::mt19937 random(4);
+    Words words;
+    Texts queries;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string text = randomText(random);
+        if (text[0] != '\t' && i % 2 == 0) words[text] = std::to_string(i % 7);
+        if (i % 10 == 0) queries.push_back(text);
+    }
+    const std::string longKey(1000, 'x');
+    for (const std::size_t size : {254u, 255u, 256u, 600u, 1000u}) {
+        words[longKey.substr(0, size)] = "long";
+        words[longKey.substr(0, size) + "\U0001F600" + longKey.substr(0, 300)] = "";
+    }
+    queries.insert(queries.end(), {longKey, longKey.substr(0, 300), longKey + "x"});
+    expectModel(imageOf(words), {words}, queries);
+}
+
+TEST(Keys, ArgumentsThatAreNoneFindNothing) {
+    DictionaryError error;
+    EXPECT_EQ(dictionaryOpenCursor(nullptr, &error), nullptr);
+    EXPECT_EQ(error.code, DICTIONARY_BAD_ARGUMENT);
+    const Handle handle = imageOf({{"a", "1"}});
+    const DictionaryText keys[] = {{nullptr, 1}, {"a", 1}, {"a", 0}};
+    DictionaryText data[3];
+    EXPECT_EQ(dictionaryLookupKeys(nullptr, keys, 3, data), 0u);
+    EXPECT_EQ(data[1].bytes, nullptr);
+    EXPECT_EQ(dictionaryLookupKeys(handle.get(), nullptr, 3, data), 0u);
+    EXPECT_EQ(dictionaryLookupKeys(handle.get(), keys, 3, data), 1u);
+    DictionaryKey key;
+    EXPECT_FALSE(dictionaryNextKey(nullptr, &key));
+    EXPECT_FALSE(dictionaryNextKey(cursorOf(handle).get(), nullptr));
+    dictionarySeekPrefix(nullptr, textOf("a"));
+    dictionaryCloseCursor(nullptr);
+}
+
+TEST(Keys, FirstCursorsMayRace) {
+    constexpr int kThreads = 8;
+    Words words;
+    std::mt19937 random(6);
+    for (int i = 0; i < 300; ++i) words[randomText(random)] = std::to_string(i);
+    const Handle handle = imageOf(words);
+    std::vector<Listed> lists(kThreads);
+    std::vector<std::thread> threads;
+    for (Listed& list : lists) {
+        threads.emplace_back([&] { list = listed(cursorOf(handle).get()); });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const Listed& list : lists) EXPECT_EQ(list, expected({words}, ""));
+}
+
+// Whatever the cells hold, a list ends, and each of its keys is found by its own prefix.
+TEST(Keys, ListsOfDamagedImagesEnd) {
+    const Words words = {
+        {"a", "1"}, {"ab", "2"}, {"abc", "3"}, {"b\U0001F600", "4"}, {"\uffff", ""}};
+    Handle handle = imageOf(words);
+    const DictionaryText whole = dictionaryImageBytes(handle.get(), 0);
+    const std::string sound(whole.bytes, whole.size);
+    const Dictionary::CellView cells = Dictionary::ImageView(sound.data()).cells();
+    std::vector<std::uint32_t> used = {'c', 65536};
+    for (std::uint32_t cell = 1; cell < cells.firstLimit(); ++cell) {
+        if (cells.checkOf(cell) != Dictionary::kFreeImageCheck) used.push_back(cell);
+    }
+    std::mt19937 random(5);
+    for (int round = 0; round < 500; ++round) {
+        std::string bytes = sound;
+        for (int i = 0; i < 3; ++i) {
+            const std::int32_t values[] = {static_cast<std::int32_t>(used[random() % used.size()]),
+                                           -1,
+                                           0,
+                                           INT32_MIN,
+                                           INT32_MAX,
+                                           static_cast<std::int32_t>(random())};
+            const std::size_t word = 4 * (random() % 2);  // base or check
+            std::memcpy(&bytes[used[random() % used.size()] * 12 + word], &values[random() % 6], 4);
+        }
+        const Dictionary::ImageView image(bytes.data());
+        const Dictionary::KeyIndex index(image);
+        Dictionary::KeyCursor cursor(image, index), own(image, index);
+        std::size_t count = 0;
+        std::string last;
+        for (; cursor.next(); ++count) {
+            const std::string key(cursor.text());
+            ASSERT_LT(last, key);
+            last = key;
+            own.seek(key);
+            ASSERT_TRUE(own.next() && own.text() == key);
+        }
+        ASSERT_EQ(count, index.keyCount());
+        ASSERT_LE(count, used.size());
+    }
+}
+
+}  // namespace
