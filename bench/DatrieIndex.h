@@ -53,6 +53,24 @@ public:
         }
     }
 
+    template <class Emit>
+    void keysFrom(std::string_view prefix, Emit emit) const {
+        const std::unique_ptr<TrieState, Release> state(trie_state_clone(m_root.get()));
+        for (const char byte : prefix) {
+            if (!trie_state_walk(state.get(), static_cast<unsigned char>(byte))) return;
+        }
+        const std::unique_ptr<TrieIterator, Release> keys(trie_iterator_new(state.get()));
+        std::string text(prefix);
+        while (trie_iterator_next(keys.get())) {
+            const std::unique_ptr<AlphaChar, Release> rest(trie_iterator_get_key(keys.get()));
+            text.resize(prefix.size());
+            for (const AlphaChar* byte = rest.get(); *byte != 0; ++byte) {
+                text += static_cast<char>(*byte);
+            }
+            if (!emit(text, trie_iterator_get_data(keys.get()))) return;
+        }
+    }
+
 private:
     static constexpr AlphaChar kFirstByte = 0x01;
     static constexpr AlphaChar kLastByte = 0xF4;  // of UTF-8
@@ -61,6 +79,8 @@ private:
         void operator()(AlphaMap* alphabet) const { alpha_map_free(alphabet); }
         void operator()(Trie* trie) const { trie_free(trie); }
         void operator()(TrieState* state) const { trie_state_free(state); }
+        void operator()(TrieIterator* keys) const { trie_iterator_free(keys); }
+        void operator()(AlphaChar* text) const { std::free(text); }
     };
 
     // Valid until the thread's next call.

@@ -9,7 +9,9 @@
 
 namespace Bench {
 
-class MarisaIndex {
+// Its keys are listed in their order only if its nodes were laid out by their labels.
+template <int kNodeOrder>
+class MarisaIndexIn {
 public:
     static constexpr const char* kName = "marisa";
 
@@ -18,7 +20,7 @@ public:
         for (std::size_t i = 0; i < keys.starts.size(); ++i) {
             set.push_back(keys.starts[i], keys.lengths[i]);
         }
-        m_trie.build(set);
+        m_trie.build(set, kNodeOrder);
         m_own.resize(set.size() + set.size() % 2);  // the trie behind them wants eight bytes
         for (std::size_t i = 0; i < set.size(); ++i) m_own[set[i].id()] = keys.numbers[i];
         m_numbers = m_own.data();
@@ -54,6 +56,16 @@ public:
         }
     }
 
+    template <class Emit>
+    void keysFrom(std::string_view prefix, Emit emit) const {
+        marisa::Agent& agent = ofThread();
+        agent.set_query(prefix.data(), prefix.size());
+        while (m_trie.predictive_search(agent)) {
+            const marisa::Key& key = agent.key();
+            if (!emit({key.ptr(), key.length()}, m_numbers[key.id()])) return;
+        }
+    }
+
 private:
     // An agent allocates when it is first used, so a thread keeps its own.
     static marisa::Agent& ofThread() {
@@ -65,6 +77,9 @@ private:
     std::vector<int> m_own;
     const int* m_numbers = nullptr;  // by key id
 };
+
+using MarisaIndex = MarisaIndexIn<MARISA_DEFAULT_ORDER>;
+using MarisaIndexInOrder = MarisaIndexIn<MARISA_LABEL_ORDER>;
 
 }  // namespace Bench
 

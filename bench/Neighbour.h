@@ -10,8 +10,12 @@
 //   int find(std::string_view key) const;                    -1 when there is no such key
 //   void prefixes(std::string_view text, Emit emit) const;   emit(length, number) for every key
 //                                                            that begins text, shortest first
+//   void keysFrom(std::string_view prefix, Emit emit) const; emit(key, number) for every key that
+//                                                            begins with prefix, in order, until it
+//                                                            is false
 //
-// attach is given bytes aligned to kAlignment. Lookups may run concurrently.
+// of the lookups those that it is measured by. attach is given bytes aligned to kAlignment. Lookups
+// may run concurrently.
 
 #ifndef BENCH_NEIGHBOUR_H
 #define BENCH_NEIGHBOUR_H
@@ -71,6 +75,23 @@ public:
     void exact(const std::string& key, std::string& text) const {
         const int feature = m_index.find(key);
         text.assign(feature < 0 ? std::string_view() : featureText(feature));
+    }
+
+    // Calls emit(text) for every key, with an empty text where there is no such key.
+    template <class Emit>
+    void lookUpEach(const std::vector<std::string>& keys, Emit emit) const {
+        for (const std::string& key : keys) {
+            const int feature = m_index.find(key);
+            emit(feature < 0 ? std::string_view() : featureText(feature));
+        }
+    }
+
+    // Calls emit(key, text) for the keys that begin with `prefix`, in order, until it is false.
+    template <class Emit>
+    void keysFrom(std::string_view prefix, Emit emit) const {
+        m_index.keysFrom(prefix, [&](std::string_view key, int feature) {
+            return emit(key, featureText(feature));
+        });
     }
 
     void everyMatch(const std::string& text, Matches& matches) const {

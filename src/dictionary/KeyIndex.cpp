@@ -210,10 +210,6 @@ KeyIndex::KeyIndex(const ImageView& image) {
     KeyLister(image, *this).run();
 }
 
-std::size_t KeyIndex::memory() const {
-    return m_entries.capacity() + m_places.capacity() * sizeof m_places[0];
-}
-
 const char* KeyIndex::entriesFrom(std::uint32_t cell) const {
     const std::uint32_t place = m_places[cell];
     return place == kNowhere ? entriesEnd() : m_entries.data() + place;

@@ -37,7 +37,6 @@ public:
 
     std::size_t keyCount() const { return m_keyCount; }
     std::size_t longestKey() const { return m_longestKey; }  // in bytes
-    std::size_t memory() const;                              // in bytes
 
     const char* entriesBegin() const { return m_entries.data(); }
     const char* entriesEnd() const { return m_entries.data() + m_entries.size() - kEntrySlack; }
