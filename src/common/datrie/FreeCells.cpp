@@ -14,8 +14,12 @@ constexpr std::int64_t kByteBits = 8;
 constexpr std::int64_t kWordBits = 64;
 constexpr std::uint8_t kAllFree = 0xFF;
 
-// Larger sets of offsets seldom come again.
-constexpr std::size_t kMostRemembered = 8;
+// The sizes of the fronts of a set that are looked for before it.
+constexpr std::size_t kFirstFront = 8;
+constexpr std::size_t kFrontGrowth = 8;
+
+// A search that ends sooner is as well made again as remembered.
+constexpr std::int64_t kFarOff = 4096;
 
 }  // namespace
 
@@ -67,31 +71,45 @@ const std::uint8_t* FreeCells::bitsFrom(std::int64_t cell) const {
 
 std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets) {
     if (m_copiesKept < kCopies) restoreCopies();
+    // Sets that differ may begin alike.
+    for (std::size_t front = kFirstFront; kFrontGrowth * front <= offsets.size();
+         front *= kFrontGrowth) {
+        from = firstFit(from, offsets, front);
+    }
+    return firstFit(from, offsets, offsets.size());
+}
 
-    std::int64_t forgotten = 0;
-    std::int64_t& bound = offsets.size() <= kMostRemembered ? boundOf(offsets) : forgotten;
-    from = std::max(from, bound);
+// The same for the first `count` offsets.
+std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets,
+                                 std::size_t count) {
+    const std::string_view pattern(reinterpret_cast<const char*>(offsets.data()),
+                                   count * sizeof offsets[0]);
+    std::uint32_t known = m_patterns.find(pattern);
+    if (known != StringTable::kNone) from = std::max(from, m_bounds[known]);
+    const std::int64_t position = search(from, offsets, count);
+    if (known == StringTable::kNone) {
+        if (position - from < kFarOff) return position;
+        known = m_patterns.add(pattern);
+        m_bounds.push_back(0);
+    }
+    m_bounds[known] = position;
+    return position;
+}
 
+std::int64_t FreeCells::search(std::int64_t from, const std::vector<std::int64_t>& offsets,
+                               std::size_t count) {
     // At the latest, everything fits where all of it lies behind the last cell taken.
     std::int64_t least = 0;
     std::int64_t most = 0;
-    for (const std::int64_t offset : offsets) {
-        least = std::min(least, offset);
-        most = std::max(most, offset);
+    for (std::size_t i = 0; i < count; ++i) {
+        least = std::min(least, offsets[i]);
+        most = std::max(most, offsets[i]);
     }
     cover(std::max(from, m_end - least) + most);
 
-    std::vector<const std::uint8_t*> streams = {bitsFrom(from)};
-    for (const std::int64_t offset : offsets) streams.push_back(bitsFrom(from + offset));
-    bound = from + firstFitKernels().back().search(streams);
-    return bound;
-}
-
-std::int64_t& FreeCells::boundOf(const std::vector<std::int64_t>& offsets) {
-    const std::uint32_t pattern = m_patterns.add(
-        {reinterpret_cast<const char*>(offsets.data()), offsets.size() * sizeof offsets[0]});
-    if (pattern == m_bounds.size()) m_bounds.push_back(0);
-    return m_bounds[pattern];
+    m_streams.assign(1, bitsFrom(from));
+    for (std::size_t i = 0; i < count; ++i) m_streams.push_back(bitsFrom(from + offsets[i]));
+    return from + firstFitKernels().back().search(m_streams);
 }
 
 void FreeCells::dropCopies() {

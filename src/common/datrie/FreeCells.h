@@ -38,17 +38,22 @@ private:
     static constexpr unsigned kCopies = 8;
 
     void cover(std::int64_t cell);
-    std::int64_t& boundOf(const std::vector<std::int64_t>& offsets);
+    std::int64_t firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets,
+                          std::size_t count);
+    std::int64_t search(std::int64_t from, const std::vector<std::int64_t>& offsets,
+                        std::size_t count);
     void restoreCopies();
     const std::uint8_t* bitsFrom(std::int64_t cell) const;
 
     std::array<std::vector<std::uint8_t>, kCopies> m_copies;  // copy s: bit i is cell i + s
     unsigned m_copiesKept = kCopies;
-    // Cells only ever become taken, so a set of offsets never fits before where it fitted last.
-    StringTable m_patterns;              // sets of offsets, as their bytes
-    std::vector<std::int64_t> m_bounds;  // where each fitted last
-    std::int64_t m_end;                  // every cell from here on is free
-    std::int64_t m_covered;              // cells that the bitmap holds
+    // Cells only ever become taken, so a set of offsets never fits before where it fitted last,
+    // and neither does a set that begins with it.
+    StringTable m_patterns;                      // sets of offsets, as their bytes
+    std::vector<std::int64_t> m_bounds;          // where each fitted last
+    std::vector<const std::uint8_t*> m_streams;  // scratch of search
+    std::int64_t m_end;                          // every cell from here on is free
+    std::int64_t m_covered;                      // cells that the bitmap holds
 };
 
 }  // namespace Dictionary

@@ -1,7 +1,6 @@
 #include "StringTable.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "StringSort.h"
 
@@ -36,18 +35,25 @@ std::string_view ByteArena::keep(std::string_view text) {
 }
 
 std::uint32_t StringTable::add(std::string_view text) {
+    const std::uint32_t hash = m_hash(text);
+    const std::uint32_t known = find(text, hash);
+    if (known != kNone) return known;
     if (m_entries.size() * kFullOf >= m_slots.size() * kFull) grow();
-    const auto hash = static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
-    const std::size_t mask = m_slots.size() - 1;
-    for (std::size_t i = hash & mask; m_slots[i].entry != 0; i = (i + 1) & mask) {
-        const std::uint32_t number = m_slots[i].entry - 1;
-        if (m_slots[i].hash == hash && (*this)[number] == text) return number;
-    }
     const std::uint32_t number = size();
     const std::string_view kept = m_arena.keep(text);
     m_entries.push_back({kept.data(), static_cast<std::uint32_t>(kept.size()), hash});
     fill(hash, number);
     return number;
+}
+
+std::uint32_t StringTable::find(std::string_view text, std::uint32_t hash) const {
+    if (m_slots.empty()) return kNone;
+    const std::size_t mask = m_slots.size() - 1;
+    for (std::size_t i = hash & mask; m_slots[i].entry != 0; i = (i + 1) & mask) {
+        const std::uint32_t number = m_slots[i].entry - 1;
+        if (m_slots[i].hash == hash && (*this)[number] == text) return number;
+    }
+    return kNone;
 }
 
 void StringTable::fill(std::uint32_t hash, std::uint32_t number) {

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "KeyedHash.h"
+
 namespace Dictionary {
 
 // Bytes that stay where they are until the arena goes.
@@ -28,6 +30,10 @@ class StringTable {
 public:
     // The number of `text`, counted from 0. Copies the text if it is new.
     std::uint32_t add(std::string_view text);
+
+    // The number of `text`, or kNone.
+    std::uint32_t find(std::string_view text) const { return find(text, m_hash(text)); }
+    static constexpr std::uint32_t kNone = static_cast<std::uint32_t>(-1);
 
     std::uint32_t size() const { return static_cast<std::uint32_t>(m_entries.size()); }
     std::string_view operator[](std::uint32_t number) const {
@@ -49,9 +55,11 @@ private:
         std::uint32_t entry;  // number plus 1, or 0
     };
 
+    std::uint32_t find(std::string_view text, std::uint32_t hash) const;
     void grow();
     void fill(std::uint32_t hash, std::uint32_t number);
 
+    KeyedHash m_hash;
     ByteArena m_arena;
     std::vector<Entry> m_entries;
     std::vector<Slot> m_slots;  // a power of two of them, probed one after the other

@@ -1,0 +1,27 @@
+// Helper, not installed: a hash of byte strings that cannot be made to collide on purpose.
+
+#ifndef DICTIONARY_KEYED_HASH_H
+#define DICTIONARY_KEYED_HASH_H
+
+#include <cstdint>
+#include <string_view>
+
+namespace Dictionary {
+
+// The polynomial whose coefficients are the text's bytes, seven at a time, modulo a prime, at a
+// point that the system's randomness chooses for each object (Dietzfelbinger et al., "Polynomial
+// hash functions are reliable", 1992). Whoever does not know the point cannot find texts with
+// equal hashes better than by chance.
+class KeyedHash {
+public:
+    KeyedHash();
+
+    std::uint32_t operator()(std::string_view text) const;
+
+private:
+    std::uint64_t m_point;
+};
+
+}  // namespace Dictionary
+
+#endif
