@@ -1,3 +1,7 @@
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
 #include <algorithm>
 #include <clocale>
 #include <cstdlib>
@@ -60,6 +64,8 @@ const Build kBuilds[] = {
     Build("", "Build OK\n", kNothingPlaced, kCell, {{"a", ""}}),
     Build("abc\tnoun\t5\nabc\tx\nlost\ty", "noun\t5\t\nnoun\t5\t;x\t\nBuild OK\n", 2,
           kTwoDeepCells + 14, {{"abc", "noun\t5\t;x\t"}, {"ab", ""}, {"lost", ""}}),
+    Build("b\t1\na\t2\nb\t3\nb\t4\na\t5\n", "1\t\n2\t\n1\t;3\t\n1\t;3\t;4\t\n2\t;5\t\nBuild OK\n",
+          0, ('b' + 1) * kCell + 21, {{"a", "2\t;5\t"}, {"b", "1\t;3\t;4\t"}}),
     Build("\\n\tx\na\\n\ty\n", "x\t\ny\t\nBuild OK\n", 2, kTwoDeepCells + 12,
           {{"\n", "x\t"}, {"\\n", ""}, {"a\\n", "y\t"}, {"a\n", ""}}),
     Build("ab\tx\nnone\nc\tz\n", "x\t\nWrong format of file : none\n", kNothingPlaced, kCell,
@@ -81,6 +87,37 @@ TEST(Dictionary, BuildsSaysAndFinds) {
             EXPECT_EQ(shown.err, "EXACT MATCH" + entry.first + " : " + entry.second + "\n\n");
         }
     }
+}
+
+// A source that comes slowly: what was read is shown before the rest is there.
+TEST(Dictionary, ShowsRecordsAsTheyComeIn) {
+    const TemporaryFile file;
+    const std::string source = file.path() + std::string(".source");
+    ASSERT_EQ(mkfifo(source.c_str(), S_IRUSR | S_IWUSR), 0);
+    int lines[2];
+    ASSERT_EQ(pipe(lines), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(lines[1], STDERR_FILENO);
+        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+        buildTree(source.c_str(), file.path());
+        _exit(0);
+    }
+    close(lines[1]);
+    std::ofstream records(source);
+    for (const std::string data : {"x\t\n", "y\t\n"}) {
+        records << "a\t" << data[0] << std::endl;
+        constexpr int kPatience = 20000;
+        pollfd shown = {lines[0], POLLIN, 0};
+        ASSERT_EQ(poll(&shown, 1, kPatience), 1) << data;
+        char text[64] = {};
+        EXPECT_GT(read(lines[0], text, sizeof text - 1), 0);
+        EXPECT_EQ(text, data[0] == 'x' ? data : "x\t;" + data);
+    }
+    records.close();
+    waitpid(child, nullptr, 0);
+    close(lines[0]);
+    unlink(source.c_str());
 }
 
 TEST(Dictionary, BuildsWithOtherSeparatorsAndSaysWhetherItDid) {
@@ -226,14 +263,16 @@ TEST(Dictionary, SearchFindsTheLongestKeys) {
     const Texts ends = {"", "\xFF", "\xE4", "\xED\xA0\x80", "\x80", "\xF0\x9F"};
     std::mt19937 random(7);
     Data data;
-    std::string source;
+    std::string source, lines;
     for (int i = 0; i < 150; ++i) {
         const std::string key = randomText(random, letters, 1 + random() % 5);
         const std::string feature = std::to_string(i % 40);
         source += key + "\t" + feature + "\n";
         data[key] += (data[key].empty() ? "" : ";") + feature + "\t";
+        lines += data[key] + "\n";
     }
     const Image image(source);
+    EXPECT_EQ(image.printed.err.substr(0, lines.size()), lines);
     void* const handle = image.handle.get();
     for (int i = 0; i < 600; ++i) {
         const std::string legal = randomText(random, characters, random() % (i < 580 ? 20 : 400));

@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -15,6 +14,7 @@
 #include "DATReader.h"
 #include "Diagnostics.h"
 #include "ImageSearch.h"
+#include "RecordLines.h"
 #include "RecordReader.h"
 #include "ResultText.h"
 #include "SourceKeys.h"
@@ -22,6 +22,18 @@
 #include "TrieBuilder.h"
 
 namespace Dictionary {
+
+// CRecordReader::next with an occasion to say something in between.
+struct RecordsByFill {
+    template <class BeforeFill>
+    static char* next(CRecordReader& source, BeforeFill beforeFill) {
+        while (!source.takeFromFill()) {
+            beforeFill();
+            if (!source.goToNextFill()) return nullptr;
+        }
+        return source.m_recordBuffer;
+    }
+};
 
 namespace {
 
@@ -32,11 +44,12 @@ struct CloseFile {
 };
 
 // Reads the records of a source into `table`, up to the first with fewer than two fields, which
-// is returned, or null.
-const char* read(CRecordReader& source, SourceTable& table) {
+// is returned, or null. Calls `beforeFill()` before it waits for more of the source.
+template <class BeforeFill>
+const char* read(CRecordReader& source, SourceTable& table, BeforeFill beforeFill) {
     std::vector<char*> fields;
     std::vector<std::string_view> texts;
-    while (char* record = source.next()) {
+    while (char* record = RecordsByFill::next(source, beforeFill)) {
         if (source.splitRecord(record, fields) <= 1) return record;
         texts.assign(fields.begin(), fields.end());
         table.add(texts);
@@ -44,20 +57,16 @@ const char* read(CRecordReader& source, SourceTable& table) {
     return nullptr;
 }
 
-// Says what each record made of its key's data.
-void describe(const SourceTable& table, MessageBlock& messages) {
-    for (std::uint32_t record = 0; record < table.recordCount(); ++record) {
-        messages << table.data(record) << "\n";
-    }
-}
-
 // False at a record with fewer than two fields.
 bool gather(CRecordReader& source, SourceTable& table) {
     MessageBlock messages(stderr);
-    const char* const malformed = read(source, table);
-    table.arrange();
-    describe(table, messages);
+    RecordLines lines(table, messages);
+    const char* const malformed = read(source, table, [&] {
+        lines.write();
+        messages.flush();
+    });
     if (malformed == nullptr) return true;
+    lines.write();
     messages << "Wrong format of file : " << malformed << "\n";
     return false;
 }
@@ -86,6 +95,7 @@ int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
             return 0;
         }
         source.reset();
+        table.arrange();
         addAll(table, *m_coder, *m_writer->m_builder);
     }
     m_writer->buildDAT();

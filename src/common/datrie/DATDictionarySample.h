@@ -51,7 +51,8 @@ public:
     // data of a repeated key is joined with ";". The key written as a backslash and an n stands
     // for the newline character.
     //
-    // Writes a line a record and "Build OK" to standard error, and the progress line to standard
+    // Writes one line for each record to standard error, before it waits for more of the source,
+    // and "Build OK" at the end, and the progress line to standard
     // output. Returns 1 when the build ran to its end. Returns 0, after "Wrong format of file : ",
     // at a record with fewer than two fields; the record reader with its descriptor and its
     // buffers stays allocated then. Ends the process when the file cannot be opened or its name is

@@ -81,19 +81,32 @@ int CRecordReader::init(std::string szFileName, std::string recordSeparator,
 }
 
 char* CRecordReader::next() {
+    while (!takeFromFill()) {
+        if (!goToNextFill()) return nullptr;
+    }
+    return m_recordBuffer;
+}
+
+// Moves the next record that ends in the fill to the record buffer; false when there is none.
+bool CRecordReader::takeFromFill() {
     m_recordBuffer[0] = '\0';
-    do {
-        const int carried = static_cast<int>(std::strlen(m_carryBuffer));
-        if (carried > 0 && finishAcrossFills(carried)) return m_recordBuffer;
-        const char* end = std::strstr(m_readBuffer + m_nextStart, m_recordSeparator.c_str());
-        if (end != nullptr) {
-            finishInFill(static_cast<int>(end - m_readBuffer), carried);
-            return m_recordBuffer;
-        }
-        carryRemainder(carried);
-    } while (refill());
+    const int carried = carriedLength();
+    if (carried > 0 && finishAcrossFills(carried)) return true;
+    const char* end = std::strstr(m_readBuffer + m_nextStart, m_recordSeparator.c_str());
+    if (end == nullptr) return false;
+    finishInFill(static_cast<int>(end - m_readBuffer), carried);
+    return true;
+}
+
+bool CRecordReader::goToNextFill() {
+    carryRemainder(carriedLength());
+    if (refill()) return true;
     m_carryBuffer[0] = '\0';
-    return nullptr;
+    return false;
+}
+
+int CRecordReader::carriedLength() const {
+    return static_cast<int>(std::strlen(m_carryBuffer));
 }
 
 // The record ends with a separator that began in the carry and ends in the new fill.

@@ -12,8 +12,9 @@
 namespace Dictionary {
 
 // Call init once, then next until it returns null, with splitRecord on each record as needed.
-// Meant for regular files: after a short read from a pipe, bytes of the fill before it may be
-// taken for new ones. A NUL byte ends the fill that holds it. One thread at a time.
+// The source is read in fills of up to 4,194,299 bytes. Meant for regular files: after a short read
+// from a pipe, bytes of the fill before it may be taken for new ones. A NUL byte ends the fill that
+// holds it. One thread at a time.
 class DICTIONARY_EXPORT CRecordReader {
 public:
     CRecordReader();
@@ -30,8 +31,12 @@ public:
 
     // The next record, NUL-terminated and without its separator, or null at the source's end or
     // at a read error. A last record without a separator is dropped. The text is valid until the
-    // next call. Of a record longer than 4,194,298 bytes only a part comes out, after a message
-    // on standard output.
+    // next call.
+    //
+    // A record of up to 4,194,298 bytes comes out whole wherever it lies. A longer one does when
+    // all of it but its last fill has at most 4,194,298 bytes, and the whole of it at most
+    // 4,194,303; what is beyond those is cut off without a message. Otherwise the part of a fill
+    // that does not fit is dropped, after a message on standard output.
     char* next();
 
     // Cuts `record` in place at every field separator. `fields` is overwritten with the starts of
@@ -49,6 +54,11 @@ public:
     void cleanUp();
 
 private:
+    friend struct RecordsByFill;
+
+    DICTIONARY_LOCAL bool takeFromFill();
+    DICTIONARY_LOCAL bool goToNextFill();
+    DICTIONARY_LOCAL int carriedLength() const;
     DICTIONARY_LOCAL bool finishAcrossFills(int carried);
     DICTIONARY_LOCAL void finishInFill(int end, int carried);
     DICTIONARY_LOCAL void carryRemainder(int carried);

@@ -1,0 +1,52 @@
+// Helper, not installed: says of each record of a source what data its key has up to there.
+
+#ifndef DICTIONARY_RECORD_LINES_H
+#define DICTIONARY_RECORD_LINES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "Diagnostics.h"
+#include "KeyedHash.h"
+#include "SourceTable.h"
+
+namespace Dictionary {
+
+// Works while records are still being added to the table, which is yet to be arranged. As long as
+// keys come in ascending order, a record's key is new or that of the record before; from the first
+// one on that does not, a hash table knows the last record of each key.
+class RecordLines {
+public:
+    RecordLines(const SourceTable& table, MessageBlock& messages)
+        : m_table(table), m_messages(messages) {}
+
+    // Writes a line for each record that was added since the last call.
+    void write();
+
+private:
+    static constexpr std::uint32_t kNone = static_cast<std::uint32_t>(-1);
+
+    struct Slot {
+        std::uint32_t hash = 0;
+        std::uint32_t record = kNone;
+    };
+
+    bool isInOrder(std::uint32_t record) const;
+    void index(std::uint32_t first, std::uint32_t end);
+    void grow(std::size_t records);
+    Slot& slotOf(std::uint32_t record, std::uint32_t hash);
+    void print(std::uint32_t record);
+
+    const SourceTable& m_table;
+    MessageBlock& m_messages;
+    KeyedHash m_hash;
+    bool m_inOrder = true;
+    std::vector<std::uint32_t> m_before;  // by record: the one before with the same key
+    std::vector<Slot> m_slots;            // a power of two of them, probed one after the other
+    std::vector<std::uint32_t> m_chain;   // scratch of print
+};
+
+}  // namespace Dictionary
+
+#endif
