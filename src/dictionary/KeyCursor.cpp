@@ -47,13 +47,14 @@ void KeyCursor::seek(std::string_view prefix) {
 }
 
 void KeyCursor::start(const char* entry, std::size_t prefixBytes) {
-    constexpr int kAhead = 8;
+    constexpr int kNear = 8;
     m_entry = entry;
     m_ahead = entry;
     m_size = 0;
     m_prefixBytes = prefixBytes;
     m_leastShared = 0;
-    for (int i = 0; i < kAhead; ++i) lookAhead();
+    m_stepsToFar = kFar - kNear;
+    for (int i = 0; i < kNear; ++i) lookAhead();
 }
 
 // Asks for the data of one more key.
@@ -73,6 +74,10 @@ bool KeyCursor::next() {
         return false;
     }
     lookAhead();
+    if (m_stepsToFar > 0) {
+        --m_stepsToFar;
+        lookAhead();
+    }
     copyText(m_text.get() + entry.shared, entry.text, entry.added);
     m_size = entry.shared + entry.added;
     m_feature = entry.feature;

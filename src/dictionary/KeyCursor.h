@@ -32,6 +32,9 @@ public:
     std::string_view data() const { return m_image->featureText(m_feature); }
 
 private:
+    // How many keys ahead data is asked for in a long list; a short one begins with fewer.
+    static constexpr int kFar = 32;
+
     void start(const char* entry, std::size_t prefixBytes);
     void lookAhead();
 
@@ -42,6 +45,7 @@ private:
     std::size_t m_prefixBytes = 0;
     std::size_t m_leastShared = 0;  // the next key has the prefix if it shares as much
     std::int32_t m_feature = kNoFeature;
+    int m_stepsToFar = 0;
     const char* m_entry = nullptr;
     const char* m_ahead = nullptr;  // the first entry whose data was not asked for
 };

@@ -173,7 +173,12 @@ public:
     std::string_view featureText(std::int32_t offset) const {
         return featureTextAt(m_features, offset);
     }
-    void prefetchFeature(std::int32_t offset) const { __builtin_prefetch(m_features + offset); }
+    // Asks for the first two cache lines of a record.
+    void prefetchFeature(std::int32_t offset) const {
+        constexpr int kCacheLine = 64;
+        __builtin_prefetch(m_features + offset);
+        __builtin_prefetch(m_features + offset + kCacheLine);
+    }
 
 private:
     CellView m_cells;
