@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -143,6 +144,44 @@ TEST(CheckedImage, NamesWhatIsWrong) {
         EXPECT_TRUE(row.code == fault.code && row.cell == fault.cell && row.offset == fault.offset)
             << "word " << row.changes[0].first << " = " << row.changes[0].second << ": "
             << fault.text << ", code " << fault.code << ", byte " << fault.offset;
+    }
+}
+
+// H and L are the surrogates of a character.
+class SurrogateCoder : public Dictionary::CUTF8Coder {
+public:
+    int encodeString(const char* text, std::vector<int>& codes,
+                     std::vector<Dictionary::SPOS>& positions, int length) override {
+        CUTF8Coder::encodeString(text, codes, positions, length);
+        std::replace(codes.begin(), codes.end(), int{'H'}, 0xD83D);
+        std::replace(codes.begin(), codes.end(), int{'L'}, 0xDE00);
+        return 1;
+    }
+};
+
+TEST(CheckedImage, RefusesHalvesOfCharacters) {
+    const std::pair<std::vector<std::string>, int> rows[] = {
+        {{"HL", "aHL", "HLHL", "HLa", "a"}, DICTIONARY_OK},
+        {{"H"}, DICTIONARY_IMAGE_LABEL},
+        {{"HL", "H"}, DICTIONARY_IMAGE_LABEL},
+        {{"L"}, DICTIONARY_IMAGE_LABEL},
+        {{"aL", "a"}, DICTIONARY_IMAGE_LABEL},
+        {{"Ha"}, DICTIONARY_IMAGE_LABEL},
+        {{"HHL"}, DICTIONARY_IMAGE_LABEL},
+        {{"HLL", "HL"}, DICTIONARY_IMAGE_LABEL},
+        {{"aHb", "aHL"}, DICTIONARY_IMAGE_LABEL},
+    };
+    for (const auto& [keys, code] : rows) {
+        SurrogateCoder coder;
+        Dictionary::CDATWriter writer(&coder, false);
+        std::unique_ptr<char[]> image;
+        printedBy([&, all = &keys] {
+            for (const std::string& key : *all) writer.addKeys(key.c_str(), "x");
+            writer.buildDAT();
+            image.reset(writer.write());
+        });
+        const auto size = static_cast<std::size_t>(writer.imageSize());
+        EXPECT_EQ(dictionaryVerifyBytes({image.get(), size}, nullptr), code) << keys.front();
     }
 }
 

@@ -9,6 +9,7 @@
 #include "KeyCursor.h"
 #include "KeyIndex.h"
 #include "LabelImage.h"
+#include "UTF8Coder.h"
 
 namespace {
 

@@ -75,7 +75,7 @@ enum DictionaryCode {
     DICTIONARY_IMAGE_FEATURE = 28,   /* feature: a cell refers to no record of the area */
 
     /* Sources. */
-    DICTIONARY_BAD_SEPARATOR = 40,   /* bad-separator: empty, or with a NUL in it */
+    DICTIONARY_BAD_SEPARATOR = 40,   /* bad-separator: empty, or with a NUL; a tab in an item */
     DICTIONARY_NO_FIELD = 41,        /* no-field: a record without a field separator */
     DICTIONARY_EMPTY_RECORD = 42,    /* empty-record: an empty line */
     DICTIONARY_NUL = 43,             /* nul: a NUL byte */
@@ -88,7 +88,8 @@ enum DictionaryCode {
     DICTIONARY_NO_RECORDS = 50,      /* no-records: nothing in the source */
     DICTIONARY_NOT_TEXT = 51,        /* not-text: compressed, UTF-16, an image */
     DICTIONARY_SAME_FILE = 52,       /* same-file: the image would replace the source */
-    DICTIONARY_FIELD_MARK = 53,      /* field-mark: a field begins with ";", the mark of a record */
+    DICTIONARY_FIELD_MARK = 53,      /* field-mark: a field after the first data field begins with
+                                        ";", the mark of a record; a warning of checks alone */
 
     /* Weights of segmenters. */
     DICTIONARY_NO_WEIGHT = 60, /* no-weight: a key without the field */
@@ -457,8 +458,8 @@ typedef struct DictionarySource {
     DictionaryText bytes; /* a source in memory */
     /* Items in memory: fills `fields` with the next item's key and data fields, which must last
      * until the next call, and `count`; false after the last item. An item's number takes the place
-     * of the line in errors. Separators are data like anything else, but a tab or a NUL in an item
-     * is an error. */
+     * of the line in errors, and a column counts the bytes of its fields with one between two.
+     * Separators are data like anything else, but a tab or a NUL in an item is an error. */
     bool (*nextItem)(void* context, const DictionaryText** fields, size_t* count);
     void* context; /* for nextItem */
 } DictionarySource;
@@ -472,9 +473,9 @@ typedef struct DictionaryImageBuffer {
 /* Where the image goes: at most one of both is not null. With neither the source is only checked,
  * in little memory. */
 typedef struct DictionaryTarget {
-    size_t size;      /* sizeof(DictionaryTarget) */
-    const char* path; /* an image file */
-    DictionaryImageBuffer* buffer;
+    size_t size;                   /* sizeof(DictionaryTarget) */
+    const char* path;              /* an image file */
+    DictionaryImageBuffer* buffer; /* whatever it holds is overwritten; empty after an error */
 } DictionaryTarget;
 
 DICTIONARY_EXPORT void dictionaryFreeBuffer(DictionaryImageBuffer* buffer);

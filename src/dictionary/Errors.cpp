@@ -1,5 +1,7 @@
 #include "Errors.h"
 
+#include <cxxabi.h>
+
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -58,18 +60,19 @@ constexpr CodeKind kKinds[] = {
      "the key is not UTF-8 from here on and would be cut off here; write it in UTF-8"},
     {DICTIONARY_CR, "cr", kError, kWarning,
      "a carriage return ends the line and would be part of the data; "
-     "end lines with a newline alone"},
+     "end lines with a newline alone, or read the source as one from Windows"},
     {DICTIONARY_BOM, "bom", kError, kWarning,
-     "a byte-order mark begins the source and would be part of the first key; remove it"},
+     "a byte-order mark begins the source and would be part of the first key; "
+     "remove it, or read the source as one from Windows"},
     {DICTIONARY_NO_RECORDS, "no-records", kError, kError,
      "the source has no records; write some or allow an empty image"},
     {DICTIONARY_NOT_TEXT, "not-text", kError, kError,
-     "the source is not a text in UTF-8; unpack or convert it"},
+     "the source is not text in UTF-8; unpack or convert it"},
     {DICTIONARY_SAME_FILE, "same-file", kError, kError,
      "the image would replace the source; give it another name"},
-    {DICTIONARY_FIELD_MARK, "field-mark", kError, kError,
+    {DICTIONARY_FIELD_MARK, "field-mark", kWarning, kWarning,
      "the field begins with \";\", which marks the next record of a repeated key; "
-     "write it differently"},
+     "write it differently if readers are to tell the two apart"},
 
     {DICTIONARY_NO_WEIGHT, "no-weight", kError, kError,
      "a key does not have the field with its weight"},
@@ -119,11 +122,14 @@ void failOnFile(int code, DictionaryFile file, const char* path, int systemError
     throw Failure{error};
 }
 
-DictionaryError errorInFlight() {
+// The end of a thread has no object, which sanitizers take for a fault.
+__attribute__((no_sanitize("null"))) DictionaryError errorInFlight() {
     try {
         throw;
     } catch (const Failure& failure) {
         return failure.error;
+    } catch (const abi::__forced_unwind&) {
+        throw;  // the thread ends here
     } catch (const std::exception&) {
         // The library throws nothing else, and the standard library when memory runs out.
         return errorOf(DICTIONARY_NO_MEMORY);

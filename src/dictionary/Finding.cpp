@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "CallerCallback.h"
 #include "Dictionary.h"
 #include "Errors.h"
 #include "FindRequest.h"
@@ -24,11 +25,7 @@ struct Visitor {
 
     static bool take(void* self, const DictionaryMatch* match) {
         const Visitor& visitor = *static_cast<const Visitor*>(self);
-        try {
-            return visitor.visit(visitor.context, match);
-        } catch (...) {
-            return false;
-        }
+        return callBack([&] { return visitor.visit(visitor.context, match); });
     }
 };
 

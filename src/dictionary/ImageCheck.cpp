@@ -7,6 +7,7 @@
 
 #include "Dictionary.h"
 #include "ImageFormat.h"
+#include "Utf8Decoder.h"
 
 namespace Dictionary {
 
@@ -52,7 +53,10 @@ public:
           m_cells(image, cellBytesOf(m_header)) {}
 
     ImageFault run() {
-        if (headerAddsUp() && recordsFillTheArea() && reservedCellsAreRight()) otherCellsAreRight();
+        if (headerAddsUp() && recordsFillTheArea() && reservedCellsAreRight() &&
+            otherCellsAreRight()) {
+            pairsAreWhole();
+        }
         return m_fault;
     }
 
@@ -62,6 +66,9 @@ private:
     bool recordsFillTheArea();
     bool reservedCellsAreRight();
     bool otherCellsAreRight();
+    bool pairsAreWhole();
+    bool findHalves(Bits& highs, Bits& lows);
+    std::int64_t labelOf(std::int64_t index, const Cell& cell) const;
     bool wayUpEnds(std::int64_t from);
     void prefetchParentOf(std::int64_t index) const;
 
@@ -83,6 +90,10 @@ private:
     bool isFilled(const Cell& cell) const {
         return isBase(cell.base) && isReference(cell.feature) && (cell.base | cell.feature) < 0;
     }
+    static bool isSurrogate(std::int64_t label) {
+        constexpr int kBits = kSurrogateBits + 1;
+        return label >> kBits == kHighSurrogates >> kBits;
+    }
     std::int64_t distance(std::int64_t index, const Cell& parent) const {
         return index - childIndex(parent, 0);
     }
@@ -102,6 +113,7 @@ private:
     Cell m_header;
     std::int32_t m_count;  // of cells
     CellView m_cells;
+    bool m_hasHalves = false;
     Bits m_references;  // what a feature word may be, counted from kNoFeature
     Bits m_climbed;     // cells from which the way up is known to end
     ImageFault m_fault = {DICTIONARY_OK, kNowhere, kNowhere, "the image is sound"};
@@ -162,6 +174,7 @@ bool ImageCheck::reservedCellsAreRight() {
         const bool isRoot = cell.check == kRootCheck && index < m_alphabetSize;
         const bool isRight = isFree(cell) ? isBlank(cell) : isRoot && isFilled(cell);
         if (!isRight) return refuseCell(index);
+        m_hasHalves |= isSurrogate(index) & !isFree(cell);
     }
     return true;
 }
@@ -175,13 +188,55 @@ bool ImageCheck::otherCellsAreRight() {
         if (!isCell(cell.check)) return refuseCell(index);
         // Of a free cell this is the header, which is itself free.
         const Cell parent = m_cells[cell.check];
-        const bool isChild = isLabel(distance(index, parent)) && !isFree(parent);
+        const std::int64_t label = distance(index, parent);
+        const bool isChild = isLabel(label) && !isFree(parent);
         if (!(isFree(cell) ? isBlank(cell) : isChild && isFilled(cell))) return refuseCell(index);
+        m_hasHalves |= isSurrogate(label) & !isFree(cell);
         // In a circle of parents, the two above its lowest cell do not lie below that.
         const bool mayBeLowest = (cell.check >= index) & (parent.check >= index);
         if (mayBeLowest && !wayUpEnds(index)) return false;
     }
     return true;
+}
+
+// The two labels of a character above U+FFFF come together: a key does not end between them, a high
+// surrogate is followed by low ones alone, and nothing else is followed by a low one.
+bool ImageCheck::pairsAreWhole() {
+    if (!m_hasHalves) return true;
+    Bits highs, lows;
+    highs.resize(m_count);
+    lows.resize(m_count);
+    if (!findHalves(highs, lows)) return false;
+    for (std::int64_t index = 1; index < m_count; ++index) {
+        const std::int32_t check = m_cells.checkOf(static_cast<std::uint32_t>(index));
+        const bool isBelowHigh = check > 0 && highs[check];
+        if (lows[index] == isBelowHigh) continue;
+        return refuseWord(
+            DICTIONARY_IMAGE_LABEL, index, kCheck,
+            "the cell's label is a surrogate without the other, or comes between two");
+    }
+    return true;
+}
+
+bool ImageCheck::findHalves(Bits& highs, Bits& lows) {
+    constexpr std::int64_t kAhead = 64;
+    for (std::int64_t index = 1; index < m_count; ++index) {
+        prefetchParentOf(std::min<std::int64_t>(index + kAhead, m_count - 1));
+        const Cell cell = m_cells[index];
+        if (isFree(cell)) continue;
+        const std::int64_t label = labelOf(index, cell);
+        if (!isSurrogate(label)) continue;
+        const bool isLow = label >= kLowSurrogates;
+        (isLow ? lows : highs).set(index);
+        if (isLow || !endsKey(cell)) continue;
+        return refuseWord(DICTIONARY_IMAGE_LABEL, index, kBase,
+                          "a key ends between the two surrogates of a character");
+    }
+    return true;
+}
+
+std::int64_t ImageCheck::labelOf(std::int64_t index, const Cell& cell) const {
+    return cell.check == kRootCheck ? index : distance(index, m_cells[cell.check]);
 }
 
 // Climbs past cells that were not looked at yet, and leaves it to their turn to refuse them.

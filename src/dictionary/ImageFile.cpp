@@ -10,8 +10,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "BuildProblems.h"
 #include "SizeSignal.h"
+#include "SystemFailure.h"
 
 namespace Dictionary {
 
@@ -25,7 +25,7 @@ constexpr int kFollow = 0;
 constexpr char kItself[] = ".";
 
 [[noreturn]] void failToWrite(int error) {
-    throw SystemFailure{DICTIONARY_PROBLEM_CANNOT_WRITE, error};
+    throw SystemFailure{SystemFailure::kImage, error};
 }
 
 void require(bool done) {

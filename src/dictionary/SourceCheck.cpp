@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "DATChecked.h"
+#include "Dictionary.h"
 #include "ImageFormat.h"
 #include "Utf8Decoder.h"
 
@@ -60,11 +60,11 @@ void SourceCheck::takeOffWindowsMarks(SourceRecord& record) const {
 const std::vector<Finding>& SourceCheck::examine(const SourceRecord& record, std::size_t keySize) {
     m_found.clear();
     if (record.tooLong) {
-        add(DICTIONARY_PROBLEM_RECORD_TOO_LONG, SourceRecords::kMaxRecordBytes);
+        add(DICTIONARY_RECORD_TOO_LONG, SourceRecords::kMaxRecordBytes);
     } else {
         examineText(record, keySize);
     }
-    if (!record.finished) add(DICTIONARY_PROBLEM_UNFINISHED, record.text.size());
+    if (!record.finished) add(DICTIONARY_UNFINISHED, record.text.size());
     if (m_found.size() > 1) {
         std::stable_sort(m_found.begin(), m_found.end(),
                          [](const Finding& a, const Finding& b) { return a.column < b.column; });
@@ -74,20 +74,20 @@ const std::vector<Finding>& SourceCheck::examine(const SourceRecord& record, std
 
 void SourceCheck::examineText(const SourceRecord& record, std::size_t keySize) {
     const std::string_view text = record.text;
-    if (record.number == 1 && beginsWith(text, kByteOrderMark)) add(DICTIONARY_PROBLEM_BOM, 0);
+    if (record.number == 1 && beginsWith(text, kByteOrderMark)) add(DICTIONARY_BOM, 0);
     const bool cr = endsInCr(text);
     const std::size_t size = cr ? text.size() - 1 : text.size();
     if (size == 0) {
-        add(DICTIONARY_PROBLEM_EMPTY_RECORD, 0);
+        add(DICTIONARY_EMPTY_RECORD, 0);
     } else if (keySize == kNone) {
-        add(DICTIONARY_PROBLEM_NO_FIELD, size);
+        add(DICTIONARY_NO_FIELD, size);
     } else {
         examineKey(text.substr(0, keySize));
         if (!m_join.empty()) examineFields(text, keySize);
     }
-    if (cr) add(DICTIONARY_PROBLEM_CR, size);
+    if (cr) add(DICTIONARY_CR, size);
     const std::size_t nul = text.find('\0');
-    if (nul != kNone) add(DICTIONARY_PROBLEM_NUL, nul);
+    if (nul != kNone) add(DICTIONARY_NUL, nul);
 }
 
 // The data of a key that comes more than once is joined by ";", which stands where a field could
@@ -95,21 +95,15 @@ void SourceCheck::examineText(const SourceRecord& record, std::size_t keySize) {
 void SourceCheck::examineFields(std::string_view text, std::size_t keySize) {
     const std::size_t separatorSize = m_join.size() - 1;
     const std::size_t join = text.find(m_join, keySize + separatorSize);
-    if (join != kNone) add(DICTIONARY_PROBLEM_SEMICOLON, join + separatorSize);
+    if (join != kNone) add(DICTIONARY_FIELD_MARK, join + separatorSize);
 }
 
-// Judges as the coder will: it refuses a character above the plane, and stops where UTF-8 does.
+// Judges as the coder will, which stops where UTF-8 does.
 void SourceCheck::examineKey(std::string_view key) {
-    if (key.empty()) return add(DICTIONARY_PROBLEM_EMPTY_KEY, 0);
-    std::size_t legal = 0;
-    std::size_t beyond = kNone;
-    decodeUtf8(key.data(), key.size(),
-               [&](std::int32_t code, std::size_t start, std::uint32_t length) {
-                   legal = start + length;
-                   if (code >= kBmpEnd && beyond == kNone) beyond = start;
-               });
-    if (beyond != kNone) add(DICTIONARY_PROBLEM_BEYOND_BMP, beyond);
-    if (legal < key.size()) add(DICTIONARY_PROBLEM_BAD_UTF8, legal);
+    if (key.empty()) return add(DICTIONARY_EMPTY_KEY, 0);
+    const std::size_t legal =
+        decodeUtf8(key.data(), key.size(), [](std::int32_t, std::size_t, std::uint32_t) {});
+    if (legal < key.size()) add(DICTIONARY_BAD_UTF8, legal);
 }
 
 }  // namespace Dictionary

@@ -15,7 +15,7 @@
 namespace Dictionary {
 
 struct Finding {
-    int code;  // a DictionaryProblemCode
+    int code;  // a DictionaryCode
     std::uint64_t column;
 };
 

@@ -7,14 +7,14 @@
 #include <cerrno>
 #include <cstring>
 
-#include "BuildProblems.h"
+#include "SystemFailure.h"
 
 namespace Dictionary {
 
 namespace {
 
 [[noreturn]] void failToRead(int error) {
-    throw SystemFailure{DICTIONARY_PROBLEM_CANNOT_READ, error};
+    throw SystemFailure{SystemFailure::kSource, error};
 }
 
 }  // namespace

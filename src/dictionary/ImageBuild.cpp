@@ -1,13 +1,13 @@
-#include "CheckedBuild.h"
+#include "ImageBuild.h"
 
 #include <algorithm>
 #include <chrono>
 
 #include "CellPieces.h"
 #include "ImageFormat.h"
-#include "SourceKeys.h"
+#include "LabelCoder.h"
 #include "StringUtil.h"
-#include "UTF8Coder.h"
+#include "Utf8Decoder.h"
 
 namespace Dictionary {
 
@@ -40,44 +40,38 @@ private:
     Clock::time_point m_nextTime;
 };
 
-// Writes an image, or hands it to the host, and tells how that goes on.
+// Writes an image and reports how that goes on.
 class ImageWriter {
 public:
-    // `file` is null for the host.
-    ImageWriter(ImageFile* file, const BuildCallbacks& callbacks)
-        : m_file(file), m_callbacks(callbacks) {}
+    ImageWriter(ImageTarget& target, const BuildCallbacks& callbacks)
+        : m_target(target), m_callbacks(callbacks) {}
 
-    void expect(std::uint64_t total) { m_total = total; }
+    void begin(std::size_t total) {
+        m_total = total;
+        m_target.create(total);
+    }
 
     void write(const char* bytes, std::size_t size) {
         while (size > 0) {
-            tell();
+            report();
             const std::size_t piece = std::min(size, kStep - m_done % kStep);
-            writePiece(bytes, piece);
+            m_target.write(bytes, piece);
             m_done += piece;
             bytes += piece;
             size -= piece;
         }
     }
 
-    // Puts the complete image into its place, unless the host stops at the last moment.
+    // Puts the complete image into its place, unless the caller stops at the last moment.
     void finish() {
         m_callbacks.progress(DICTIONARY_STAGE_WRITE, m_done, m_total);
-        if (m_file != nullptr) m_file->commit();
+        m_target.commit();
     }
 
     std::uint64_t total() const { return m_total; }
 
 private:
-    void writePiece(const char* bytes, std::size_t size) {
-        if (m_file == nullptr) {
-            m_callbacks.image(bytes, size);
-        } else {
-            m_file->write(bytes, size);
-        }
-    }
-
-    void tell() {
+    void report() {
         if (m_done < m_next) return;
         m_next = m_done + kStep;
         m_callbacks.progress(DICTIONARY_STAGE_WRITE, m_done, m_total);
@@ -85,7 +79,7 @@ private:
 
     static constexpr std::size_t kStep = kPieceBytes;
 
-    ImageFile* m_file;
+    ImageTarget& m_target;
     const BuildCallbacks& m_callbacks;
     std::uint64_t m_total = 0;
     std::uint64_t m_done = 0;
@@ -102,69 +96,86 @@ bool isSeparator(const std::string& text) {
 
 }  // namespace
 
-CheckedBuild::CheckedBuild(const DictionaryBuildOptions& options, const BuildCallbacks& callbacks,
-                           ProblemLog& log, DictionaryBuildReport& report)
+ImageBuild::ImageBuild(const DictionaryBuildOptions& options, const BuildCallbacks& callbacks,
+                       ProblemLog& log, DictionaryBuildReport& report, ImageTarget* target)
     : m_callbacks(callbacks),
       m_log(log),
       m_report(report),
+      m_target(target),
       m_fieldSeparator(separatorOr(options.fieldSeparator, "\t")),
       m_recordSeparator(separatorOr(options.recordSeparator, "\n")),
-      m_windows(options.windows),
+      m_fromWindows(options.fromWindows),
       m_allowEmpty(options.allowEmpty),
       m_check(m_recordSeparator == "\n"),
-      m_builder(CUTF8Coder().getNumOfSingleWord()) {}
+      m_builder(kBmpEnd) {}
 
-void CheckedBuild::run(SourceText& source, const char* imageName) {
+void ImageBuild::run(SourceText& source) {
     if (!checkSeparators()) return;
-    // Who names a place where no image can stand learns it before all the work.
-    std::optional<ImageFile> image;
-    if (imageName != nullptr) image.emplace(imageName);
-    const bool builds = image.has_value() || m_callbacks.takesImage();
-    if (builds) {
-        m_table.emplace();
-    } else {
-        m_check.lookForJoins(m_fieldSeparator);
-    }
+    beginReading();
     source.open();
-    if (image.has_value() && image->replaces(source.file())) {
-        m_log.add(DICTIONARY_PROBLEM_SAME_FILE);
-        return;
+    if (m_target != nullptr && m_target->replaces(source.file())) {
+        return m_log.addOfImage(errorOf(DICTIONARY_SAME_FILE));
     }
     read(source);
-    if (!builds || m_log.hasErrors()) return;
-    m_table->arrange();
-    if (dataFits() && place()) {
-        write(image.has_value() ? &*image : nullptr);
-    } else {
-        m_log.add(DICTIONARY_PROBLEM_IMAGE_TOO_LARGE);
-    }
+    build();
 }
 
-bool CheckedBuild::checkSeparators() {
+void ImageBuild::run(SourceItems& items) {
+    constexpr std::uint64_t kStep = 4096;
+    m_fieldSeparator = SourceItems::kFieldSeparator;
+    m_check = SourceCheck(false);
+    m_keysAreLiteral = true;
+    beginReading();
+    SourceRecord record;
+    while (items.next(record)) {
+        if (record.number % kStep == 1) {
+            m_callbacks.progress(DICTIONARY_STAGE_READ, record.number - 1, 0);
+        }
+        for (const std::uint64_t column : items.strayTabs()) {
+            m_log.addOfSource(DICTIONARY_BAD_SEPARATOR, record.number, column);
+        }
+        take(record);
+    }
+    endReading(record.number);
+    build();
+}
+
+bool ImageBuild::checkSeparators() {
     for (const std::string* separator : {&m_fieldSeparator, &m_recordSeparator}) {
-        if (!isSeparator(*separator)) m_log.add(DICTIONARY_PROBLEM_BAD_SEPARATOR);
+        if (!isSeparator(*separator)) m_log.add(errorOf(DICTIONARY_BAD_SEPARATOR));
     }
     return !m_log.hasErrors();
 }
 
-void CheckedBuild::read(SourceText& source) {
-    source.whileWaiting([&] { tellReading(source); });
-    SourceRecords records(source, m_recordSeparator);
-    const char* const foreign = foreignKind(records.beginning());
-    if (foreign != nullptr) return m_log.addInWords(DICTIONARY_PROBLEM_NOT_TEXT, foreign);
-    SourceRecord record;
-    std::uint64_t told = 0;
-    while (records.next(record)) {
-        if (source.position() != told) tellReading(source);
-        told = source.position();
-        take(record);
+void ImageBuild::beginReading() {
+    if (m_target != nullptr) {
+        m_table.emplace();
+    } else {
+        m_check.lookForJoins(m_fieldSeparator);
     }
-    m_sourceBytes = source.position();
-    m_callbacks.progress(DICTIONARY_STAGE_READ, m_sourceBytes, m_sourceBytes);
-    if (m_report.records == 0 && !m_allowEmpty) m_log.add(DICTIONARY_PROBLEM_NO_RECORDS);
 }
 
-void CheckedBuild::tellReading(const SourceText& source) const {
+void ImageBuild::read(SourceText& source) {
+    source.whileWaiting([&] { reportReading(source); });
+    SourceRecords records(source, m_recordSeparator);
+    const char* const foreign = foreignKind(records.beginning());
+    if (foreign != nullptr) return m_log.addOfSource(errorOf(DICTIONARY_NOT_TEXT, foreign));
+    readRecords(source, records);
+    endReading(source.position());
+}
+
+void ImageBuild::readRecords(SourceText& source, SourceRecords& records) {
+    SourceRecord record;
+    std::uint64_t reported = 0;
+    while (records.next(record)) {
+        if (source.position() != reported) reportReading(source);
+        reported = source.position();
+        if (m_fromWindows) m_check.takeOffWindowsMarks(record);
+        take(record);
+    }
+}
+
+void ImageBuild::reportReading(const SourceText& source) const {
     const std::uint64_t done = source.position();
     if (done > 0 && done == source.size()) return;
     // A file that has grown since is of no known size.
@@ -172,35 +183,27 @@ void CheckedBuild::tellReading(const SourceText& source) const {
     m_callbacks.progress(DICTIONARY_STAGE_READ, done, total);
 }
 
-void CheckedBuild::take(SourceRecord& record) {
-    ++m_report.records;
-    if (m_windows) m_check.takeOffWindowsMarks(record);
-    const std::string_view text = record.text;
-    const std::size_t keySize = text.find(m_fieldSeparator);
-    const bool isRefused = tellFindings(record, keySize);
-    if (m_log.hasErrors()) m_table.reset();
-    if (isRefused) {
-        m_refused.add(text.substr(0, keySize));
-        m_report.refused = m_refused.size();
-    } else if (m_table.has_value()) {
-        cutFields(text, keySize);
-        m_table->add(m_fields);
-    }
+void ImageBuild::endReading(std::uint64_t done) {
+    m_callbacks.progress(DICTIONARY_STAGE_READ, done, done);
+    if (m_report.records == 0 && !m_allowEmpty) m_log.addOfSource(DICTIONARY_NO_RECORDS);
 }
 
-// Whether the record's key is refused.
-bool CheckedBuild::tellFindings(const SourceRecord& record, std::size_t keySize) {
-    bool isRefused = false;
+void ImageBuild::take(SourceRecord& record) {
+    ++m_report.records;
+    m_sourceBytes += record.text.size();
+    const std::size_t keySize = record.text.find(m_fieldSeparator);
     for (const Finding& finding : m_check.examine(record, keySize)) {
-        m_log.add(finding.code, record.number, record.skipped + finding.column);
-        if (finding.code == DICTIONARY_PROBLEM_BEYOND_BMP) isRefused = true;
+        m_log.addOfSource(finding.code, record.number, record.skipped + finding.column);
     }
-    return isRefused;
+    if (m_log.hasErrors()) m_table.reset();
+    if (!m_table.has_value()) return;
+    cutFields(record.text, keySize);
+    m_table->add(m_fields);
 }
 
 // Cuts a record into fields, or into what comes to the same: in an image tabs stand between them,
 // and where these are there already, nothing is to be cut.
-void CheckedBuild::cutFields(std::string_view text, std::size_t keySize) {
+void ImageBuild::cutFields(std::string_view text, std::size_t keySize) {
     m_fields.assign(1, text.substr(0, keySize));
     std::string_view data = text.substr(keySize + m_fieldSeparator.size());
     const bool tabsStand = m_fieldSeparator == kDataSeparator;
@@ -211,8 +214,18 @@ void CheckedBuild::cutFields(std::string_view text, std::size_t keySize) {
     m_fields.push_back(data);
 }
 
+void ImageBuild::build() {
+    if (m_target == nullptr || m_log.hasErrors()) return;
+    m_table->arrange();
+    if (dataFits() && place()) {
+        write();
+    } else {
+        m_log.addOfImage(errorOf(DICTIONARY_IMAGE_TOO_LARGE));
+    }
+}
+
 // Whether no key has more data than an image has room for; behind this, lengths have 32 bits.
-bool CheckedBuild::dataFits() const {
+bool ImageBuild::dataFits() const {
     // A record's data is at most as long as the record, with a byte for joining it.
     constexpr auto kRoom = static_cast<std::uint64_t>(kMaxImageBytes);
     if (m_sourceBytes + m_report.records <= kRoom) return true;
@@ -224,11 +237,9 @@ bool CheckedBuild::dataFits() const {
 }
 
 // False when the image would be too large.
-bool CheckedBuild::place() {
-    CUTF8Coder coder;
+bool ImageBuild::place() {
     m_builder.expectOneBuild();
-    // The table holds no key that the coder refuses.
-    addKeysOf(*m_table, coder, m_builder, [](const std::string&) {});
+    addKeys();
     m_table.reset();
     m_builder.storeFeatures();
     m_builder.makeTrie();
@@ -239,19 +250,27 @@ bool CheckedBuild::place() {
     return true;
 }
 
-void CheckedBuild::write(ImageFile* image) {
-    if (image != nullptr) image->create();
-    ImageWriter writer(image, m_callbacks);
-    m_builder.writeImage(
-        [&](std::int32_t total) { writer.expect(static_cast<std::uint64_t>(total)); },
-        [&](const char* bytes, std::size_t size) { writer.write(bytes, size); });
+void ImageBuild::addKeys() {
+    LabelCoder coder;
+    m_builder.reserve(m_table->keyCount(), m_table->keyBytes());
+    std::string key;
+    m_table->forEachKey([&](std::uint32_t record) {
+        key = m_keysAreLiteral ? m_table->key(record) : m_table->trieKey(record);
+        m_builder.addKey(coder, key.c_str(), false, m_table->data(record));
+    });
+}
+
+void ImageBuild::write() {
+    ImageWriter writer(*m_target, m_callbacks);
+    m_builder.writeImage([&](std::int32_t total) { writer.begin(static_cast<std::size_t>(total)); },
+                         [&](const char* bytes, std::size_t size) { writer.write(bytes, size); });
     writer.finish();
     m_report.keys = countKeys();
     m_report.imageBytes = writer.total();
 }
 
 // Keys that are cut off may be one key in the image, and an empty one is none.
-std::uint64_t CheckedBuild::countKeys() const {
+std::uint64_t ImageBuild::countKeys() const {
     const CellArray& cells = m_builder.cells();
     std::uint64_t count = 0;
     for (std::int64_t i = 0; i <= cells.highest(); ++i) count += endsKey(cells.cellAt(i));
