@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <tuple>
 
 #include "CellArray.h"
+#include "CellDemand.h"
 #include "DATWriter.h"
 #include "FirstFit.h"
 #include "ImageFormat.h"
@@ -225,6 +227,62 @@ TEST(Placement, GivesUpBeforeCellsWouldWrap) {
         testing::internal::CaptureStdout();
         EXPECT_FALSE(writer.buildDAT());
         EXPECT_EQ(std::to_string(placed) + "wrong !!!!!\n", testing::internal::GetCapturedStdout());
+    }
+}
+
+// A letter, and a number as the second code.
+class NumberCoder : public LetterCoder {
+public:
+    int encodeString(const char* text, std::vector<int>& codes,
+                     std::vector<Dictionary::SPOS>& positions, int) override {
+        LetterCoder::encodeString(text, codes, positions, 1);
+        codes.push_back(std::atoi(text + 1));
+        return 1;
+    }
+};
+
+// A node whose labels have all differences up to the square of kSide shares that many cells with no
+// other of its kind.
+TEST(Placement, KnowsWhatCannotFit) {
+    constexpr int kSide = 2000;
+    NumberCoder coder;
+    for (const int nodes : {44, 45}) {
+        Dictionary::TrieBuilder builder(coder.getNumOfSingleWord());
+        for (int node = 0; node < nodes; ++node) {
+            const std::string letter(1, static_cast<char>('@' + node));
+            for (int i = 0; i < kSide; ++i) {
+                for (const int number : {i, (i + 1) * kSide}) {
+                    const std::string key = letter + std::to_string(number + node);
+                    builder.addKey(coder, key.c_str(), false, "");
+                }
+            }
+        }
+        builder.clear();
+        builder.storeFeatures();
+        builder.makeTrie();
+        EXPECT_EQ(builder.mayFit(), nodes < 45) << nodes;
+    }
+}
+
+TEST(Placement, NeedsAtLeastTheCellsThatItIsSaidToNeed) {
+    std::mt19937 random(5);
+    LetterCoder coder;
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        CDATWriter writer(&coder, false);
+        Dictionary::KeyPool pool;
+        const int letters = 2 + static_cast<int>(random() % 30);
+        for (const std::string& key :
+             randomKeys({seed, 300, letters, 3, true, false, false}, random)) {
+            std::vector<int> codes;
+            for (const char letter : key) codes.push_back(letter - '@');
+            pool.add(codes);
+            writer.addKeys(key.c_str(), "");
+        }
+        const Quiet quiet;
+        writer.buildDAT();
+        const std::unique_ptr<char[]> image(writer.write());
+        const int reserved = coder.getNumOfSingleWord() + 1;
+        EXPECT_LE(leastCells(Dictionary::KeyTrie(pool), 0), writer.imageSize() / 12 - reserved);
     }
 }
 

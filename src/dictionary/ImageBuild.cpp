@@ -244,7 +244,7 @@ bool ImageBuild::place() {
     m_builder.storeFeatures();
     m_builder.makeTrie();
     PlacementProgress progress(m_callbacks);
-    if (m_builder.place(progress) == Placement::kNoRoom) return false;
+    if (!m_builder.mayFit() || m_builder.place(progress) == Placement::kNoRoom) return false;
     const std::uint64_t total = m_builder.totalPassing();
     m_callbacks.progress(DICTIONARY_STAGE_PLACE, total, total);
     return true;

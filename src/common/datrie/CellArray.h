@@ -25,6 +25,9 @@ public:
     // Drops all cells. Capacity, free hint and highest index stay.
     void clear();
 
+    // The first cell that is not one of the root's children's.
+    std::int64_t firstShared() const { return std::int64_t{m_alphabetSize} + 1; }
+
     std::int64_t highest() const { return m_highest; }
     bool isFree(std::int64_t index) const { return cellAt(index).check == kFreeCheck; }
 

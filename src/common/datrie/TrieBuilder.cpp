@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "CellDemand.h"
 #include "ImageFormat.h"
 
 namespace Dictionary {
@@ -89,13 +90,22 @@ void TrieBuilder::makeTrie() {
     m_trie = std::make_unique<KeyTrie>(m_keys);
 }
 
+// write() counts one cell more than there are, and it must still fit.
+std::int64_t TrieBuilder::cellLimit() const {
+    return (kMaxImageBytes - m_featureArea.size()) / kCellBytes - 1;
+}
+
+bool TrieBuilder::mayFit() const {
+    const std::int64_t room = cellLimit() - m_cells.firstShared();
+    return m_featuresFit && leastCells(*m_trie, room) <= room;
+}
+
 Placement TrieBuilder::place(PlacementListener& listener) {
     m_running = m_nextPause = 0;
     m_total = m_trie == nullptr ? 0 : m_trie->totalPassing();
     if (m_trie == nullptr || m_trie->empty()) return Placement::kNothingToPlace;
     if (!m_featuresFit) return Placement::kNoRoom;
-    // write() counts one cell more than there are, and it must still fit.
-    m_cells.limitTo((kMaxImageBytes - m_featureArea.size()) / kCellBytes - 1);
+    m_cells.limitTo(cellLimit());
     m_cellOfKey.assign(m_keys.size() + std::size_t{1}, 0);
     const bool fits = placeAll(listener);
     m_trie.reset();

@@ -61,6 +61,8 @@ public:
     void clear();
     void storeFeatures();
     void makeTrie();
+    // False when it is known before any work that `place` would find no room.
+    bool mayFit() const;
     Placement place(PlacementListener& listener);
 
     // Counts one cell more and calls `sink(bytes, size)` for the pieces of the image of as many
@@ -78,6 +80,7 @@ private:
     static constexpr std::uint32_t kNoString = static_cast<std::uint32_t>(-1);
 
     void keepGreater(std::uint32_t& kept, std::uint32_t string) const;
+    std::int64_t cellLimit() const;
     bool placeAll(PlacementListener& listener);
     bool placeRoot();
     bool placeAllShared(PlacementListener& listener);

@@ -1,0 +1,18 @@
+// Helper, not installed: a lower bound on the cells that a trie needs, known before it is placed.
+
+#ifndef DICTIONARY_CELL_DEMAND_H
+#define DICTIONARY_CELL_DEMAND_H
+
+#include <cstdint>
+
+#include "KeyTrie.h"
+
+namespace Dictionary {
+
+// At least so many cells lie between the first and the last one of the nodes below the root's
+// children, both included, wherever they are placed. Bounds below `enough` are not looked for.
+std::int64_t leastCells(const KeyTrie& trie, std::int64_t enough);
+
+}  // namespace Dictionary
+
+#endif
