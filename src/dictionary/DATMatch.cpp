@@ -107,7 +107,7 @@ public:
             case DICTIONARY_FIND_ALL:
                 return search.forEachKey(m_alphabetSize, found);
             case DICTIONARY_FIND_SEGMENT:
-                return segment(m_image.cells(), text, found);
+                return search.forEachSegment(found);
             default:
                 return search.forEachLongestKey(m_alphabetSize, found);
         }

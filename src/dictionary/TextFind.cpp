@@ -102,6 +102,11 @@ void listLongest(const TextFind& find, MatchList& list) {
     });
 }
 
+void listSegments(const TextFind& find, MatchList& list) {
+    listBy(find, EncodedText::kPassOver, list,
+           [](const TextSearch& search, const auto& found) { search.forEachSegment(found); });
+}
+
 void listClassic(const TextFind& find, MatchList& list) {
     listBy(find, EncodedText::kStopAtIllegal, list,
            [](const TextSearch& search, const auto& found) {
@@ -127,7 +132,7 @@ struct Mode {
 constexpr Mode kModes[] = {
     {listAll, visitAll},
     {listLongest, visitLongest},
-    {listVisited<visitSegments>, visitSegments},
+    {listSegments, visitSegments},
     {nullptr, nullptr},
     {listVisited<visitPrefixes>, visitPrefixes},
     {listClassic, visitClassic},

@@ -92,12 +92,11 @@ void CDATReader::allMatch(const char* text,
 
 void CDATReader::maxMatch(const char* text, std::vector<SPOS>& matches) {
     if (text == nullptr || m_coder == nullptr || m_image == nullptr) return;
-    readOnce(*m_coder, text, -1, m_reverse, [&](const auto& read) {
-        segment(CellView(m_image, m_cellBytes), read,
-                [&](std::size_t from, std::size_t end, std::int32_t feature) {
-                    matches.push_back(read.span(from, end, feature));
-                });
-    });
+    const EncodedText encoded(*m_coder, text, -1, m_reverse);
+    TextSearch(CellView(m_image, m_cellBytes), encoded)
+        .forEachSegment([&](std::size_t from, std::size_t end, std::int32_t feature) {
+            matches.push_back(encoded.span(from, end, feature));
+        });
     if (m_reverse) reverseVec(matches);
 }
 

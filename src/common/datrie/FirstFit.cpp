@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "Kernel.h"
+
 namespace Dictionary {
 
 namespace {
@@ -65,35 +67,32 @@ template <std::size_t Bytes>
     }
 }
 
-std::int64_t searchBaseline(const std::vector<const std::uint8_t*>& streams) {
+using Streams = std::vector<const std::uint8_t*>;
+
+std::int64_t searchBaseline(const Streams& streams) {
     return search<16>(streams);
 }
 
 #ifdef __x86_64__
-[[gnu::target("avx2")]] std::int64_t searchAvx2(const std::vector<const std::uint8_t*>& streams) {
+[[gnu::target("avx2")]] std::int64_t searchAvx2(const Streams& streams) {
     return search<32>(streams);
 }
 
-[[gnu::target("avx512f")]] std::int64_t searchAvx512(
-    const std::vector<const std::uint8_t*>& streams) {
+[[gnu::target("avx512f")]] std::int64_t searchAvx512(const Streams& streams) {
     return search<64>(streams);
 }
+#else
+constexpr std::nullptr_t searchAvx2 = nullptr;
+constexpr std::nullptr_t searchAvx512 = nullptr;
 #endif
 
-std::vector<FirstFitKernel> availableKernels() {
-    std::vector<FirstFitKernel> kernels = {{"baseline", searchBaseline}};
-#ifdef __x86_64__
-    if (__builtin_cpu_supports("avx2")) kernels.push_back({"avx2", searchAvx2});
-    if (__builtin_cpu_supports("avx512f")) kernels.push_back({"avx512", searchAvx512});
-#endif
-    return kernels;
-}
+constexpr std::int64_t (*kSearches[kKernelCount])(const Streams&) = {searchBaseline, searchAvx2,
+                                                                     searchAvx512};
 
 }  // namespace
 
-const std::vector<FirstFitKernel>& firstFitKernels() {
-    static const std::vector<FirstFitKernel> kernels = availableKernels();
-    return kernels;
+std::int64_t firstFit(const std::vector<const std::uint8_t*>& streams) {
+    return forThisMachine(kSearches)(streams);
 }
 
 }  // namespace Dictionary

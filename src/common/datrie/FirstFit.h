@@ -10,20 +10,12 @@
 
 namespace Dictionary {
 
-// Each stream holds one bit a position. Returns the first position at or after 0 whose bit is set
+// Each stream holds one bit per position. Returns the first position at or after 0 whose bit is set
 // in all streams. There must be one, and the streams must be readable for kFirstFitSlack bytes
-// behind it. Every implementation gives the same answer.
-using FirstFitSearch = std::int64_t (*)(const std::vector<const std::uint8_t*>& streams);
+// after it. Every kernel has the same answer.
+std::int64_t firstFit(const std::vector<const std::uint8_t*>& streams);
 
 constexpr std::size_t kFirstFitSlack = 64;
-
-struct FirstFitKernel {
-    const char* name;
-    FirstFitSearch search;
-};
-
-// Those that this machine can run, the fastest last. The first runs everywhere.
-const std::vector<FirstFitKernel>& firstFitKernels();
 
 }  // namespace Dictionary
 

@@ -109,7 +109,7 @@ std::int64_t FreeCells::search(std::int64_t from, const std::vector<std::int64_t
 
     m_streams.assign(1, bitsFrom(from));
     for (std::size_t i = 0; i < count; ++i) m_streams.push_back(bitsFrom(from + offsets[i]));
-    return from + firstFitKernels().back().search(m_streams);
+    return from + Dictionary::firstFit(m_streams);
 }
 
 void FreeCells::dropCopies() {

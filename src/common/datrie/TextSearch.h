@@ -19,15 +19,18 @@ namespace Dictionary {
 // `end`, and by the byte offset of their feature record.
 class TextSearch {
 public:
-    TextSearch(const CellView& cells, const EncodedText& text,
-               const WalkSteps& steps = fastestWalkSteps())
+    TextSearch(const CellView& cells, const EncodedText& text)
+        : TextSearch(cells, text, cells.childLimit() < kBlocksPay ? nullptr : walkSteps()) {}
+
+    // Walks in blocks by `steps` or, where that is null, one by one; the keys are the same.
+    TextSearch(const CellView& cells, const EncodedText& text, const WalkSteps* steps)
         : m_cells(cells), m_text(text), m_steps(steps) {}
 
     // Calls `found(from, end, feature)` for every key that begins at a character of the alphabet,
     // by `from`, then by `end`.
     template <class Found>
     void forEachKey(std::int32_t alphabet, Found found) const {
-        forEachBlock(
+        forEachStretch(
             alphabet, [](WalkBlock& block, auto foundIn) { block.forEachKey(foundIn); }, found,
             [&](std::size_t from) {
                 walkFrom(m_cells, m_text, from, alphabet,
@@ -38,7 +41,7 @@ public:
     // Calls `found(from, end, feature)` for the longest key at every character of the alphabet.
     template <class Found>
     void forEachLongestKey(std::int32_t alphabet, Found found) const {
-        forEachBlock(
+        forEachStretch(
             alphabet, [](WalkBlock& block, auto foundIn) { block.forEachLongestKey(foundIn); },
             found,
             [&](std::size_t from) {
@@ -47,34 +50,52 @@ public:
             });
     }
 
+    // Calls `found(from, end, feature)` for the longest key at the first character that begins one,
+    // then at the first after that key, and so on.
+    template <class Found>
+    void forEachSegment(Found found) const {
+        segment(m_cells, m_text, found);
+    }
+
 private:
-    // Searches block by block: `tell(block, foundIn)` hands out the keys of one, and
-    // `searchFrom(from)` is called for each character of a block whose keys are too many for that.
+    // Images of fewer cells fit the caches of today's machines well enough that walks one by one,
+    // whose course the processor guesses ahead, are as fast.
+    static constexpr std::uint32_t kBlocksPay = 2'000'000;
+
+    // Searches block by block, or all at once one by one: `tell(block, foundIn)` calls `foundIn`
+    // with the keys of a block, `searchFrom(from)` is called for each character otherwise.
     template <class Tell, class Found, class SearchFrom>
-    void forEachBlock(std::int32_t alphabet, Tell tell, Found found, SearchFrom searchFrom) const {
-        WalkBlock block(m_cells, alphabet, m_steps);
+    void forEachStretch(std::int32_t alphabet, Tell tell, Found found,
+                        SearchFrom searchFrom) const {
+        if (m_steps == nullptr) return forEachStart(0, m_text.size(), alphabet, searchFrom);
+        WalkBlock block(m_cells, alphabet, *m_steps);
         for (std::size_t first = 0; first < m_text.size(); first += WalkBlock::kMaxWalks) {
             const std::size_t count =
                 std::min<std::size_t>(WalkBlock::kMaxWalks, m_text.size() - first);
-            const std::int32_t* const codes = m_text.codes() + first;
-            if (block.walk(codes, static_cast<std::uint32_t>(count))) {
-                tell(block, [&](const BlockKey& key) {
-                    const std::size_t from = first + key.start;
-                    if (m_text.isInsidePair(from)) return;
-                    found(from, from + key.length, m_cells.featureOf(key.cell));
-                });
+            if (!block.walk(m_text.codes() + first, static_cast<std::uint32_t>(count))) {
+                forEachStart(first, first + count, alphabet, searchFrom);
                 continue;
             }
-            for (std::size_t i = 0; i < count; ++i) {
-                const bool begins = codes[i] < alphabet && !m_text.isInsidePair(first + i);
-                if (begins) searchFrom(first + i);
-            }
+            tell(block, [&](const BlockKey& key) {
+                const std::size_t from = first + key.start;
+                if (m_text.isInsidePair(from)) return;
+                found(from, from + key.length, m_cells.featureOf(key.cell));
+            });
+        }
+    }
+
+    template <class SearchFrom>
+    void forEachStart(std::size_t first, std::size_t end, std::int32_t alphabet,
+                      SearchFrom searchFrom) const {
+        for (std::size_t from = first; from < end; ++from) {
+            const bool begins = m_text.codes()[from] < alphabet && !m_text.isInsidePair(from);
+            if (begins) searchFrom(from);
         }
     }
 
     CellView m_cells;
     const EncodedText& m_text;
-    const WalkSteps& m_steps;
+    const WalkSteps* m_steps;
 };
 
 }  // namespace Dictionary

@@ -93,27 +93,16 @@ inline Utf8Character decodeMultiByte(const std::uint8_t* text, std::size_t left)
     return {static_cast<std::int32_t>(code), 4};
 }
 
-// Decodes characters of three bytes, of which most texts consist that are not ASCII, as long as
-// nothing else comes: calls `emit` for each and returns where the next character starts.
-template <class Emit>
-std::size_t decodeThreeByteRun(const std::uint8_t* text, std::size_t start, std::size_t size,
-                               Emit emit) {
-    for (std::uint32_t bytes; size - start >= sizeof bytes; start += 3) {
-        std::memcpy(&bytes, text + start, sizeof bytes);
-        const std::uint32_t code = threeByteCode(bytes);
-        if (!isThreeByteForm(bytes) || !mayTakeThreeBytes(code)) break;
-        emit(static_cast<std::int32_t>(code), start, 3u);
+// Decodes one character of at least two bytes, of which at least four are there, and those of three
+// bytes first: most texts that are not ASCII consist of them.
+inline Utf8Character decodeMultiByteOfFour(const std::uint8_t* text) {
+    std::uint32_t bytes;
+    std::memcpy(&bytes, text, sizeof bytes);
+    const std::uint32_t code = threeByteCode(bytes);
+    if (isThreeByteForm(bytes) && mayTakeThreeBytes(code)) {
+        return {static_cast<std::int32_t>(code), 3};
     }
-    return start;
-}
-
-constexpr std::size_t kAsciiRun = 8;
-
-inline bool isAsciiRun(const std::uint8_t* text) {
-    std::uint64_t run;
-    static_assert(sizeof run == kAsciiRun, "a run is a word");
-    std::memcpy(&run, text, sizeof run);
-    return (run & 0x8080808080808080u) == 0;
+    return decodeMultiByte(text, sizeof bytes);
 }
 
 // Calls `emit(code, start, length)` for every character of the `size` bytes at `text`, up to the
@@ -121,21 +110,16 @@ inline bool isAsciiRun(const std::uint8_t* text) {
 template <class Emit>
 std::size_t decodeUtf8(const char* text, std::size_t size, Emit emit) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text);
-    std::size_t start = 0;
-    while (start < size) {
-        while (size - start >= kAsciiRun && isAsciiRun(bytes + start)) {
-            for (const std::size_t stop = start + kAsciiRun; start < stop; ++start) {
-                emit(std::int32_t{bytes[start]}, start, 1u);
-            }
-        }
-        start = decodeThreeByteRun(bytes, start, size, emit);
-        if (start == size) return size;
+    constexpr std::size_t kLongest = 4;
+    for (std::size_t start = 0; start < size;) {
         if (bytes[start] < 0x80) {
             emit(std::int32_t{bytes[start]}, start, 1u);
             ++start;
             continue;
         }
-        const Utf8Character character = decodeMultiByte(bytes + start, size - start);
+        const std::size_t left = size - start;
+        const Utf8Character character = left < kLongest ? decodeMultiByte(bytes + start, left)
+                                                        : decodeMultiByteOfFour(bytes + start);
         if (character.length == 0) return start;
         emit(character.code, start, character.length);
         start += character.length;

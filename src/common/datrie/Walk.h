@@ -53,14 +53,22 @@ struct LongestKey {
 template <class Text>
 LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t place,
                        std::int64_t alphabet) {
-    const std::int32_t code = text.next(place);
+    constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
+    const std::int32_t first = text.next(place);
     LongestKey longest = {false, place, kNoFeature};
-    if (!cells.holds(code)) return longest;
-    walkOn(cells, static_cast<std::uint32_t>(code), text, place, alphabet,
-           [&](std::size_t end, std::uint32_t cell) {
-               longest = {true, end, cells.featureOf(cell)};
-           });
-    return longest;
+    if (!cells.holds(first)) return longest;
+    std::uint32_t last = kNone;
+    std::int32_t code;
+    auto cell = static_cast<std::uint32_t>(first);
+    do {
+        const std::size_t end = place;
+        code = text.next(place);
+        const bool isKey = code < alphabet && endsKey(cells.baseOf(cell));
+        last = isKey ? cell : last;
+        longest.end = isKey ? end : longest.end;
+    } while (code < alphabet && cells.descend(cell, code));
+    if (last == kNone) return longest;
+    return {true, longest.end, cells.featureOf(last)};
 }
 
 // Calls `found(from, end, feature)` for the longest key at the first character that begins one,

@@ -1,5 +1,7 @@
 #include "WalkStep.h"
 
+#include "Kernel.h"
+
 #ifdef __x86_64__
 #include <immintrin.h>
 #endif
@@ -7,36 +9,6 @@
 namespace Dictionary {
 
 namespace {
-
-void advance(const StepGround& ground, std::uint32_t start, std::uint32_t cell, Walks& walks,
-             Walks& ends) {
-    const CellView& cells = ground.cells;
-    const std::int32_t code = ground.codes[start];
-    const std::int32_t base = cells.baseOf(cell);
-    const bool goesOn = code < ground.alphabet;
-    const std::uint32_t child = childCell(base, code);
-    const bool inside = child < cells.childLimit();
-    const std::int32_t check = cells.checkOf(inside ? child : 0);
-    ends.addIf(goesOn & endsKey(base), start + ground.mark, cell);
-    walks.addIf(goesOn & inside & (check == static_cast<std::int32_t>(cell)), start, child);
-}
-
-void firstBaseline(const StepGround& ground, std::uint32_t count, Walks& walks, Walks& ends) {
-    const std::int32_t* const codes = ground.codes - 1;
-    for (std::uint32_t start = 0; start < count; ++start) {
-        const std::int32_t code = codes[start];
-        if (code >= ground.alphabet || !ground.cells.holds(code)) continue;
-        advance(ground, start, static_cast<std::uint32_t>(code), walks, ends);
-    }
-}
-
-void nextBaseline(const StepGround& ground, Walks& walks, Walks& ends) {
-    const std::uint32_t count = walks.count;
-    walks.count = 0;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        advance(ground, walks.starts[i], walks.cells[i], walks, ends);
-    }
-}
 
 #ifdef __x86_64__
 
@@ -114,26 +86,16 @@ __mmask16 firstLanes(std::uint32_t count) {
     }
 }
 
+constexpr WalkSteps kAvx512Steps = {firstAvx512, nextAvx512};
+constexpr const WalkSteps* kSteps[kKernelCount] = {nullptr, nullptr, &kAvx512Steps};
+#else
+constexpr const WalkSteps* kSteps[kKernelCount] = {};
 #endif
-
-constexpr WalkSteps kSteps[] = {
-    {"baseline", firstBaseline, nextBaseline},
-#ifdef __x86_64__
-    {"avx512", firstAvx512, nextAvx512},
-#endif
-};
-
-std::size_t countHere() {
-#ifdef __x86_64__
-    if (__builtin_cpu_supports("avx512f")) return 2;
-#endif
-    return 1;
-}
 
 }  // namespace
 
-WalkStepsList walkSteps() {
-    return {kSteps, countHere()};
+const WalkSteps* walkSteps() {
+    return forThisMachine(kSteps);
 }
 
 }  // namespace Dictionary

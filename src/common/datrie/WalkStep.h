@@ -1,4 +1,5 @@
-// Helper, not installed: one step of many walks at once, for every kind of machine.
+// Helper, not installed: one step of many walks at once, where the machine has registers
+// that are wide enough for it to pay.
 
 #ifndef DICTIONARY_WALK_STEP_H
 #define DICTIONARY_WALK_STEP_H
@@ -19,7 +20,7 @@ struct Walks {
     std::uint32_t* starts;
     std::uint32_t* cells;
 
-    // Puts the one that goes on, or ended with a key, behind the others; without a jump, as nobody
+    // Puts the one that goes on, or ended with a key, after the others; without a branch, as nobody
     // could foretell it.
     void addIf(bool condition, std::uint32_t start, std::uint32_t cell) {
         starts[count] = start;
@@ -42,8 +43,6 @@ struct StepGround {
 // their starts; but none whose code is not below the alphabet: that one ends its walk before the
 // key is looked at.
 struct WalkSteps {
-    const char* name;
-
     // Begins a walk at each of the `count` characters from `codes[-1]` on, if its code is below the
     // alphabet and the number of a cell, and takes their first step, which fills `walks`.
     void (*first)(const StepGround& ground, std::uint32_t count, Walks& walks, Walks& ends);
@@ -52,22 +51,8 @@ struct WalkSteps {
     void (*next)(const StepGround& ground, Walks& walks, Walks& ends);
 };
 
-struct WalkStepsList {
-    const WalkSteps* first;
-    std::size_t count;
-
-    const WalkSteps* begin() const { return first; }
-    const WalkSteps* end() const { return first + count; }
-};
-
-// Those that this machine can run, the fastest last. The first runs everywhere, and all give the
-// same walks.
-WalkStepsList walkSteps();
-
-inline const WalkSteps& fastestWalkSteps() {
-    static const WalkSteps& fastest = *(walkSteps().end() - 1);
-    return fastest;
-}
+// Those of the kernel in use; null when it has none. All of them take the same walks.
+const WalkSteps* walkSteps();
 
 }  // namespace Dictionary
 
