@@ -100,6 +100,7 @@ const std::vector<Entry>& entriesOf(const Set& set) {
 
 template <class Engine>
 void measure(benchmark::State& state, const Set& set) {
+    const InUse<Engine> inUse;
     const std::vector<Entry>& entries = entriesOf(set);
     static const char* checked = nullptr;
     if (checked != set.name) checkKeys(Engine(entries), entries);
@@ -115,14 +116,16 @@ void measure(benchmark::State& state, const Set& set) {
 }
 
 void addRows(const Set& set) {
-    forEachEngine([&](auto type) {
+    const auto add = [&](auto type) {
         using Engine = typename decltype(type)::type;
         if (std::strstr(set.leftOut, Engine::kName) != nullptr) return;
         const std::string name = std::string("build/") + set.name + "/" + Engine::kName;
         benchmark::RegisterBenchmark(name.c_str(), [&set](benchmark::State& state) {
             measure<Engine>(state, set);
         })->Unit(benchmark::kMillisecond);
-    });
+    };
+    forEachEngine(add);
+    forEachFurtherKernel(add);
 }
 
 }  // namespace

@@ -19,6 +19,17 @@ struct Type {
     using type = T;
 };
 
+// Calls use(Type<Engine>()) for the library on every kernel that this machine can run, other than
+// the one that it uses.
+template <class Use>
+void forEachFurtherKernel(Use use) {
+    const auto useIfPossible = [&](auto type) {
+        if (InUse<typename decltype(type)::type>::isPossible()) use(type);
+    };
+    useIfPossible(Type<LibraryOn<Dictionary::kAvx2>>());
+    useIfPossible(Type<LibraryOn<Dictionary::kBaseline>>());
+}
+
 // Calls use(Type<Engine>()) for every engine.
 template <class Use>
 void forEachEngine(Use use) {

@@ -14,6 +14,7 @@
 #include "DATReader.h"
 #include "DATWriter.h"
 #include "ImageFormat.h"
+#include "Kernel.h"
 #include "Neighbour.h"
 
 namespace Bench {
@@ -131,6 +132,29 @@ private:
     char* m_image = nullptr;
     Dictionary::CUTF8Coder m_coder;
     mutable std::optional<Dictionary::CDATReader> m_reader;
+};
+
+// The library held to a kernel below the one that the machine would use.
+template <Dictionary::Kernel kernel>
+class LibraryOn : public Library {
+public:
+    static constexpr const char* kName =
+        kernel == Dictionary::kAvx2 ? "library-avx2" : "library-baseline";
+
+    using Library::Library;
+};
+
+// Sees to it, while it lives, that the engine uses its kernel.
+template <class Engine>
+struct InUse {
+    static bool isPossible() { return true; }
+    InUse() {}
+};
+
+template <Dictionary::Kernel kernel>
+struct InUse<LibraryOn<kernel>> {
+    static bool isPossible() { return kernel < Dictionary::kernelInUse(); }
+    const Dictionary::ForcedKernel forced{kernel};
 };
 
 }  // namespace Bench

@@ -79,6 +79,7 @@ template <class Lookup>
 struct Workload {
     const char* name;
     Texts Material::*inputs;
+    bool byKernel = false;  // whether it depends on the kernel
     int threads = 1;
 };
 
@@ -150,6 +151,7 @@ void countVolume(benchmark::State& state, const Texts& inputs) {
 template <class Engine, class Lookup>
 void measure(benchmark::State& state, const Workload<Lookup>& workload,
              const std::string& dictionary) {
+    const InUse<Engine> inUse;
     Subject<Engine> subject = prepare<Engine>(workload, dictionary);
     Tally tally;
     for (auto _ : state) pass<Lookup>(subject, tally);
@@ -159,7 +161,7 @@ void measure(benchmark::State& state, const Workload<Lookup>& workload,
 template <class Lookup>
 void addRows(const Workload<Lookup>& workload) {
     for (const std::string dictionary : kDictionaries) {
-        forEachEngine([&](auto type) {
+        const auto add = [&](auto type) {
             using Engine = typename decltype(type)::type;
             const std::string name =
                 std::string(workload.name) + "/" + dictionary + "/" + Engine::kName;
@@ -169,20 +171,22 @@ void addRows(const Workload<Lookup>& workload) {
             auto* row = benchmark::RegisterBenchmark(name.c_str(), run);
             row->Unit(benchmark::kMillisecond);
             if (workload.threads != 1) row->Threads(workload.threads)->UseRealTime();
-        });
+        };
+        forEachEngine(add);
+        if (workload.byKernel) forEachFurtherKernel(add);
     }
 }
 
 void addWorkloads() {
     addRows<Exact>({"exact-hits", &Material::keys});
     addRows<Exact>({"exact-near-misses", &Material::nearMisses});
-    addRows<EveryMatch>({"every-match-by-line", &Material::lines});
-    addRows<EveryMatch>({"every-match-whole-text", &Material::whole});
+    addRows<EveryMatch>({"every-match-by-line", &Material::lines, true});
+    addRows<EveryMatch>({"every-match-whole-text", &Material::whole, true});
     addRows<LongestMatch>({"longest-match", &Material::lines});
-    addRows<Search<false>>({"search", &Material::lines});
-    addRows<Search<true>>({"search-with-features", &Material::lines});
-    addRows<Search<true>>({"search-2-threads", &Material::lines, 2});
-    addRows<Search<true>>({"search-4-threads", &Material::lines, 4});
+    addRows<Search<false>>({"search", &Material::lines, true});
+    addRows<Search<true>>({"search-with-features", &Material::lines, true});
+    addRows<Search<true>>({"search-2-threads", &Material::lines, false, 2});
+    addRows<Search<true>>({"search-4-threads", &Material::lines, false, 4});
     addRows<FirstAnswer>({"first-answer", &Material::aKey});
 }
 

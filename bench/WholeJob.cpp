@@ -3,6 +3,7 @@
 //   whole_job ENGINE SOURCE IMAGE           builds, prints the process's peak memory in KiB
 //   whole_job --in-memory ENGINE SOURCE     the same from keys in memory to an image in memory
 //   whole_job --check ENGINE SOURCE IMAGE   checks every key of a built image
+//   whole_job --engines                     lists the engines that this machine can run
 
 #include <fstream>
 #include <iostream>
@@ -33,19 +34,32 @@ void checkImage(const std::string& name, const std::string& image) {
     Bench::checkKeys(Engine(image), Bench::Source(Bench::readFile(name)).entries());
 }
 
+template <class Use>
+void forEachKind(Use use) {
+    Bench::forEachEngine(use);
+    Bench::forEachFurtherKernel(use);
+}
+
+int listEngines() {
+    forEachKind([](auto type) { std::cout << decltype(type)::type::kName << "\n"; });
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     std::vector<std::string> words(argv + 1, argv + argc);
+    if (words == std::vector<std::string>{"--engines"}) return listEngines();
     const bool inMemory = !words.empty() && words[0] == "--in-memory";
     const bool check = !words.empty() && words[0] == "--check";
     if (inMemory || check) words.erase(words.begin());
     if (words.size() != (inMemory ? 2u : 3u)) {
         Bench::fail("usage: whole_job [--in-memory | --check] ENGINE SOURCE [IMAGE]");
     }
-    Bench::forEachEngine([&](auto type) {
+    forEachKind([&](auto type) {
         using Engine = typename decltype(type)::type;
         if (words[0] != Engine::kName) return;
+        const Bench::InUse<Engine> inUse;
         if (inMemory) return buildInMemory<Engine>(words[1]);
         if (check) return checkImage<Engine>(words[1], words[2]);
         Engine::buildFile(words[1], words[2]);
