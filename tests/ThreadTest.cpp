@@ -4,9 +4,8 @@
 #include <functional>
 #include <thread>
 
-#include "DATChecked.h"
 #include "DATInterface.h"
-#include "DATMatch.h"
+#include "Dictionary.h"
 #include "TemporaryFile.h"
 
 namespace {
@@ -25,24 +24,31 @@ Texts textsOver(const Texts& letters, std::size_t most) {
     return texts;
 }
 
-// Everything that lookups say of a text, as one text.
-std::string answer(void* handle, const std::string& text) {
+// Everything that lookups say of a text, as one text; `image` may be null.
+std::string answer(void* handle, const DictionaryHandle* image, const std::string& text) {
     char* const found = search(text.c_str(), handle, true);
     std::string all = found;
     freeResult(found);
-    DictionaryMatches list = {nullptr, 0, 0};
-    for (int mode = DICTIONARY_FIND_ALL; mode <= DICTIONARY_FIND_AS_SEARCH; ++mode) {
-        dictionaryFind(handle, mode, DICTIONARY_UNIT_UTF16, text.data(), text.size(), &list);
+    // What loadBin returns is for search alone.
+    if (image == nullptr) return all;
+    DictionaryFindOptions options = {};
+    options.size = sizeof options;
+    options.unit = DICTIONARY_UNIT_UTF16;
+    const DictionaryText searched = {text.data(), text.size()};
+    DictionaryMatches list = {};
+    for (const int mode : {DICTIONARY_FIND_ALL, DICTIONARY_FIND_LONGEST, DICTIONARY_FIND_SEGMENT,
+                           DICTIONARY_FIND_PREFIXES}) {
+        options.mode = mode;
+        dictionaryFindMatches(image, &options, searched, &list, nullptr);
         for (std::size_t i = 0; i < list.count; ++i) {
             const DictionaryMatch& match = list.items[i];
             all += std::to_string(match.start) + '+' + std::to_string(match.length) + ' ';
-            all.append(match.data, match.dataLength);
+            all.append(match.data.bytes, match.data.size);
         }
     }
-    dictionaryReleaseMatches(&list);
-    const char* data = nullptr;
-    std::size_t size = 0;
-    if (dictionaryLookup(handle, text.data(), text.size(), &data, &size)) all.append(data, size);
+    dictionaryFreeMatches(&list);
+    DictionaryText data;
+    if (dictionaryLookupKey(image, searched, &data)) all.append(data.bytes, data.size);
     return all;
 }
 
@@ -59,33 +65,38 @@ TEST(Threads, AnswerAsOneAloneDoes) {
         if (!key.empty()) records += key + "\tdata of " + key + "\n";
     }
     const TemporaryFile source(records), image;
-    dictionaryBuild(source.path(), image.path(), nullptr, nullptr);
-    void* const handle = dictionaryOpen(image.path(), DICTIONARY_OPEN_MAP, nullptr);
+    dictionaryBuildFile(source.path(), image.path(), nullptr, nullptr, nullptr);
+    DictionaryHandle* const handle = dictionaryOpenFile(image.path(), DICTIONARY_OPEN_MAP, nullptr);
     const Texts texts = textsOver({"a", "b", "中", "\xFF", "\U0001F600"}, 4);
-    Texts answers;
-    for (const std::string& text : texts) answers.push_back(answer(handle, text));
+    Texts answers, plainAnswers;
+    for (const std::string& text : texts) {
+        answers.push_back(answer(handle, handle, text));
+        plainAnswers.push_back(answer(handle, nullptr, text));
+    }
 
     std::atomic<int> wrong{0};
-    const auto check = [&](void* opened, std::size_t i) {
-        if (answer(opened, texts[i]) != answers[i]) ++wrong;
+    const auto check = [&](DictionaryHandle* opened, std::size_t i) {
+        if (answer(opened, opened, texts[i]) != answers[i]) ++wrong;
     };
     const auto searchAll = [&] {
         for (std::size_t i = 0; i < texts.size(); ++i) check(handle, i);
     };
     const auto loadOften = [&] {
         for (std::size_t i = 0; i < texts.size(); i += 20) {
-            void* const opened = i % 40 == 0
-                                     ? loadBin(image.path())
-                                     : dictionaryOpen(image.path(), DICTIONARY_OPEN_COPY, nullptr);
+            void* const plain = loadBin(image.path());
+            if (answer(plain, nullptr, texts[i]) != plainAnswers[i]) ++wrong;
+            destroyBin(plain);
+            const int mode = i % 40 == 0 ? DICTIONARY_OPEN_SHARE : DICTIONARY_OPEN_COPY;
+            DictionaryHandle* const opened = dictionaryOpenFile(image.path(), mode, nullptr);
             check(opened, i);
-            destroyBin(opened);
+            dictionaryClose(opened);
         }
     };
     const auto buildOften = [&] {
         const TemporaryFile plain, checked;
         for (int round = 0; round < kRounds; ++round) {
             buildTree(source.path(), plain.path());
-            dictionaryBuild(source.path(), checked.path(), nullptr, nullptr);
+            dictionaryBuildFile(source.path(), checked.path(), nullptr, nullptr, nullptr);
             if (plain.content() != checked.content()) ++wrong;
         }
     };
@@ -93,7 +104,7 @@ TEST(Threads, AnswerAsOneAloneDoes) {
     tasks.insert(tasks.end(), kLoaders, loadOften);
     tasks.insert(tasks.end(), kBuilders, buildOften);
     printedBy([&] { runTogether(tasks); });
-    destroyBin(handle);
+    dictionaryClose(handle);
     EXPECT_EQ(wrong, 0);
 }
 

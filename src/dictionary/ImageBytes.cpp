@@ -18,8 +18,8 @@ char* pages(int protection, int flags, int file, std::size_t size) {
 
 void readAll(const Descriptor& file, char* bytes, std::size_t size) {
     for (std::size_t filled = 0; filled < size;) {
-        const ssize_t got = read(file.number(), bytes + filled, size - filled);
-        if (got < 0 && errno == EINTR) continue;
+        const ssize_t got =
+            callUninterrupted([&] { return read(file.number(), bytes + filled, size - filled); });
         if (got < 0) throw ImageBytes::SystemRefusal{errno};
         // The file has become shorter meanwhile.
         if (got == 0) throw ImageBytes::SystemRefusal{EIO};

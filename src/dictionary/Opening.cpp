@@ -34,7 +34,7 @@ struct ImageSource {
         requireArgument(path != nullptr, "the path of the image is null");
         // Does not wait when the name is that of a pipe without a writer.
         constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
-        file = Descriptor(open(path, kFlags));
+        file = Descriptor(callUninterrupted([&] { return open(path, kFlags); }));
         if (!file.isOpen() || fstat(file.number(), &status) != 0) failToRead(path, errno);
         if (S_ISDIR(status.st_mode)) failToRead(path, EISDIR);
         if (!S_ISREG(status.st_mode)) failToRead(path, EINVAL);

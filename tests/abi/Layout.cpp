@@ -3,11 +3,10 @@
 #include <cstddef>
 #include <type_traits>
 
-#include "DATChecked.h"
 #include "DATDictionarySample.h"
-#include "DATMatch.h"
 #include "DATReader.h"
 #include "DATWriter.h"
+#include "Dictionary.h"
 #include "FeatureData.h"
 #include "RecordReader.h"
 #include "UTF8Coder.h"
@@ -16,14 +15,26 @@ using namespace Dictionary;
 
 // Records: the size and, where offsetof may be used, the last member's place.
 static_assert(sizeof(SPOS) == 12 && offsetof(SPOS, feature) == 8, "");
-static_assert(sizeof(DictionaryMatch) == 32 && offsetof(DictionaryMatch, dataLength) == 24, "");
+static_assert(sizeof(DictionaryText) == 16 && offsetof(DictionaryText, size) == 8, "");
+static_assert(sizeof(DictionaryError) == 312 && offsetof(DictionaryError, text) == 56, "");
+static_assert(sizeof(DictionaryDescription) == 48, "");
+static_assert(offsetof(DictionaryDescription, folded) == 44, "");
+static_assert(sizeof(DictionaryField) == 24 && offsetof(DictionaryField, beginsRecord) == 16, "");
+static_assert(sizeof(DictionaryKey) == 40 && offsetof(DictionaryKey, image) == 32, "");
+static_assert(sizeof(DictionaryFindOptions) == 32, "");
+static_assert(offsetof(DictionaryFindOptions, joinedRuns) == 27, "");
+static_assert(sizeof(DictionaryMatch) == 40 && offsetof(DictionaryMatch, image) == 36, "");
 static_assert(sizeof(DictionaryMatches) == 24 && offsetof(DictionaryMatches, capacity) == 16, "");
-static_assert(sizeof(DictionaryImageFault) == 32 && offsetof(DictionaryImageFault, text) == 24, "");
-static_assert(sizeof(DictionaryProblem) == 40 && offsetof(DictionaryProblem, text) == 32, "");
-static_assert(sizeof(DictionaryBuildOptions) == 72, "");
+static_assert(sizeof(DictionaryColumns) == 56 && offsetof(DictionaryColumns, capacity) == 48, "");
+static_assert(sizeof(DictionarySegmenterOptions) == 24, "");
+static_assert(sizeof(DictionaryReplaceOptions) == 32, "");
+static_assert(sizeof(DictionaryReplacement) == 48, "");
+static_assert(sizeof(DictionarySource) == 48 && offsetof(DictionarySource, context) == 40, "");
+static_assert(sizeof(DictionaryTarget) == 24 && offsetof(DictionaryTarget, buffer) == 16, "");
+static_assert(sizeof(DictionaryBuildOptions) == 56, "");
 static_assert(offsetof(DictionaryBuildOptions, context) == 48, "");
-static_assert(sizeof(DictionaryBuildReport) == 48, "");
-static_assert(offsetof(DictionaryBuildReport, imageBytes) == 40, "");
+static_assert(sizeof(DictionaryBuildReport) == 40, "");
+static_assert(offsetof(DictionaryBuildReport, imageBytes) == 32, "");
 static_assert(sizeof(SInnerDATWUnit) == 136, "");
 
 // Classes that hosts make for themselves.

@@ -5,9 +5,10 @@
 #include <functional>
 #include <memory>
 
-#include "DATDictionary.h"
 #include "DATDictionarySample.h"
+#include "DATInterface.h"
 #include "DATReader.h"
+#include "Dictionary.hpp"
 #include "Faults.h"
 #include "TemporaryFile.h"
 
@@ -107,42 +108,36 @@ std::string writeByKeys(CUTF8Coder& coder) {
 }
 
 std::string checkedBuild(const Dictionaries& all, const char* image) {
-    int code = DICTIONARY_PROBLEM_NONE;
-    DictionaryBuildOptions options = {};
-    options.size = sizeof options;
-    options.context = &code;
-    options.onProblem = [](void* context, const DictionaryProblem* problem) {
-        *static_cast<int*>(context) = problem->code;
-    };
-    const int result = dictionaryBuild(all.source.path(), image, &options, nullptr);
-    throwIf(result == DICTIONARY_NOT_BUILT && code == DICTIONARY_PROBLEM_NO_MEMORY);
+    DictionarySource source = {};
+    source.size = sizeof source;
+    source.path = all.source.path();
+    const DictionaryTarget target = {sizeof target, image, nullptr};
+    const int code = dictionaryBuildFrom(&source, &target, nullptr, nullptr, nullptr);
+    throwIf(code == DICTIONARY_NO_MEMORY);
     disarm();
-    return std::to_string(result) + all.target.content();
+    return std::to_string(code) + all.target.content();
 }
 
-std::string openByClass(const Dictionaries& all, DictionaryOpenMode mode) {
-    try {
-        verifyImage(all.image.path());
-        const CImage image = CImage::open(all.image.path(), mode);
-        std::string data;
-        throwIf(!image.lookup(kLongKey, data));
-        image.lookup("longer than inline", data);
-        return data + std::to_string(image.find(DICTIONARY_FIND_LONGEST, kText).size());
-    } catch (const CImageError& error) {
-        throwIf(error.fault().code == DICTIONARY_IMAGE_NO_MEMORY);
-        return error.what();
+std::string openByClass(const Dictionaries& all, dictionary::OpenMode mode) {
+    dictionary::verifyImage(all.image.path());
+    const auto image = dictionary::Image::open(all.image.path(), mode);
+    std::string text = std::to_string(image.find(kText, dictionary::FindMode::longest).size());
+    image.visit(kText, {}, [&](const dictionary::Match& match) { text += match.data; });
+    for (const dictionary::Key& key : image.keys("ab")) text += key.text;
+    for (const auto& data : image.lookupEach(std::vector<const char*>{"ab", "b"})) {
+        text += data.value_or("none");
     }
+    return text;
 }
 
 std::string buildByClass(const Dictionaries& all) {
-    try {
-        const SBuild build = buildImage(all.source.path(), all.target.path());
-        disarm();
-        return build.problems.at(0).message() + all.target.content();
-    } catch (const CBuildError& error) {
-        throwIf(error.problems().back().code == DICTIONARY_PROBLEM_NO_MEMORY);
-        return error.what();
-    }
+    dictionary::ImageBuffer image;
+    const std::pair<const char*, const char*> items[] = {{"a", "1"}, {"\U0001F600", "2"}};
+    dictionary::buildItems(items, image);
+    const dictionary::Built checked = dictionary::checkBytes("a\t\nb\n");
+    dictionary::buildFile(all.source.path(), all.target.path());
+    disarm();
+    return std::string(image.view()) + checked.problems.at(0).what() + all.target.content();
 }
 
 std::string load(const char* name) {
@@ -181,8 +176,9 @@ TEST(AllocationFault, ReachesTheCallerAndLeavesNothingBehind) {
         {"build by class", [&] { return buildByClass(all); }},
         {"load", [&] { return load(all.image.path()); }},
         {"load nothing", [&] { return load("/no/such/image"); }},
-        {"open", [&] { return openByClass(all, DICTIONARY_OPEN_MAP); }},
-        {"open a copy", [&] { return openByClass(all, DICTIONARY_OPEN_COPY); }},
+        {"open", [&] { return openByClass(all, dictionary::OpenMode::map); }},
+        {"open a copy", [&] { return openByClass(all, dictionary::OpenMode::copy); }},
+        {"open a shared one", [&] { return openByClass(all, dictionary::OpenMode::share); }},
         {"lookup", lookup(all, false)},
         {"reverse lookup", lookup(all, true)},
         {"queries", queries(*static_cast<CDictionayApp*>(all.handle.get()))},

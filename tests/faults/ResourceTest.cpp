@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "DATChecked.h"
 #include "DATInterface.h"
-#include "DATMatch.h"
+#include "Dictionary.h"
 #include "Faults.h"
 #include "TemporaryFile.h"
 
@@ -54,27 +53,29 @@ void expectKept(const char* name, int times, Kept kept, const Action& action) {
 }
 
 void searchManyTimes(void* handle) {
-    DictionaryMatches matches = {nullptr, 0, 0};
-    for (int i = 0; i < 50; ++i) {
-        freeResult(search(kText, handle, true));
-        dictionaryFind(handle, DICTIONARY_FIND_ALL, DICTIONARY_UNIT_BYTE, kText, sizeof kText - 1,
-                       &matches);
-    }
-    dictionaryReleaseMatches(&matches);
+    for (int i = 0; i < 50; ++i) freeResult(search(kText, handle, true));
     destroyBin(handle);
 }
 
+void findManyTimes(DictionaryHandle* handle) {
+    DictionaryMatches matches = {};
+    for (int i = 0; i < 50; ++i) {
+        dictionaryFindMatches(handle, nullptr, {kText, sizeof kText - 1}, &matches, nullptr);
+    }
+    dictionaryFreeMatches(&matches);
+    searchManyTimes(handle);
+}
+
 TEST(Resource, StayAsTheyAreOverLoadsAndSearches) {
-    const std::string source = "ab\t1\n中文\t2\n";
-    const TemporaryFile image, empty;
-    dictionaryBuildBytes(source.data(), source.size(), image.path(), nullptr, nullptr);
+    const TemporaryFile source("ab\t1\n中文\t2\n"), image, empty;
+    dictionaryBuildFile(source.path(), image.path(), nullptr, nullptr, nullptr);
     expectKept("loadBin", rounds(), {0, 0}, [&] { searchManyTimes(loadBin(image.path())); });
-    for (const int mode : {DICTIONARY_OPEN_MAP, DICTIONARY_OPEN_COPY}) {
-        expectKept("dictionaryOpen", rounds(), {0, 0},
-                   [&] { searchManyTimes(dictionaryOpen(image.path(), mode, nullptr)); });
+    for (const int mode : {DICTIONARY_OPEN_MAP, DICTIONARY_OPEN_COPY, DICTIONARY_OPEN_SHARE}) {
+        expectKept("dictionaryOpenFile", rounds(), {0, 0},
+                   [&] { findManyTimes(dictionaryOpenFile(image.path(), mode, nullptr)); });
     }
     expectKept("refused image", rounds(), {0, 0},
-               [&] { dictionaryOpen(empty.path(), 0, nullptr); });
+               [&] { dictionaryOpenFile(empty.path(), DICTIONARY_OPEN_MAP, nullptr); });
     expectKept("missing image", rounds(), {0, 0}, [] { destroyBin(loadBin("/no/such/image")); });
     expectKept("failed mapping", kFewRounds, {0, 1}, [&] { destroyBin(loadBin(empty.path())); });
 }
@@ -82,9 +83,9 @@ TEST(Resource, StayAsTheyAreOverLoadsAndSearches) {
 TEST(Resource, StayAsTheyAreOverBuilds) {
     const TemporaryFile good("ab\t1\n"), bad("ab\t1\nnone\n"), image;
     expectKept("checked", rounds() / kBuildsIn, {0, 0},
-               [&] { dictionaryBuild(good.path(), image.path(), nullptr, nullptr); });
+               [&] { dictionaryBuildFile(good.path(), image.path(), nullptr, nullptr, nullptr); });
     expectKept("refused", rounds() / kBuildsIn, {0, 0},
-               [&] { dictionaryBuild(bad.path(), image.path(), nullptr, nullptr); });
+               [&] { dictionaryBuildFile(bad.path(), image.path(), nullptr, nullptr, nullptr); });
     expectKept("plain", kFewRounds, {0, 1}, [&] { buildTree(good.path(), image.path()); });
     // The record reader keeps itself, its three buffers and its source.
     expectKept("stopped", kFewRounds, {4, 1}, [&] { buildTree(bad.path(), image.path()); });

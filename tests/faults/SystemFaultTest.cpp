@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <map>
 
-#include "DATChecked.h"
 #include "DATInterface.h"
+#include "Dictionary.h"
 #include "Faults.h"
 #include "TemporaryFile.h"
 
@@ -24,7 +24,9 @@ constexpr int kErrors[] = {EIO, ENOSPC, EINTR, EMFILE, ENOMEM, kShort};
 struct Place {
     Place() {
         std::ofstream(source) << kSource;
-        dictionaryBuildBytes(kOldSource, sizeof kOldSource - 1, image.c_str(), nullptr, nullptr);
+        std::ofstream(image + ".source") << kOldSource;
+        dictionaryBuildFile((image + ".source").c_str(), image.c_str(), nullptr, nullptr, nullptr);
+        fs::remove(image + ".source");
         old = imageBytes();
     }
     ~Place() { fs::remove_all(path); }
@@ -75,25 +77,18 @@ void expectOutcomes(const Row& row, const Operation& operation) {
 
 // R for the source and W for the image.
 char build(const Place& place, const std::string& whole, int error) {
-    DictionaryProblem told = {};
-    DictionaryBuildOptions options = {};
-    options.size = sizeof options;
-    options.context = &told;
-    options.onProblem = [](void* context, const DictionaryProblem* problem) {
-        *static_cast<DictionaryProblem*>(context) = *problem;
-    };
+    DictionaryError told;
     const int result =
-        dictionaryBuild(place.source.c_str(), place.image.c_str(), &options, nullptr);
+        dictionaryBuildFile(place.source.c_str(), place.image.c_str(), nullptr, nullptr, &told);
     disarm();
-    const bool isBuilt = result == DICTIONARY_BUILT;
-    EXPECT_EQ(result, isBuilt ? DICTIONARY_BUILT : DICTIONARY_NOT_BUILT);
+    const bool isBuilt = result == DICTIONARY_OK;
     EXPECT_TRUE(place.imageBytes() == (isBuilt ? whole : place.old));
     EXPECT_EQ(place.fileCount(), 2) << "an unfinished image was left";
     fs::resize_file(place.image, 0);
     std::ofstream(place.image, std::ios::binary) << place.old;
     if (isBuilt) return '.';
     EXPECT_EQ(told.systemError, error);
-    return told.code == DICTIONARY_PROBLEM_CANNOT_READ ? 'R' : 'W';
+    return told.code == DICTIONARY_CANNOT_READ ? 'R' : 'W';
 }
 
 TEST(SystemFault, CheckedBuildsTellWhatFailedAndLeaveTheOldImage) {
@@ -104,7 +99,7 @@ TEST(SystemFault, CheckedBuildsTellWhatFailedAndLeaveTheOldImage) {
     std::string whole;
     {
         const Place other;
-        dictionaryBuild(place.source.c_str(), other.image.c_str(), nullptr, nullptr);
+        dictionaryBuildFile(place.source.c_str(), other.image.c_str(), nullptr, nullptr, nullptr);
         whole = other.imageBytes();
     }
     for (const Row& row : rows) {
@@ -114,13 +109,13 @@ TEST(SystemFault, CheckedBuildsTellWhatFailedAndLeaveTheOldImage) {
 
 // U for an image that cannot be read, M for too little memory.
 char openImage(const std::string& name, int mode, int error) {
-    DictionaryImageFault fault;
-    void* const handle = dictionaryOpen(name.c_str(), mode, &fault);
-    destroyBin(handle);
-    EXPECT_EQ(handle == nullptr, fault.code != DICTIONARY_IMAGE_OK);
+    DictionaryError told;
+    DictionaryHandle* const handle = dictionaryOpenFile(name.c_str(), mode, &told);
+    dictionaryClose(handle);
+    EXPECT_EQ(handle == nullptr, told.code != DICTIONARY_OK);
     if (handle != nullptr) return '.';
-    EXPECT_EQ(fault.systemError, error);
-    EXPECT_EQ(fault.code == DICTIONARY_IMAGE_NO_MEMORY, error == ENOMEM);
+    EXPECT_EQ(told.systemError, error);
+    EXPECT_EQ(told.code, error == ENOMEM ? DICTIONARY_NO_MEMORY : DICTIONARY_CANNOT_READ);
     return 'U';
 }
 

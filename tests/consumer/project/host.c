@@ -3,9 +3,8 @@
 #include <stdio.h>
 #include <string.h>
 
-#include "DATChecked.h"
 #include "DATInterface.h"
-#include "DictionaryVersion.h"
+#include "Dictionary.h"
 
 int main(void) {
     destroyBin(NULL);
