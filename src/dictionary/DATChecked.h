@@ -196,7 +196,7 @@ enum DictionaryBuildResult {
  * A file that would become larger than the process may write is an error and not the end of it.
  * With a null `imageName` the image goes to the option `onImage`. Without that, too, the source is
  * only checked, in little memory, and the result says what would become of it; then there is also a
- * warning of each record with a field that begins with ";" behind another one, which looks like
+ * warning of each record with a field that begins with ";" after another one, which looks like
  * data of a key that comes twice. All problems of the source are told, in its order; behind the
  * first error nothing is built any more. `options` may be null. Returns one of
  * DictionaryBuildResult. */

@@ -90,7 +90,7 @@ void SourceCheck::examineText(const SourceRecord& record, std::size_t keySize) {
     if (nul != kNone) add(DICTIONARY_NUL, nul);
 }
 
-// The data of a key that comes more than once is joined by ";", which stands where a field could
+// The data of a key that comes more than once is joined by ";", which is then where a field could
 // begin.
 void SourceCheck::examineFields(std::string_view text, std::size_t keySize) {
     const std::size_t separatorSize = m_join.size() - 1;

@@ -27,10 +27,10 @@ public:
     // Whether records are lines, which may end in a carriage return by mistake.
     explicit SourceCheck(bool recordsAreLines) : m_recordsAreLines(recordsAreLines) {}
 
-    // Makes findings of fields that begin with ";" behind another one, too.
+    // Makes findings of fields that begin with ";" after another one, too.
     void lookForJoins(std::string fieldSeparator) { m_join = std::move(fieldSeparator) + ';'; }
 
-    // Takes off what Windows puts in front of the first record and behind each line.
+    // Takes off what Windows puts before the first record and after each line.
     void takeOffWindowsMarks(SourceRecord& record) const;
 
     // Examines a record whose field separator stands at `keySize`, npos when there is none. What

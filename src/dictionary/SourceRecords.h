@@ -16,7 +16,7 @@ namespace Dictionary {
 struct SourceRecord {
     std::string_view text;     // without the separator; empty of a record that is too long
     std::uint64_t number = 0;  // from 1
-    std::size_t skipped = 0;   // bytes in front of the text that are no part of it
+    std::size_t skipped = 0;   // bytes before the text that are no part of it
     bool tooLong = false;
     bool finished = false;  // a separator follows
 };

@@ -54,8 +54,9 @@ constexpr char kBuildDetails[] =
     "no terminal.";
 
 constexpr char kLintDetails[] =
-    "\nNothing is written, and the exit status is that of building. Fields that begin with \";\"\n"
-    "behind another one are warned of, as they look like data of a key that comes twice.";
+    "\nNothing is written, and the exit status is that of building. A field that begins with "
+    "\";\"\n"
+    "after another one gets a warning, as it looks like data of a key that comes twice.";
 
 // One run of the library's build, and what it is told.
 struct Build {
@@ -78,7 +79,7 @@ void onProblem(void* context, const DictionaryProblem* problem) {
            dictionaryProblemName(problem->code), problem->text);
 }
 
-// Behind the last step of placement there is an unfinished file to clean up.
+// After the last step of placement there is an unfinished file to clean up.
 bool onProgress(void* context, int stage, std::uint64_t done, std::uint64_t total) {
     constexpr const char* kStages[] = {"reading", "placing", "writing"};
     Build& build = *static_cast<Build*>(context);

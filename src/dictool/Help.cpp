@@ -1,4 +1,4 @@
-// help, which users need not be told of: the same as --help.
+// help: the same as --help.
 
 #include "Help.h"
 
@@ -58,11 +58,11 @@ const CLI::App* find(const CLI::App& program, const std::string& name) {
 int run(const HelpOptions& options) {
     const CLI::App& program = *options.program;
     const bool ofProgram = options.command.empty();
-    const CLI::App* const told = ofProgram ? &program : find(program, options.command);
-    if (told == nullptr) refuse(program, options.command);
+    const CLI::App* const shown = ofProgram ? &program : find(program, options.command);
+    if (shown == nullptr) refuse(program, options.command);
     const std::string name = ofProgram ? "" : program.get_name() + " ";
-    print(told->get_formatter()->make_help(told, name + told->get_name(),
-                                           CLI::AppFormatMode::Normal));
+    print(shown->get_formatter()->make_help(shown, name + shown->get_name(),
+                                            CLI::AppFormatMode::Normal));
     return kDone;
 }
 
@@ -76,7 +76,7 @@ void checkCommand(const CLI::App& program, const std::vector<std::string>& argum
 void defineHelp(CLI::App& program, Action& action) {
     static HelpOptions options;
     options.program = &program;
-    CLI::App& command = addCommand(program, action, "help", "Tell about a command",
+    CLI::App& command = addCommand(program, action, "help", "Explain a command",
                                    "Without a COMMAND, about the program.", options, run);
     command.group("");
     addText(command, "COMMAND", options.command, "The command");

@@ -22,13 +22,13 @@ constexpr char kDetails[] =
     "Exit status: 0 found or done; 1 nothing found, or different; 2 wrong usage, or a file\n"
     "cannot be read or written; 3 done, but keys were refused; 4 not a sound image; 130 a build\n"
     "was ended by a signal; 141 nobody reads the output.\n"
-    "'dictool help COMMAND' tells more about a command.";
+    "'dictool help COMMAND' explains a command.";
 
 // Says how to name a file that looks like options.
 std::string adviceFor(const std::vector<std::string>& arguments) {
     for (const std::string& text : arguments) {
         if (text.size() > 1 && text.front() == '-' && ::access(text.c_str(), F_OK) == 0) {
-            return "write the file " + text + " as ./" + text + " or behind --";
+            return "write the file " + text + " as ./" + text + " or after --";
         }
     }
     return "";

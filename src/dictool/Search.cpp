@@ -17,7 +17,7 @@ constexpr char kDetails[] =
     "followed by a tab, or with -d: key, \"/\", position, \":\", data, tab. Bytes that are no "
     "UTF-8\n"
     "are passed over. --classic writes what the library's function search returns, which reads a\n"
-    "line up to the first such byte or NUL and misses keys in front of a character above U+FFFF.\n"
+    "line up to the first such byte or NUL and misses keys before a character above U+FFFF.\n"
     "\ntsv: one line per match: the number of its line, start, length, key and the data fields.\n"
     "json: one line per line, {\"line\":N,\"matches\":[{\"start\":..,\"length\":..,\"key\":..,\n"
     "\"data\":[..]},..]}. Lines are numbered through all files; positions count from 0.\n"

@@ -350,7 +350,7 @@ class Dictool(unittest.TestCase):
         for arguments, advice in ((["buidl"], "there is no command 'buidl'; did you mean 'build'?"),
                                   (["help", "quux"], "there is no command 'quux'; see"),
                                   (["build", "-x.tsv", "o.bin"], "IMAGE is required; write the file "
-                                   "-x.tsv as ./-x.tsv or behind --"),
+                                   "-x.tsv as ./-x.tsv or after --"),
                                   (["lint", "x", "--max-problems", "0"], "--max-problems: Value 0 not "
                                    "in range 1 to 4294967295;")):
             self.assertRefused(run(*arguments), TROUBLE, "error usage: " + advice)
