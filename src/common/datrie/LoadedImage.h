@@ -31,7 +31,7 @@ protected:
 private:
     inline static const char kMark = 0;
 
-    const void* const m_mark = &kMark;
+    [[maybe_unused]] const void* const m_mark = &kMark;
     const void* const m_image;
     const Destroy m_destroy;
 };
