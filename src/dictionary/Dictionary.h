@@ -398,11 +398,16 @@ typedef struct DictionarySegmenterOptions {
     double unknownCost; /* with WEIGHTS_COSTS alone */
 } DictionarySegmenterOptions;
 
-/* A segmenter for DICTIONARY_FIND_WEIGHTED: of all ways to cut a text into keys and single unknown
- * characters it finds the one of the least total cost, of several the one whose first word is
- * longer, and so on. The sums are made from the end of the text, in double precision. Every key
- * must have the field, and a number in it. It takes 8 bytes per distinct data text. The handle must
- * stay open. */
+/* A segmenter for DICTIONARY_FIND_WEIGHTED: of all ways to cut a text into keys and unknown
+ * characters, which are those where no key begins, it finds the one of the least total cost, of
+ * several the one whose first word is longer, and so on. The sums are made from the end of the
+ * text, in double precision.
+ *
+ * Every key must have the field, and a number in it; the error names a key that has not. In a set,
+ * a key of several images counts once, as the last of them has it. A segmenter takes 8 bytes per
+ * distinct data text, and two bits per 4 to 8 bytes of those. A text takes one byte per byte while
+ * it is segmented, and some hundred kilobytes. The handle must stay open. Null options read counts
+ * from the first field. */
 DICTIONARY_EXPORT DictionarySegmenter* dictionaryMakeSegmenter(
     const DictionaryHandle* handle, const DictionarySegmenterOptions* options,
     DictionaryError* error);

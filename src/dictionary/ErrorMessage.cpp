@@ -1,85 +1,18 @@
 // The words of an error record in one line.
 
-#include <algorithm>
-#include <cinttypes>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <string_view>
 
 #include "Dictionary.h"
 #include "Errors.h"
-#include "Utf8Decoder.h"
+#include "EscapedLine.h"
 
 namespace Dictionary {
 
 namespace {
 
-// Puts a line together in a buffer that may be too small for it, and counts all of it.
-class Line {
-public:
-    Line(char* buffer, std::size_t size) : m_buffer(buffer), m_size(buffer == nullptr ? 0 : size) {}
-
-    void add(std::string_view bytes) {
-        for (const char byte : bytes) {
-            if (m_length + 1 < m_size) m_buffer[m_length] = byte;
-            ++m_length;
-        }
-    }
-
-    void addNumber(const char* before, std::int64_t number) {
-        char digits[32];
-        std::snprintf(digits, sizeof digits, "%" PRId64, number);
-        add(before);
-        add(digits);
-    }
-
-    // What is not printable becomes \x and two digits.
-    void addEscaped(std::string_view text) {
-        decodeAllUtf8(text.data(), text.size(), kIllegal,
-                      [&](std::int32_t code, std::size_t start, std::uint32_t length) {
-                          const std::string_view character = text.substr(start, length);
-                          isPrintable(code) ? add(character) : addInDigits(character);
-                      });
-    }
-
-    // Ends the line with a NUL, not inside a character, and returns its whole length.
-    std::size_t finish() {
-        if (m_size == 0) return m_length;
-        std::size_t end = std::min(m_length, m_size - 1);
-        if (end < m_length) end = wholeCharacters(end);
-        m_buffer[end] = '\0';
-        return m_length;
-    }
-
-private:
-    static constexpr std::int32_t kIllegal = -1;
-
-    static bool isPrintable(std::int32_t code) {
-        constexpr std::int32_t kDelete = 0x7F, kFirstAfterControls = 0xA0;
-        return (code >= ' ' && code < kDelete) || code >= kFirstAfterControls;
-    }
-
-    void addInDigits(std::string_view bytes) {
-        for (const char byte : bytes) {
-            char digits[8];
-            std::snprintf(digits, sizeof digits, "\\x%02X", static_cast<unsigned char>(byte));
-            add(digits);
-        }
-    }
-
-    // How many of the first `end` bytes are whole characters.
-    std::size_t wholeCharacters(std::size_t end) const {
-        return decodeUtf8(m_buffer, end, [](std::int32_t, std::size_t, std::uint32_t) {});
-    }
-
-    char* m_buffer;
-    std::size_t m_size;
-    std::size_t m_length = 0;
-};
-
-void addPlace(const DictionaryError& error, Line& line) {
+void addPlace(const DictionaryError& error, EscapedLine& line) {
     const char* separator = "";
     if (error.path != nullptr) {
         line.addEscaped(error.path);
@@ -93,7 +26,7 @@ void addPlace(const DictionaryError& error, Line& line) {
     if (*separator != '\0') line.add(": ");
 }
 
-void addSystemReason(int systemError, Line& line) {
+void addSystemReason(int systemError, EscapedLine& line) {
     if (systemError == 0) return;
     char room[128];
     line.add(": ");
@@ -105,7 +38,7 @@ void addSystemReason(int systemError, Line& line) {
 }  // namespace Dictionary
 
 size_t dictionaryErrorMessage(const DictionaryError* error, char* buffer, size_t size) {
-    Dictionary::Line line(buffer, size);
+    Dictionary::EscapedLine line(buffer, size);
     if (error == nullptr) return line.finish();
     Dictionary::addPlace(*error, line);
     line.add(dictionaryCodeName(error->code));

@@ -6,6 +6,7 @@
 
 #include "Errors.h"
 #include "Handle.h"
+#include "Segmenter.h"
 
 namespace Dictionary {
 
@@ -36,6 +37,8 @@ void requireRight(const DictionaryHandle& handle, const DictionaryFindOptions& o
         {isUnit(options.unit), "the unit is none of DictionaryUnit"},
         {weighted == (options.segmenter != nullptr),
          "a segmenter goes with the mode WEIGHTED, and with no other"},
+        {!weighted || options.segmenter == nullptr || options.segmenter->handle == &handle,
+         "the segmenter was made for another handle"},
         {!options.unknownPieces || segments(options.mode),
          "unknownPieces goes with the modes SEGMENT and WEIGHTED alone"},
         {!options.joinedRuns || segments(options.mode),
@@ -44,9 +47,6 @@ void requireRight(const DictionaryHandle& handle, const DictionaryFindOptions& o
              options.mode == DICTIONARY_FIND_LONGEST || options.mode == DICTIONARY_FIND_PREFIXES,
          "everyImage goes with the modes ALL, LONGEST and PREFIXES alone"},
         // What this version does not do yet.
-        {!weighted, "the mode WEIGHTED is not available"},
-        {!options.unknownPieces, "unknownPieces is not available"},
-        {!options.joinedRuns, "joinedRuns is not available"},
         {!options.wholeWords, "wholeWords is not available"},
         {handle.images.size() == 1, "several images cannot be searched at once"},
     };

@@ -6,6 +6,7 @@
 #include "EncodedText.h"
 #include "KeyScan.h"
 #include "LabelText.h"
+#include "PieceFind.h"
 #include "TextSearch.h"
 #include "TextUnits.h"
 #include "Utf8Text.h"
@@ -61,11 +62,6 @@ bool visitLongest(const TextFind& find, const MatchTaker& taker) {
                    [](const auto&... given) { return scanLongestKeys(given...); });
 }
 
-bool visitSegments(const TextFind& find, const MatchTaker& taker) {
-    return visitBy(find, LabelText(find.text), taker,
-                   [](const auto&... given) { return scanSegments(given...); });
-}
-
 bool visitPrefixes(const TextFind& find, const MatchTaker& taker) {
     return visitBy(find, LabelText(find.text), taker,
                    [](const auto&... given) { return scanPrefixes(given...); });
@@ -102,11 +98,6 @@ void listLongest(const TextFind& find, MatchList& list) {
     });
 }
 
-void listSegments(const TextFind& find, MatchList& list) {
-    listBy(find, EncodedText::kPassOver, list,
-           [](const TextSearch& search, const auto& found) { search.forEachSegment(found); });
-}
-
 void listClassic(const TextFind& find, MatchList& list) {
     listBy(find, EncodedText::kStopAtIllegal, list,
            [](const TextSearch& search, const auto& found) {
@@ -123,17 +114,23 @@ void listVisited(const TextFind& find, MatchList& list) {
     visit(find, {add, &list});
 }
 
+void listSegments(const TextFind& find, MatchList& list) {
+    if (find.options.unknownPieces) return listVisited<visitSegments>(find, list);
+    listBy(find, EncodedText::kPassOver, list,
+           [](const TextSearch& search, const auto& found) { search.forEachSegment(found); });
+}
+
 struct Mode {
     void (*list)(const TextFind&, MatchList&);
     bool (*visit)(const TextFind&, const MatchTaker&);
 };
 
-// By number; that of WEIGHTED is refused before.
+// By number.
 constexpr Mode kModes[] = {
     {listAll, visitAll},
     {listLongest, visitLongest},
     {listSegments, visitSegments},
-    {nullptr, nullptr},
+    {listVisited<visitCheapest>, visitCheapest},
     {listVisited<visitPrefixes>, visitPrefixes},
     {listClassic, visitClassic},
 };

@@ -179,6 +179,10 @@ public:
         __builtin_prefetch(m_features + offset);
         __builtin_prefetch(m_features + offset + kCacheLine);
     }
+    // All records, one after the other.
+    std::string_view featureArea() const {
+        return {m_features, static_cast<std::size_t>(featureBytesOf(headerOf(m_cells.bytes())))};
+    }
 
 private:
     CellView m_cells;

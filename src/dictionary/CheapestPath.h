@@ -1,0 +1,120 @@
+// Helper, not installed: the cheapest way to cut a text into keys and unknown characters.
+
+#ifndef DICTIONARY_CHEAPEST_PATH_H
+#define DICTIONARY_CHEAPEST_PATH_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "EncodedText.h"
+#include "ImageFormat.h"
+#include "Utf8Text.h"
+#include "Walk.h"
+#include "Weights.h"
+
+namespace Dictionary {
+
+// The images to segment with and their weights. Where a stretch is a key of several, the last one
+// counts.
+struct WeightedImage {
+    ImageView image;
+    Weights weights;
+};
+struct WeightedImages {
+    std::vector<WeightedImage> images;
+    double unknownWeight = 0;  // of a character where no key begins
+};
+
+// Cuts texts, one after the other. Beside the text it takes one byte for each of its bytes, and a
+// constant.
+class CheapestPath {
+public:
+    explicit CheapestPath(const WeightedImages& images) : m_images(images) {}
+
+    // Cuts `text`, which must last as long as its pieces are asked for.
+    void cut(std::string_view text);
+
+    // Calls `found(start, end, image, feature)` for the keys of the path by their bytes, in their
+    // order, until it returns false; false then.
+    template <class Found>
+    bool forEachKey(Found found) const;
+
+private:
+    // What begins at a byte: a key of so many bytes, or something else.
+    static constexpr std::uint8_t kNoKey = 0;
+    static constexpr std::uint8_t kLongKey = 255;
+
+    struct LongKey {
+        std::size_t start;
+        std::size_t bytes;
+    };
+    // A key that begins at the label in question.
+    struct Edge {
+        std::size_t end;
+        double weight;
+    };
+
+    bool cutInWindows();
+    std::size_t windowStart(std::size_t end) const;
+    bool cutWindow(std::size_t start, std::size_t end);
+    bool cutAt(const EncodedText& labels, std::size_t from, std::size_t start);
+    template <class Found>
+    bool forEachEdge(const EncodedText& labels, std::size_t from, Found found);
+    void mergeEdge(const Edge& edge);
+    void note(std::size_t start, std::size_t bytes);
+
+    template <class Found>
+    bool findKey(std::string_view key, Found found) const;
+
+    const WeightedImages& m_images;
+    std::string_view m_text;
+    std::size_t m_lookahead = 0;
+    std::vector<std::uint8_t> m_keys;  // by the byte at which they begin
+    std::vector<LongKey> m_longKeys;   // from the last one to the first
+    std::vector<double> m_scores;      // by label of the window, of the best path to the end
+    std::vector<double> m_laterScores;
+    std::vector<Edge> m_edges;
+};
+
+// Calls `found(image, feature)` for the key in the last of the images that has it.
+template <class Found>
+bool CheapestPath::findKey(std::string_view key, Found found) const {
+    const Utf8LabelText text(key.data(), key.size());
+    bool going = true;
+    for (std::size_t i = m_images.images.size(), done = 0; i-- > done;) {
+        lookUp(m_images.images[i].image.cells(), text, kNoAlphabet, [&](std::int32_t feature) {
+            going = found(static_cast<std::uint32_t>(i), feature);
+            done = i;
+        });
+    }
+    return going;
+}
+
+template <class Found>
+bool CheapestPath::forEachKey(Found found) const {
+    std::size_t longKeys = m_longKeys.size();
+    for (std::size_t start = 0; start < m_text.size();) {
+        std::size_t bytes = m_keys[start];
+        if (bytes == kNoKey) {
+            ++start;
+            continue;
+        }
+        if (bytes == kLongKey) {
+            while (m_longKeys[longKeys - 1].start < start) --longKeys;
+            bytes = m_longKeys[longKeys - 1].bytes;
+        }
+        const std::size_t end = start + bytes;
+        const auto foundHere = [&](std::uint32_t image, std::int32_t feature) {
+            return found(start, end, image, feature);
+        };
+        if (!findKey(m_text.substr(start, bytes), foundHere)) return false;
+        start = end;
+    }
+    return true;
+}
+
+}  // namespace Dictionary
+
+#endif

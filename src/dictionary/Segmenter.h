@@ -1,0 +1,14 @@
+// Helper, not installed: what a DictionarySegmenter is.
+
+#ifndef DICTIONARY_SEGMENTER_H
+#define DICTIONARY_SEGMENTER_H
+
+#include "CheapestPath.h"
+#include "Dictionary.h"
+
+struct DictionarySegmenter {
+    const DictionaryHandle* const handle;  // with no other one
+    const Dictionary::WeightedImages weighted;
+};
+
+#endif

@@ -1,0 +1,79 @@
+// Helper, not installed: what the keys of an image weigh in a segmentation.
+
+#ifndef DICTIONARY_WEIGHTS_H
+#define DICTIONARY_WEIGHTS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "ImageFormat.h"
+
+namespace Dictionary {
+
+// Calls `use(offset, bytes)` for every record of a sound feature area, with its size.
+template <class Use>
+void forEachRecord(std::string_view area, Use use) {
+    for (std::size_t offset = 0, bytes; offset < area.size(); offset += bytes) {
+        const RecordLength length = recordLengthAt(area.data() + offset);
+        bytes = kRecordLengthBytes + static_cast<std::size_t>(length);
+        use(offset, bytes);
+    }
+}
+
+// Numbers the records of a feature area from 0, in their order. Takes two bits per slot, which is
+// the largest power of two of bytes that no record is smaller than.
+class RecordNumbers {
+public:
+    explicit RecordNumbers(std::string_view area);
+
+    std::size_t count() const { return m_count; }
+
+    // Of the record that begins at byte `offset` of the area.
+    std::size_t of(std::int32_t offset) const {
+        const std::uint32_t slot = static_cast<std::uint32_t>(offset) >> m_shift;
+        const Block& block = m_blocks[slot / kSlots];
+        const std::uint32_t before = (std::uint32_t{1} << slot % kSlots) - 1;
+        return block.recordsBefore + onesIn(block.begins & before);
+    }
+
+private:
+    struct Block {
+        std::uint32_t begins;  // one bit per slot: a record begins there
+        std::uint32_t recordsBefore;
+    };
+    static constexpr std::uint32_t kSlots = 32;
+
+    // In parallel, as the least of the processors has no instruction for it.
+    static std::uint32_t onesIn(std::uint32_t bits) {
+        bits -= bits >> 1 & 0x55555555u;
+        bits = (bits & 0x33333333u) + (bits >> 2 & 0x33333333u);
+        return ((bits + (bits >> 4)) & 0x0F0F0F0Fu) * 0x01010101u >> 24;
+    }
+
+    unsigned m_shift = 0;
+    std::size_t m_count = 0;
+    std::vector<Block> m_blocks;
+};
+
+// One weight per data text of an image. The sum of the weights on a path is its score, and the path
+// of the greatest score is the cheapest one.
+class Weights {
+public:
+    // All weights are 0.
+    explicit Weights(const ImageView& image);
+
+    double of(std::int32_t feature) const { return m_weights[m_numbers.of(feature)]; }
+
+    const RecordNumbers& numbers() const { return m_numbers; }
+    std::vector<double>& values() { return m_weights; }
+
+private:
+    RecordNumbers m_numbers;
+    std::vector<double> m_weights;
+};
+
+}  // namespace Dictionary
+
+#endif
