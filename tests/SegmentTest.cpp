@@ -4,38 +4,16 @@
 
 #include <functional>
 #include <limits>
-#include <map>
-#include <memory>
-#include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "Dictionary.h"
-#include "LookupModel.h"
-#include "TemporaryFile.h"
+#include "SegmentModel.h"
 
 namespace {
 
-using Words = std::map<std::string, std::string>;  // from key to data fields
-using Characters = std::vector<std::string>;
 using Pieces = std::vector<DictionaryMatch>;
-
-// Keys as the modern interface has them, of all planes.
-class LabelCoder : public Dictionary::CUTF8Coder {
-public:
-    int encodeString(const char* text, std::vector<int>& codes,
-                     std::vector<Dictionary::SPOS>& positions, int length) override {
-        std::vector<int> characters;
-        CUTF8Coder::encodeString(text, characters, positions, length);
-        for (const int code : characters) {
-            if (code >= 0x10000) codes.push_back(0xD800 + ((code - 0x10000) >> 10));
-            codes.push_back(code < 0x10000 ? code : 0xDC00 + (code & 0x3FF));
-        }
-        positions.resize(codes.size());
-        return 1;
-    }
-};
 
 DictionaryText textOf(const std::string& text) {
     return {text.data(), text.size()};
@@ -44,19 +22,10 @@ DictionaryText textOf(const std::string& text) {
 // An open dictionary with what a test wants of it.
 class Subject {
 public:
-    explicit Subject(const Words& words) {
-        Words pairs;
-        for (const auto& [key, data] : words) pairs[key] = data + '\t';
-        LabelCoder coder;
-        std::unique_ptr<LookupImage> image;
-        printedBy([&] { image = std::make_unique<LookupImage>(coder, pairs, false); });
-        const std::string bytes = image->bytes();
-        m_handle = dictionaryOpenBytes(textOf(bytes), DICTIONARY_OPEN_COPY, nullptr);
-    }
+    explicit Subject(const Words& words) : m_handle(imageOf(words)) {}
     Subject(const Subject&) = delete;
     ~Subject() {
         dictionaryFreeSegmenter(m_segmenter);
-        dictionaryClose(m_handle);
         dictionaryFreeMatches(&m_matches);
         dictionaryFreeReplacement(&m_replacement);
     }
@@ -65,7 +34,7 @@ public:
     DictionaryError weigh(int weights, unsigned field, double unknownCost = 0) {
         const DictionarySegmenterOptions options = {sizeof options, weights, field, unknownCost};
         DictionaryError error;
-        m_segmenter = dictionaryMakeSegmenter(m_handle, &options, &error);
+        m_segmenter = dictionaryMakeSegmenter(m_handle.get(), &options, &error);
         EXPECT_EQ(m_segmenter == nullptr, error.code != DICTIONARY_OK);
         return error;
     }
@@ -84,7 +53,7 @@ public:
     const DictionaryMatches& find(const std::string& text, int unit, bool joinedRuns = false) {
         const DictionaryFindOptions chosen = options(unit, joinedRuns);
         DictionaryError error;
-        dictionaryFindMatches(m_handle, &chosen, textOf(text), &m_matches, &error);
+        dictionaryFindMatches(m_handle.get(), &chosen, textOf(text), &m_matches, &error);
         EXPECT_EQ(error.code, DICTIONARY_OK) << error.text;
         return m_matches;
     }
@@ -112,33 +81,25 @@ public:
         how.size = sizeof how;
         how.wantEdits = true;
         DictionaryError error;
-        dictionaryReplaceKeys(m_handle, &chosen, &how, textOf(text), &m_replacement, &error);
+        dictionaryReplaceKeys(m_handle.get(), &chosen, &how, textOf(text), &m_replacement, &error);
         EXPECT_EQ(error.code, DICTIONARY_OK) << error.text;
         return m_replacement;
     }
 
-    const DictionaryHandle* handle() const { return m_handle; }
+    const DictionaryHandle* handle() const { return m_handle.get(); }
 
 private:
-    DictionaryHandle* m_handle = nullptr;
+    const Handle m_handle;
     DictionarySegmenter* m_segmenter = nullptr;
     DictionaryMatches m_matches = {};
     DictionaryReplacement m_replacement = {};
 };
-
-std::string joined(const Characters& text, std::size_t from, std::size_t to) {
-    std::string bytes;
-    for (std::size_t i = from; i < to; ++i) bytes += text[i];
-    return bytes;
-}
 
 // The cheapest way to cut what follows a place, with costs that are whole numbers, and so exact.
 struct Cut {
     double cost = std::numeric_limits<double>::infinity();
     std::string pieces;
 };
-
-constexpr double kUnknownCost = 7;
 
 // Of all ways to cut the text from character `from` on, in the order of their first words, the
 // longest first.
@@ -159,7 +120,6 @@ Cut cheapestOfAll(const Words& costs, const Characters& text, std::size_t from) 
     return best;
 }
 
-const Characters kAlphabet = {"a", "b", "1", "é", "中", "国", "😀", "𠀀"};
 const Characters kBesides = {"\xFF", "\xE4\xB8", "\xF0\x9F\x98", std::string(1, '\0'), "z"};
 
 class Random {
@@ -210,39 +170,13 @@ TEST(Segment, FindsTheCheapestOfAllCuts) {
     }
 }
 
-// The same for long texts: all cuts of what follows a place are known by the best of them.
-std::string cheapestOfLong(const Words& costs, const Characters& text, std::size_t longest) {
-    std::vector<double> best(text.size() + 1);
-    std::vector<std::size_t> ends(text.size());
-    std::vector<bool> isKey(text.size());
-    for (std::size_t from = text.size(); from-- > 0;) {
-        best[from] = kUnknownCost + best[from + 1];
-        ends[from] = from + 1;
-        for (std::size_t to = from + 1; to <= std::min(from + longest, text.size()); ++to) {
-            const auto found = costs.find(joined(text, from, to));
-            if (found == costs.end()) continue;
-            const double cost = std::stod(found->second) + best[to];
-            if (isKey[from] && cost > best[from]) continue;
-            isKey[from] = true;
-            best[from] = cost;
-            ends[from] = to;
-        }
-    }
-    std::string pieces;
-    for (std::size_t from = 0; from < text.size(); from = ends[from]) {
-        const std::string piece = joined(text, from, ends[from]);
-        pieces += isKey[from] ? '[' + piece + ']' : piece + '/';
-    }
-    return pieces;
-}
-
 TEST(Segment, CutsLongTextsAsOne) {
     Random random;
     const Words costs = random.words(40, [&] { return std::to_string(random.below(9)); });
     Subject subject(costs);
     subject.weigh(DICTIONARY_WEIGHTS_COSTS, 1, kUnknownCost);
     const Characters text = random.text(60'000);
-    EXPECT_EQ(subject.pieces(joined(text, 0, text.size())), cheapestOfLong(costs, text, 3));
+    EXPECT_EQ(subject.pieces(joined(text, 0, text.size())), cheapestPieces(costs, text, 3));
     // Sequences that never begin leave no place to cut a text in two but between any of them.
     const std::string rubbish(100'000, '\x80');
     EXPECT_EQ(subject.find(rubbish, DICTIONARY_UNIT_BYTE).count, rubbish.size());
@@ -264,7 +198,7 @@ TEST(Segment, FindsKeysLongerThanAnyPiece) {
 
 // A rare long word against two frequent ones, by count: 2 of 100, and 50 and 20 of 100.
 TEST(Segment, ReadsCounts) {
-    Subject subject({{"ab", "x\t2"}, {"a", "x\t50\t;y\t1"}, {"bc", "x\t28"}, {"c", "x\t20"}});
+    Subject subject({{"ab", "x\t2"}, {"a", "x\t50\na\ty\t1"}, {"bc", "x\t28"}, {"c", "x\t20"}});
     ASSERT_EQ(subject.weigh(DICTIONARY_WEIGHTS_COUNTS, 2).code, DICTIONARY_OK);
     EXPECT_EQ(subject.pieces("abc"), "[a][bc]");
     // No key begins with b alone; an unknown character counts 1.
@@ -286,7 +220,7 @@ TEST(Segment, RefusesWhatIsNoWeight) {
         const char* said;
     } kCases[] = {
         {"n", DICTIONARY_WEIGHTS_COUNTS, DICTIONARY_NO_WEIGHT, "\"中😀\" has no field 2"},
-        {"n\t;n\t7", DICTIONARY_WEIGHTS_COUNTS, DICTIONARY_NO_WEIGHT, "has no field 2"},
+        {"n\n中😀\tn\t7", DICTIONARY_WEIGHTS_COUNTS, DICTIONARY_NO_WEIGHT, "has no field 2"},
         {"n\t0.5", DICTIONARY_WEIGHTS_COUNTS, DICTIONARY_BAD_WEIGHT, "\"0.5\" in field 2"},
         {"n\t0", DICTIONARY_WEIGHTS_COUNTS, DICTIONARY_BAD_WEIGHT, "\"0\" in field 2"},
         {"n\t", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_BAD_WEIGHT, "\"\" in field 2"},
