@@ -1,47 +1,75 @@
-/* A host in C: builds an image, loads it and searches a text, all through the five functions. */
+/* A host in C: builds an image, opens it, and shows every key in a text with its place and data. */
 
 #include <stdio.h>
 #include <stdlib.h>
-#include <string.h>
 
-#include "DATInterface.h"
+#include "Dictionary.h"
 
-/* The file's bytes, NUL-terminated, to be released with free(); null when it cannot be read. */
-static char* readFile(const char* name) {
+static int fail(const DictionaryError* error) {
+    char message[512];
+    dictionaryErrorMessage(error, message, sizeof message);
+    fprintf(stderr, "%s\n", message);
+    return 1;
+}
+
+static void printProblem(void* context, const DictionaryError* problem) {
+    (void)context;
+    fail(problem);
+}
+
+static bool build(const char* source, const char* image) {
+    DictionaryBuildOptions options = {0};
+    options.size = sizeof options;
+    options.onProblem = printProblem;
+    return dictionaryBuildFile(source, image, &options, NULL, NULL) == DICTIONARY_OK;
+}
+
+/* The file's bytes, to be released with free(); null when it cannot be read. */
+static char* readFile(const char* name, size_t* size) {
     FILE* const file = fopen(name, "rb");
     if (file == NULL) return NULL;
-    char* text = NULL;
-    if (fseek(file, 0, SEEK_END) == 0) {
-        const long end = ftell(file);
-        const size_t size = end > 0 ? (size_t)end : 0;
-        rewind(file);
-        text = malloc(size + 1);
-        if (text != NULL) text[fread(text, 1, size, file)] = '\0';
-    }
+    char* bytes = NULL;
+    size_t room = 0;
+    *size = 0;
+    do {
+        room = 2 * room + 4096;
+        char* const grown = realloc(bytes, room);
+        if (grown == NULL) break;
+        bytes = grown;
+        *size += fread(bytes + *size, 1, room - *size, file);
+    } while (*size == room);
     fclose(file);
-    return text;
+    return bytes;
 }
 
-static void printKeys(const char* text, void* dictionary) {
-    char* const result = search(text, dictionary, false);
-    for (char* key = strtok(result, "\t"); key != NULL; key = strtok(NULL, "\t")) {
-        printf("%s ", key);
+/* The fields of a data text, those of one record separated by blanks, records by ";". */
+static void printFields(DictionaryText data) {
+    DictionaryField field = {{NULL, 0}, false};
+    const char* separator = "";
+    while (dictionaryNextField(&data, &field)) {
+        if (field.beginsRecord && *separator != '\0') separator = "; ";
+        printf("%s%.*s", separator, (int)field.text.size, field.text.bytes);
+        separator = " ";
     }
-    printf("\n\n");
-    freeResult(result);
 }
 
-/* An entry ends with a tab, and so does every data field: two tabs in a row end an entry, as long
- * as no data field is empty. */
-static void printKeysWithData(const char* text, void* dictionary) {
-    char* const result = search(text, dictionary, true);
-    char* entry = result;
-    for (char* end; (end = strstr(entry, "\t\t")) != NULL; entry = end + 2) {
-        *end = '\0';
-        for (char* tab = entry; (tab = strchr(tab, '\t')) != NULL;) *tab = ' ';
-        printf("%s\n", entry);
+static int printKeys(const DictionaryHandle* words, DictionaryText text) {
+    DictionaryFindOptions options = {0};
+    options.size = sizeof options;
+    options.mode = DICTIONARY_FIND_LONGEST;
+    DictionaryMatches matches = {0};
+    DictionaryError error;
+    if (dictionaryFindMatches(words, &options, text, &matches, &error) != DICTIONARY_OK) {
+        return fail(&error);
     }
-    freeResult(result);
+    for (size_t i = 0; i < matches.count; ++i) {
+        const DictionaryMatch* const match = &matches.items[i];
+        printf("%zu %.*s: ", match->start, (int)match->length, text.bytes + match->start);
+        printFields(match->data);
+        printf("\n");
+    }
+    dictionaryFreeMatches(&matches);
+    return 0;
 }
 
 int main(int argc, char** argv) {
@@ -50,21 +78,21 @@ int main(int argc, char** argv) {
         return 2;
     }
     const char* const image = argc == 4 ? argv[3] : "dictionary.bin";
+    if (!build(argv[1], image)) return 1;
 
-    /* buildTree ends the process when it cannot open the source. */
-    FILE* const source = fopen(argv[1], "rb");
-    char* const text = readFile(argv[2]);
-    if (source == NULL || text == NULL) {
-        fprintf(stderr, "%s: cannot read %s\n", argv[0], source == NULL ? argv[1] : argv[2]);
-        return 1;
+    DictionaryError error;
+    DictionaryHandle* const words = dictionaryOpenFile(image, DICTIONARY_OPEN_MAP, &error);
+    if (words == NULL) return fail(&error);
+    size_t size = 0;
+    char* const bytes = readFile(argv[2], &size);
+    int status = 1;
+    if (bytes == NULL) {
+        fprintf(stderr, "%s: cannot read %s\n", argv[0], argv[2]);
+    } else {
+        const DictionaryText text = {bytes, size};
+        status = printKeys(words, text);
     }
-    fclose(source);
-
-    buildTree(argv[1], image);
-    void* const dictionary = loadBin(image);
-    printKeys(text, dictionary);
-    printKeysWithData(text, dictionary);
-    destroyBin(dictionary);
-    free(text);
-    return 0;
+    free(bytes);
+    dictionaryClose(words);
+    return status;
 }

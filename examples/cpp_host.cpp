@@ -1,39 +1,27 @@
-// A host in C++: builds an image, reads it into memory and shows for every line of a text how it
-// falls into words, and every key that occurs in it.
+// A host in C++: builds an image, opens it and shows for every line of a text how it is segmented
+// into words, and every key that occurs in it.
 
 #include <algorithm>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
-#include <iterator>
 #include <string>
-#include <utility>
-#include <vector>
+#include <string_view>
 
-#include "DATDictionarySample.h"
-#include "DATReader.h"
+#include "Dictionary.hpp"
 
 namespace {
 
-bool buildImage(const char* source, const char* image) {
-    Dictionary::CDictionayApp app;
-    return app.buildDic(source, "\t", "\n") == 1 && app.writeBinaryDic(image) == 1;
-}
-
-void printWords(Dictionary::CDATReader& reader, const std::string& line) {
-    std::vector<Dictionary::SPOS> words;
-    reader.maxMatch(line.c_str(), words);
+void printWords(const dictionary::Image& image, const std::string& line) {
     std::cout << "\n" << line << "\n";
-    for (const auto& word : words) {
-        const auto start = static_cast<std::size_t>(word.start);
-        std::cout << "[" << line.substr(start, static_cast<std::size_t>(word.end) + 1 - start)
-                  << "]";
+    for (const auto& word : image.find(line, dictionary::FindMode::segment)) {
+        std::cout << "[" << line.substr(word.start, word.length) << "]";
     }
     std::cout << "\n";
 }
 
 // Blanks that fill a word up to a column. East Asian characters take two columns.
-std::string padding(const std::string& word) {
+std::string padding(std::string_view word) {
     constexpr std::size_t kColumn = 18;
     std::size_t width = 0;
     for (const char c : word) {
@@ -44,26 +32,34 @@ std::string padding(const std::string& word) {
     return std::string(kColumn - std::min(width, kColumn - 1), ' ');
 }
 
-// A data text without the tab that ends each of its fields; ";" sets apart those of a repeated key.
-std::string readable(std::string data) {
-    if (!data.empty()) data.pop_back();
-    for (std::size_t tab; (tab = data.find('\t')) != std::string::npos;) {
-        const bool lastField = data[tab + 1] == ';';
-        data.replace(tab, lastField ? 2 : 1, lastField ? "; " : "  ");
+// The fields of a data text; ";" separates the records of a repeated key.
+std::string readable(std::string_view data) {
+    std::string text;
+    for (const dictionary::Field& field : dictionary::fieldsOf(data)) {
+        if (!text.empty()) text += field.beginsRecord ? "; " : "  ";
+        text += field.text;
     }
-    return data;
+    return text;
 }
 
 // `offset` is where the line begins in its text.
-void printKeys(Dictionary::CDATReader& reader, const std::string& line, std::size_t offset) {
-    std::vector<std::vector<std::pair<int, std::string>>> keysByStart;
-    reader.allMatch(line.c_str(), keysByStart, false, -1);
-    for (std::size_t start = 0; start < keysByStart.size(); ++start) {
-        for (const auto& [length, data] : keysByStart[start]) {
-            const std::string word = line.substr(start, static_cast<std::size_t>(length));
-            std::cout << std::setw(8) << offset + start << "  " << word << padding(word)
-                      << readable(data) << "\n";
-        }
+void printKeys(const dictionary::Image& image, const std::string& line, std::size_t offset) {
+    image.visit(line, {}, [&](const dictionary::Match& match) {
+        const std::string word = line.substr(match.start, match.length);
+        std::cout << std::setw(8) << offset + match.start << "  " << word << padding(word)
+                  << readable(match.data) << "\n";
+    });
+}
+
+void show(const std::string& source, const std::string& text, const std::string& imageName) {
+    dictionary::buildFile(source, imageName);
+    const auto image = dictionary::Image::open(imageName);
+    std::ifstream lines(text);
+    if (!lines) throw std::runtime_error("cannot read " + text);
+    std::size_t offset = 0;
+    for (std::string line; std::getline(lines, line); offset += line.size() + 1) {
+        printWords(image, line);
+        printKeys(image, line, offset);
     }
 }
 
@@ -74,29 +70,16 @@ int main(int argc, char** argv) {
         std::cerr << "usage: " << argv[0] << " SOURCE TEXT [IMAGE]\n";
         return 2;
     }
-    const char* const image = argc == 4 ? argv[3] : "dictionary.bin";
-
-    std::ifstream text(argv[2]);
-    // buildDic ends the process when it cannot open the source.
-    const bool sourceReadable = std::ifstream(argv[1]).is_open();
-    if (!sourceReadable || !text) {
-        std::cerr << argv[0] << ": cannot read " << (sourceReadable ? argv[2] : argv[1]) << "\n";
+    try {
+        show(argv[1], argv[2], argc == 4 ? argv[3] : "dictionary.bin");
+    } catch (const dictionary::BuildError& error) {
+        for (const dictionary::Error& problem : error.problems()) {
+            std::cerr << problem.what() << "\n";
+        }
         return 1;
-    }
-    if (!buildImage(argv[1], image)) {
-        std::cerr << argv[0] << ": cannot build " << image << " from " << argv[1] << "\n";
+    } catch (const std::exception& error) {
+        std::cerr << argv[0] << ": " << error.what() << "\n";
         return 1;
-    }
-
-    std::ifstream file(image, std::ios::binary);
-    std::vector<char> bytes((std::istreambuf_iterator<char>(file)), {});
-    Dictionary::CUTF8Coder coder;
-    Dictionary::CDATReader reader(&coder, bytes.data(), false);
-
-    std::size_t offset = 0;
-    for (std::string line; std::getline(text, line); offset += line.size() + 1) {
-        printWords(reader, line);
-        printKeys(reader, line, offset);
     }
     return 0;
 }

@@ -2,7 +2,7 @@
 """Holds image_reader.py against the library: what the example hosts find, every record of a source,
 and the worked example of docs/format.md.
 
-usage: image_reader_test.py C_HOST CPP_HOST FORMAT_MD SOURCE TEXT
+usage: image_reader_test.py CLASSIC_HOST CPP_HOST FORMAT_MD SOURCE TEXT
 """
 
 import re
@@ -81,11 +81,11 @@ def check_worked_example(host, page, text):
     assert lines_of_reader() == cells.split("\n")
 
 
-def main(c_host, cpp_host, page, source, text):
-    check_longest_keys(c_host, source, text)
+def main(classic_host, cpp_host, page, source, text):
+    check_longest_keys(classic_host, source, text)
     check_words_and_all_keys(cpp_host, source, text)
     check_records(source)
-    check_worked_example(c_host, page, text)
+    check_worked_example(classic_host, page, text)
 
 
 main(*sys.argv[1:])
