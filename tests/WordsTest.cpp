@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string>
 
+#include "EncodedText.h"
 #include "Folding.h"
 #include "WordBoundary.h"
 
@@ -16,7 +17,7 @@ using namespace Dictionary;
 // The words of a text as they are cut: "|" at each place that is inside of none.
 std::string cut(const std::string& text) {
     const EncodedText encoded(text.data(), text.size(), EncodedText::kPassOver);
-    const Words words(encoded);
+    const Words<EncodedText> words(encoded);
     std::string result;
     for (std::size_t place = 0; place < encoded.size(); ++place) {
         if (encoded.isInsidePair(place)) continue;

@@ -44,7 +44,6 @@ struct BuildRequest {
         requireArgument(sources == 1, "a source is one of a path, bytes and items");
         requireArgument(target.path == nullptr || target.buffer == nullptr,
                         "a target is a path or a buffer, not both");
-        requireArgument(!options.folded, "folded is not available");
         report = {};
         report.size = sizeof report;
         if (target.buffer != nullptr) *target.buffer = {nullptr, 0};

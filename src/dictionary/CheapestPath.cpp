@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "WordBoundary.h"
+
 namespace Dictionary {
 
 namespace {
@@ -59,6 +61,12 @@ std::size_t labelsBefore(const EncodedText& labels, std::size_t place) {
     return labels.isInsidePair(low) ? low + 1 : low;
 }
 
+// The byte of what was encoded where label `place`, or its end, is.
+std::size_t byteOf(const EncodedText& labels, std::size_t place) {
+    if (place == 0) return 0;
+    return static_cast<std::size_t>(labels.span(place - 1, place, kNoFeature).end) + 1;
+}
+
 }  // namespace
 
 void CheapestPath::cut(std::string_view text) {
@@ -88,7 +96,9 @@ std::size_t CheapestPath::windowStart(std::size_t end) const {
 
 bool CheapestPath::cutWindow(std::size_t start, std::size_t end) {
     const std::size_t readEnd = nextBetweenSequences(m_text, end + m_lookahead);
-    const EncodedText labels(m_text.data() + start, readEnd - start, EncodedText::kPassOver);
+    const SetText window(m_images.images, m_text.substr(start, readEnd - start),
+                         [](const WeightedImage& weighted) { return weighted.isFolded; });
+    const EncodedText& labels = window.any();
     const std::size_t own = labelsBefore(labels, end - start);
     m_laterScores.swap(m_scores);
     m_scores.resize(labels.size() + 1);
@@ -99,17 +109,18 @@ bool CheapestPath::cutWindow(std::size_t start, std::size_t end) {
     const bool isCutOff = readEnd < m_text.size();
     for (std::size_t i = own; i-- > 0;) {
         if (labels.isInsidePair(i)) continue;
-        if (cutAt(labels, i, start) && isCutOff) return false;
+        if (cutAt(window, i, start) && isCutOff) return false;
     }
     return true;
 }
 
 // Finds the best path from label `from` of the window that begins at byte `start`. Returns whether
 // a walk ran into the end of the labels.
-bool CheapestPath::cutAt(const EncodedText& labels, std::size_t from, std::size_t start) {
+bool CheapestPath::cutAt(const SetText& window, std::size_t from, std::size_t start) {
+    const EncodedText& labels = window.any();
     double best = -std::numeric_limits<double>::infinity();
     std::size_t bestEnd = from;
-    const bool ran = forEachEdge(labels, from, [&](const Edge& edge) {
+    const bool ran = forEachEdge(window, from, start, [&](const Edge& edge) {
         const double score = edge.weight + m_scores[edge.end];
         if (score < best) return;
         best = score;
@@ -129,12 +140,18 @@ bool CheapestPath::cutAt(const EncodedText& labels, std::size_t from, std::size_
 
 // Calls `found(edge)` for every key at label `from`, shortest first, and returns as walkKeys.
 template <class Found>
-bool CheapestPath::forEachEdge(const EncodedText& labels, std::size_t from, Found found) {
+bool CheapestPath::forEachEdge(const SetText& window, std::size_t from, std::size_t start,
+                               Found found) {
     const std::vector<WeightedImage>& images = m_images.images;
     const auto walk = [&](const WeightedImage& weighted, auto use) {
+        const EncodedText& labels = window.of(weighted.isFolded);
+        const auto isInside = [&](std::size_t place) {
+            return m_wholeWords && isInsideWord(weighted, start + byteOf(labels, place));
+        };
+        if (isInside(from)) return false;
         const CellView& cells = weighted.image.cells();
         return walkKeys(cells, labels, from, [&](std::size_t end, std::uint32_t cell) {
-            if (!labels.isInsidePair(end))
+            if (!labels.isInsidePair(end) && !isInside(end))
                 use(Edge{end, weighted.weights.of(cells.featureOf(cell))});
         });
     };
@@ -146,6 +163,12 @@ bool CheapestPath::forEachEdge(const EncodedText& labels, std::size_t from, Foun
     }
     std::for_each(m_edges.begin(), m_edges.end(), found);
     return ran;
+}
+
+// Whether byte `place` of the text is inside a word.
+bool CheapestPath::isInsideWord(const WeightedImage& weighted, std::size_t place) const {
+    if (!weighted.isFolded) return Words<LabelText>(LabelText(m_text)).isInside(place);
+    return Words<FoldedText>(FoldedText(m_text)).isInside(place);
 }
 
 // Puts an edge in its place by length, or in that of an earlier image's.

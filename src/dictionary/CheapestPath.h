@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "EncodedText.h"
 #include "ImageFormat.h"
-#include "Utf8Text.h"
+#include "LabelText.h"
+#include "SetText.h"
 #include "Walk.h"
 #include "Weights.h"
 
@@ -20,6 +20,7 @@ namespace Dictionary {
 // counts.
 struct WeightedImage {
     ImageView image;
+    bool isFolded;
     Weights weights;
 };
 struct WeightedImages {
@@ -31,7 +32,9 @@ struct WeightedImages {
 // constant.
 class CheapestPath {
 public:
-    explicit CheapestPath(const WeightedImages& images) : m_images(images) {}
+    // With `wholeWords` no key begins or ends inside a word.
+    CheapestPath(const WeightedImages& images, bool wholeWords)
+        : m_images(images), m_wholeWords(wholeWords) {}
 
     // Cuts `text`, which must last as long as its pieces are asked for.
     void cut(std::string_view text);
@@ -59,9 +62,10 @@ private:
     bool cutInWindows();
     std::size_t windowStart(std::size_t end) const;
     bool cutWindow(std::size_t start, std::size_t end);
-    bool cutAt(const EncodedText& labels, std::size_t from, std::size_t start);
+    bool cutAt(const SetText& window, std::size_t from, std::size_t start);
     template <class Found>
-    bool forEachEdge(const EncodedText& labels, std::size_t from, Found found);
+    bool forEachEdge(const SetText& window, std::size_t from, std::size_t start, Found found);
+    bool isInsideWord(const WeightedImage& weighted, std::size_t place) const;
     void mergeEdge(const Edge& edge);
     void note(std::size_t start, std::size_t bytes);
 
@@ -69,6 +73,7 @@ private:
     bool findKey(std::string_view key, Found found) const;
 
     const WeightedImages& m_images;
+    const bool m_wholeWords;
     std::string_view m_text;
     std::size_t m_lookahead = 0;
     std::vector<std::uint8_t> m_keys;  // by the byte at which they begin
@@ -81,13 +86,18 @@ private:
 // Calls `found(image, feature)` for the key in the last of the images that has it.
 template <class Found>
 bool CheapestPath::findKey(std::string_view key, Found found) const {
-    const Utf8LabelText text(key.data(), key.size());
     bool going = true;
     for (std::size_t i = m_images.images.size(), done = 0; i-- > done;) {
-        lookUp(m_images.images[i].image.cells(), text, kNoAlphabet, [&](std::int32_t feature) {
+        const auto foundHere = [&](std::int32_t feature) {
             going = found(static_cast<std::uint32_t>(i), feature);
             done = i;
-        });
+        };
+        const WeightedImage& weighted = m_images.images[i];
+        if (weighted.isFolded) {
+            lookUp(weighted.image.cells(), FoldedText(key), kNoAlphabet, foundHere);
+        } else {
+            lookUp(weighted.image.cells(), LabelText(key), kNoAlphabet, foundHere);
+        }
     }
     return going;
 }

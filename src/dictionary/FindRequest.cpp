@@ -46,9 +46,8 @@ void requireRight(const DictionaryHandle& handle, const DictionaryFindOptions& o
         {!options.everyImage || options.mode == DICTIONARY_FIND_ALL ||
              options.mode == DICTIONARY_FIND_LONGEST || options.mode == DICTIONARY_FIND_PREFIXES,
          "everyImage goes with the modes ALL, LONGEST and PREFIXES alone"},
-        // What this version does not do yet.
-        {!options.wholeWords, "wholeWords is not available"},
-        {handle.images.size() == 1, "several images cannot be searched at once"},
+        {!options.wholeWords || options.mode != DICTIONARY_FIND_CLASSIC,
+         "wholeWords does not go with the mode CLASSIC"},
     };
     for (const auto& rule : rules) requireArgument(rule.isRight, rule.otherwise);
 }

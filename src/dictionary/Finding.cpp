@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <string_view>
 
 #include "CallerCallback.h"
+#include "ColumnList.h"
 #include "Dictionary.h"
 #include "Errors.h"
 #include "FindRequest.h"
@@ -33,25 +35,43 @@ void visit(const DictionaryHandle* handle, const DictionaryFindOptions* given, D
            Visitor visitor) {
     requireArgument(visitor.visit != nullptr, "the visitor is null");
     const DictionaryFindOptions options = readFindOptions(handle, given);
-    const TextFind find = {*handle->images.front(), 0, options, readText(text)};
+    const TextFind find = {*handle, options, readText(text)};
     if (!visitMatches(find, {Visitor::take, &visitor})) throw Failure{errorOf(DICTIONARY_STOPPED)};
+}
+
+// Calls `find(number, text)` for each text, and says of an error which one is at fault.
+template <class Find>
+void forEachText(const DictionaryText* texts, std::size_t count, const Find& find) {
+    requireArgument(texts != nullptr || count == 0, "the texts are null");
+    for (std::size_t i = 0; i < count; ++i) {
+        try {
+            find(i, readText(texts[i]));
+        } catch (Failure& failure) {
+            failure.error.line = i + 1;
+            throw;
+        }
+    }
 }
 
 void findInTexts(const DictionaryHandle* handle, const DictionaryFindOptions* given,
                  const DictionaryText* texts, std::size_t count, MatchList& list,
                  std::size_t* ends) {
-    requireArgument(texts != nullptr || count == 0, "the texts are null");
     requireArgument(ends != nullptr || count == 0, "the ends are null");
     const DictionaryFindOptions options = readFindOptions(handle, given);
-    for (std::size_t i = 0; i < count; ++i) {
-        try {
-            listMatches({*handle->images.front(), 0, options, readText(texts[i])}, list);
-        } catch (Failure& failure) {
-            failure.error.line = i + 1;
-            throw;
-        }
-        ends[i] = list.count();
-    }
+    forEachText(texts, count, [&](std::size_t number, std::string_view text) {
+        listMatches({*handle, options, text}, list);
+        ends[number] = list.count();
+    });
+}
+
+void findColumns(const DictionaryHandle* handle, const DictionaryFindOptions* given,
+                 const DictionaryText* texts, std::size_t count, ColumnList& columns) {
+    requireArgument(count <= std::numeric_limits<std::uint32_t>::max(),
+                    "there are more texts than columns can number");
+    const DictionaryFindOptions options = readFindOptions(handle, given);
+    forEachText(texts, count, [&](std::size_t number, std::string_view text) {
+        listColumns({*handle, options, text}, static_cast<std::uint32_t>(number), columns);
+    });
 }
 
 }  // namespace
@@ -66,7 +86,7 @@ int dictionaryFindMatches(const DictionaryHandle* handle, const DictionaryFindOp
         requireArgument(matches != nullptr, "the matches are null");
         MatchList list(*matches);
         const DictionaryFindOptions read = readFindOptions(handle, options);
-        listMatches({*handle->images.front(), 0, read, readText(text)}, list);
+        listMatches({*handle, read, readText(text)}, list);
     });
     if (code != DICTIONARY_OK && matches != nullptr) matches->count = 0;
     return code;
@@ -92,6 +112,27 @@ void dictionaryFreeMatches(DictionaryMatches* matches) {
     *matches = {nullptr, 0, 0};
 }
 
+int dictionaryFindColumns(const DictionaryHandle* handle, const DictionaryFindOptions* options,
+                          const DictionaryText* texts, size_t count, DictionaryColumns* columns,
+                          DictionaryError* error) {
+    const int code = guarded(error, [&] {
+        requireArgument(columns != nullptr, "the columns are null");
+        ColumnList list(*columns);
+        findColumns(handle, options, texts, count, list);
+    });
+    if (code != DICTIONARY_OK && columns != nullptr) columns->count = 0;
+    return code;
+}
+
+void dictionaryFreeColumns(DictionaryColumns* columns) {
+    if (columns == nullptr) return;
+    for (std::uint32_t* column :
+         {columns->text, columns->start, columns->end, columns->dataNumber, columns->image}) {
+        std::free(column);
+    }
+    *columns = {};
+}
+
 int dictionaryVisitMatches(const DictionaryHandle* handle, const DictionaryFindOptions* options,
                            DictionaryText text,
                            bool (*visitor)(void* context, const DictionaryMatch* match),
@@ -104,9 +145,7 @@ int dictionaryContainsKey(const DictionaryHandle* handle, const DictionaryFindOp
     if (contains != nullptr) *contains = false;
     return guarded(error, [&] {
         requireArgument(contains != nullptr, "the place for the answer is null");
-        readFindOptions(handle, options);
-        const std::string_view searched = readText(text);
-        *contains = std::any_of(handle->images.begin(), handle->images.end(),
-                                [&](const auto& image) { return containsKey(*image, searched); });
+        const DictionaryFindOptions read = readFindOptions(handle, options);
+        *contains = containsKey({*handle, read, readText(text)});
     });
 }

@@ -3,6 +3,7 @@
 #ifndef DICTIONARY_HANDLE_H
 #define DICTIONARY_HANDLE_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -36,9 +37,13 @@ struct DictionaryHandle final : Dictionary::LoadedImage {
 
     const Dictionary::Images images;
     const bool isSet = false;
-    bool folded = false;  // keys and texts are folded
+    const bool folded = isAnyFolded();  // keys and texts, of some image at least
 
 private:
+    bool isAnyFolded() const {
+        return std::any_of(images.begin(), images.end(),
+                           [](const auto& image) { return image->isFolded(); });
+    }
     static void close(LoadedImage* handle) { delete static_cast<DictionaryHandle*>(handle); }
 };
 

@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "CellPieces.h"
+#include "Folding.h"
 #include "ImageFormat.h"
 #include "LabelCoder.h"
 #include "StringUtil.h"
@@ -106,6 +107,7 @@ ImageBuild::ImageBuild(const DictionaryBuildOptions& options, const BuildCallbac
       m_recordSeparator(separatorOr(options.recordSeparator, "\n")),
       m_fromWindows(options.fromWindows),
       m_allowEmpty(options.allowEmpty),
+      m_isFolded(options.folded),
       m_check(m_recordSeparator == "\n"),
       m_builder(kBmpEnd) {}
 
@@ -204,7 +206,7 @@ void ImageBuild::take(SourceRecord& record) {
 // Cuts a record into fields, or into what comes to the same: in an image tabs stand between them,
 // and where these are there already, nothing is to be cut.
 void ImageBuild::cutFields(std::string_view text, std::size_t keySize) {
-    m_fields.assign(1, text.substr(0, keySize));
+    m_fields.assign(1, keyOf(text.substr(0, keySize)));
     std::string_view data = text.substr(keySize + m_fieldSeparator.size());
     const bool tabsStand = m_fieldSeparator == kDataSeparator;
     for (std::size_t end; !tabsStand && (end = data.find(m_fieldSeparator)) != data.npos;) {
@@ -212,6 +214,13 @@ void ImageBuild::cutFields(std::string_view text, std::size_t keySize) {
         data.remove_prefix(end + m_fieldSeparator.size());
     }
     m_fields.push_back(data);
+}
+
+// The key as the table is to have it, valid until the next call.
+std::string_view ImageBuild::keyOf(std::string_view text) {
+    if (!m_isFolded) return text;
+    foldUtf8(m_keysAreLiteral ? text : trieKeyOf(text), m_foldedKey);
+    return m_foldedKey;
 }
 
 void ImageBuild::build() {
@@ -241,6 +250,7 @@ bool ImageBuild::place() {
     m_builder.expectOneBuild();
     addKeys();
     m_table.reset();
+    if (m_isFolded) m_builder.storeRecord(kFoldedMark);
     m_builder.storeFeatures();
     m_builder.makeTrie();
     PlacementProgress progress(m_callbacks);
@@ -252,10 +262,11 @@ bool ImageBuild::place() {
 
 void ImageBuild::addKeys() {
     LabelCoder coder;
+    const bool isLiteral = m_keysAreLiteral || m_isFolded;
     m_builder.reserve(m_table->keyCount(), m_table->keyBytes());
     std::string key;
     m_table->forEachKey([&](std::uint32_t record) {
-        key = m_keysAreLiteral ? m_table->key(record) : m_table->trieKey(record);
+        key = isLiteral ? m_table->key(record) : m_table->trieKey(record);
         m_builder.addKey(coder, key.c_str(), false, m_table->data(record));
     });
 }

@@ -45,6 +45,7 @@ private:
     void endReading(std::uint64_t done);
     void take(SourceRecord& record);
     void cutFields(std::string_view text, std::size_t keySize);
+    std::string_view keyOf(std::string_view text);
     void build();
     bool dataFits() const;
     void addKeys();
@@ -60,6 +61,8 @@ private:
     std::string m_recordSeparator;
     const bool m_fromWindows;
     const bool m_allowEmpty;
+    const bool m_isFolded;
+    std::string m_foldedKey;
     SourceCheck m_check;
     bool m_keysAreLiteral = false;       // a backslash and an n are no newline
     std::uint64_t m_sourceBytes = 0;     // of the records read so far

@@ -1,10 +1,14 @@
 // The functions of Dictionary.h that list keys.
 
+#include <algorithm>
+#include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "Dictionary.h"
 #include "Errors.h"
+#include "Folding.h"
 #include "Handle.h"
 #include "KeyCursor.h"
 #include "OpenImage.h"
@@ -12,25 +16,47 @@
 // The keys of all images of a handle, merged.
 struct DictionaryCursor {
     explicit DictionaryCursor(const Dictionary::Images& images) {
-        for (const auto& image : images) sources.push_back({{image->view(), image->keyIndex()}});
+        for (const auto& image : images) {
+            sources.push_back({{image->view(), image->keyIndex()}, image->isFolded()});
+            if (image->isFolded()) longestFolded = std::max(longestFolded, longestKeyOf(*image));
+        }
+        foldedPrefix.reserve(kMostGrowth * kMostShrinking * (longestFolded + 1));
     }
 
     void seek(std::string_view prefix);
     bool next(DictionaryKey& key);
 
 private:
+    // Folding takes a character of three bytes to one at most, and one of two bytes to three.
+    static constexpr std::size_t kMostShrinking = 3;
+    static constexpr std::size_t kMostGrowth = 2;
+
+    static std::size_t longestKeyOf(const Dictionary::OpenImage& image) {
+        return image.keyIndex().longestKey();
+    }
+    std::string_view fold(std::string_view prefix);
+
     struct Source {
         Dictionary::KeyCursor cursor;
+        bool isFolded;
         bool mustMove = true;  // before it has a key that was not handed out
         bool hasKey = false;
     };
 
     std::vector<Source> sources;  // by the numbers of their images
+    std::size_t longestFolded = 0;
+    std::string foldedPrefix;
 };
+
+// Takes no memory. Of a long prefix it folds as much as makes it longer than all keys.
+std::string_view DictionaryCursor::fold(std::string_view prefix) {
+    Dictionary::foldUtf8(prefix.substr(0, kMostShrinking * (longestFolded + 1)), foldedPrefix);
+    return foldedPrefix;
+}
 
 void DictionaryCursor::seek(std::string_view prefix) {
     for (Source& source : sources) {
-        source.cursor.seek(prefix);
+        source.cursor.seek(source.isFolded ? fold(prefix) : prefix);
         source.mustMove = true;
     }
 }

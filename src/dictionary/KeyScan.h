@@ -1,7 +1,7 @@
 // Helper, not installed: searches that go through a text key by key and can stop at each.
 //
-// Texts are those of Walk.h. `found(from, end, feature)` returns false to stop; the searches return
-// false when it did.
+// They read any class of keys like ImageKeys. `found(from, key)` returns false to stop; the
+// searches return false when it did.
 
 #ifndef DICTIONARY_KEY_SCAN_H
 #define DICTIONARY_KEY_SCAN_H
@@ -15,9 +15,13 @@
 
 namespace Dictionary {
 
+// The codes of the characters in keys are below it.
+constexpr std::int32_t kAlphabet = 0x10000;
+
 // A key that begins at some place.
 struct KeyAt {
     std::size_t end;
+    std::uint32_t image;  // its number
     std::int32_t feature;
 };
 
@@ -28,72 +32,97 @@ void passCharacter(const Text& text, std::size_t& place) {
     while (text.isInsidePair(place));
 }
 
-// Whether a walk of classic texts may begin at `place`; the others have no codes beyond.
+// The keys of image number 0 in a text of Walk.h.
 template <class Text>
-bool mayBeginAt(const Text& text, std::size_t place, std::int32_t alphabet) {
-    return text.next(place) < alphabet;
-}
+class ImageKeys {
+public:
+    ImageKeys(const CellView& cells, const Text& text, std::int32_t alphabet)
+        : m_cells(cells), m_text(text), m_alphabet(alphabet) {}
 
-// Every key at `place`, shortest first. `keys` is room that is used again and again.
-template <class Text, class Found>
-bool scanKeysAt(const CellView& cells, const Text& text, std::size_t place, std::int32_t alphabet,
-                std::vector<KeyAt>& keys, const Found& found) {
-    keys.clear();
-    walkFrom(cells, text, place, alphabet, [&](std::size_t end, std::int32_t feature) {
-        keys.push_back({end, feature});
-    });
-    for (const KeyAt& key : keys) {
-        if (!found(place, key.end, key.feature)) return false;
+    std::size_t size() const { return m_text.size(); }
+    void pass(std::size_t& place) const { passCharacter(m_text, place); }
+
+    // All keys at `place`, shortest first, valid until the next call.
+    const std::vector<KeyAt>& allAt(std::size_t place) {
+        m_keys.clear();
+        if (!mayBeginAt(place)) return m_keys;
+        walkFrom(m_cells, m_text, place, m_alphabet, [&](std::size_t end, std::int32_t feature) {
+            m_keys.push_back({end, 0, feature});
+        });
+        return m_keys;
+    }
+
+    // Whether a key begins at `place`; `key` becomes the longest.
+    bool longestAt(std::size_t place, KeyAt& key) const {
+        if (!mayBeginAt(place)) return false;
+        const LongestKey longest = longestFrom(m_cells, m_text, place, m_alphabet);
+        key = {longest.end, 0, longest.feature};
+        return longest.found;
+    }
+
+    // Calls `found(key)` for the longest key at `place`. False when that did.
+    template <class Found>
+    bool visitLongestAt(std::size_t place, const Found& found) const {
+        KeyAt key;
+        return !longestAt(place, key) || found(key);
+    }
+
+private:
+    // Classic texts have codes beyond the alphabet.
+    bool mayBeginAt(std::size_t place) const { return m_text.next(place) < m_alphabet; }
+
+    const CellView& m_cells;
+    const Text& m_text;
+    const std::int32_t m_alphabet;
+    std::vector<KeyAt> m_keys;
+};
+
+template <class Keys, class Found>
+bool scanKeysAt(Keys& keys, std::size_t place, const Found& found) {
+    for (const KeyAt& key : keys.allAt(place)) {
+        if (!found(place, key)) return false;
     }
     return true;
 }
 
 // Every key, by start, shortest first.
-template <class Text, class Found>
-bool scanAllKeys(const CellView& cells, const Text& text, std::int32_t alphabet,
-                 const Found& found) {
-    std::vector<KeyAt> keys;
-    for (std::size_t from = 0; from < text.size(); passCharacter(text, from)) {
-        if (!mayBeginAt(text, from, alphabet)) continue;
-        if (!scanKeysAt(cells, text, from, alphabet, keys, found)) return false;
+template <class Keys, class Found>
+bool scanAllKeys(Keys& keys, const Found& found) {
+    for (std::size_t from = 0; from < keys.size(); keys.pass(from)) {
+        if (!scanKeysAt(keys, from, found)) return false;
     }
     return true;
 }
 
 // The longest key at every place.
-template <class Text, class Found>
-bool scanLongestKeys(const CellView& cells, const Text& text, std::int32_t alphabet,
-                     const Found& found) {
-    for (std::size_t from = 0; from < text.size(); passCharacter(text, from)) {
-        if (!mayBeginAt(text, from, alphabet)) continue;
-        const LongestKey longest = longestFrom(cells, text, from, alphabet);
-        if (longest.found && !found(from, longest.end, longest.feature)) return false;
+template <class Keys, class Found>
+bool scanLongestKeys(Keys& keys, const Found& found) {
+    for (std::size_t from = 0; from < keys.size(); keys.pass(from)) {
+        const auto foundHere = [&](const KeyAt& key) { return found(from, key); };
+        if (!keys.visitLongestAt(from, foundHere)) return false;
     }
     return true;
 }
 
 // The longest key at the first place that has one, then the same after it, and so on.
-template <class Text, class Found>
-bool scanSegments(const CellView& cells, const Text& text, std::int32_t alphabet,
-                  const Found& found) {
-    for (std::size_t from = 0; from < text.size();) {
-        const LongestKey longest = longestFrom(cells, text, from, alphabet);
-        if (longest.found && !found(from, longest.end, longest.feature)) return false;
-        if (longest.found) {
-            from = longest.end;
-        } else {
-            passCharacter(text, from);
+template <class Keys, class Found>
+bool scanSegments(Keys& keys, const Found& found) {
+    for (std::size_t from = 0; from < keys.size();) {
+        KeyAt key;
+        if (!keys.longestAt(from, key)) {
+            keys.pass(from);
+            continue;
         }
+        if (!found(from, key)) return false;
+        from = key.end;
     }
     return true;
 }
 
 // Every key that the text begins with, shortest first.
-template <class Text, class Found>
-bool scanPrefixes(const CellView& cells, const Text& text, std::int32_t alphabet,
-                  const Found& found) {
-    std::vector<KeyAt> keys;
-    return text.size() == 0 || scanKeysAt(cells, text, 0, alphabet, keys, found);
+template <class Keys, class Found>
+bool scanPrefixes(Keys& keys, const Found& found) {
+    return keys.size() == 0 || scanKeysAt(keys, 0, found);
 }
 
 }  // namespace Dictionary

@@ -3,21 +3,24 @@
 #ifndef DICTIONARY_LABEL_TEXT_H
 #define DICTIONARY_LABEL_TEXT_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "EncodedText.h"
+#include "Folding.h"
 #include "Utf8Decoder.h"
 
 namespace Dictionary {
 
-// The labels that EncodedText::kPassOver encodes. Its places are byte offsets; the one between the
+// The labels that EncodedText encodes with `Map`. Its places are byte offsets; the one between the
 // two labels of a character is that of the character's last byte. Views the bytes, which must
 // outlive it.
-class LabelText {
+template <class Map>
+class MappedText {
 public:
-    explicit LabelText(std::string_view text)
+    explicit MappedText(std::string_view text)
         : m_bytes(reinterpret_cast<const std::uint8_t*>(text.data())), m_size(text.size()) {}
 
     std::size_t size() const { return m_size; }
@@ -33,9 +36,31 @@ public:
         const Utf8Character character = decodeMultiByte(m_bytes + place, m_size - place);
         place += character.length == 0 ? 1 : character.length;
         if (character.length == 0) return EncodedText::kOutsider;
-        if (character.code < kBmpEnd) return character.code;
+        const std::int32_t code = Map()(character.code);
+        if (code < kBmpEnd) return code;
         --place;
-        return highSurrogateOf(character.code);
+        return highSurrogateOf(code);
+    }
+
+    // The character that begins at `place`, which is not the end.
+    std::int32_t characterAt(std::size_t place) const {
+        const std::int32_t code = next(place);
+        return isHighSurrogate(code) ? codeOfPair(code, next(place)) : code;
+    }
+
+    // The character that ends at `place`, which moves to where it begins; not from 0.
+    std::int32_t previous(std::size_t& place) const {
+        const std::size_t end = place;
+        const std::uint8_t last = m_bytes[end - 1];
+        if (last > 0 && last < 0x80) return Map()(m_bytes[--place]);
+        const std::size_t limit = end - std::min(end, kLastByte + 1);
+        do --place;
+        while (place > limit && isContinuation(m_bytes[place]));
+        const Utf8Character character =
+            m_bytes[place] < kMultiByteLead ? kNone : decodeMultiByte(m_bytes + place, end - place);
+        if (character.length == end - place) return Map()(character.code);
+        place = end - 1;
+        return EncodedText::kOutsider;
     }
 
 private:
@@ -49,8 +74,8 @@ private:
         const std::int32_t byte = m_bytes[place];
         const Utf8Character wide = isContinuation(m_bytes[place]) ? wideEndingAt(place) : kNone;
         ++place;
-        if (wide.length != 0) return lowSurrogateOf(wide.code);
-        return byte > 0 && byte < 0x80 ? byte : EncodedText::kOutsider;
+        if (wide.length != 0) return lowSurrogateOf(Map()(wide.code));
+        return byte > 0 && byte < 0x80 ? Map()(byte) : EncodedText::kOutsider;
     }
 
     // The character above U+FFFF whose last byte is at `place`; of length 0 when there is none.
@@ -62,6 +87,9 @@ private:
     const std::uint8_t* m_bytes;
     std::size_t m_size;
 };
+
+using LabelText = MappedText<SameCode>;
+using FoldedText = MappedText<FoldedCode>;
 
 }  // namespace Dictionary
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Errors.h"
+#include "Folding.h"
 #include "ImageCheck.h"
 #include "UTF8Coder.h"
 
@@ -34,6 +35,7 @@ OpenImage::OpenImage(ImageBytes bytes)
     : m_bytes(checked(std::move(bytes))),
       m_header(headerOf(m_bytes.view().data())),
       m_view(m_bytes.view().data()),
+      m_isFolded(isFoldedImage(m_bytes.view().data())),
       m_keyCount(kNotCounted) {}
 
 std::uint64_t OpenImage::keyCount() const {
@@ -59,7 +61,8 @@ const KeyIndex& OpenImage::keyIndex() const {
 }
 
 bool OpenImage::isRecord(std::uint32_t offset) const {
-    if (offset >= static_cast<std::uint32_t>(featureBytes())) return false;
+    const bool isMark = m_isFolded && offset == 0;
+    if (isMark || offset >= static_cast<std::uint32_t>(featureBytes())) return false;
     std::call_once(m_recordsFound, [this] { findRecords(); });
     return m_isRecord[offset];
 }

@@ -29,6 +29,8 @@ public:
     std::int64_t cellCount() const { return cellBytesOf(m_header) / kCellBytes; }
     std::int32_t featureBytes() const { return featureBytesOf(m_header); }
 
+    // Whether keys, and what is looked up, are folded.
+    bool isFolded() const { return m_isFolded; }
     // The first call takes one pass over the cells.
     std::uint64_t keyCount() const;
     // The first call makes it; see KeyIndex.h for what that takes.
@@ -44,6 +46,7 @@ private:
     const ImageBytes m_bytes;
     const Cell m_header;
     const ImageView m_view;
+    const bool m_isFolded;
     // Counting it twice does no harm.
     mutable std::atomic<std::uint64_t> m_keyCount;
     mutable std::once_flag m_keysIndexed;

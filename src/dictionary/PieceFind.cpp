@@ -5,9 +5,9 @@
 #include <limits>
 
 #include "CheapestPath.h"
-#include "KeyScan.h"
 #include "LabelText.h"
 #include "Segmenter.h"
+#include "TextKeys.h"
 #include "TextUnits.h"
 
 namespace Dictionary {
@@ -73,18 +73,18 @@ private:
 
 bool visitSegments(const TextFind& find, const MatchTaker& taker) {
     Pieces pieces(find, taker);
-    const ImageView& image = find.image.view();
-    return scanSegments(image.cells(), LabelText(find.text), kAlphabet,
-                        [&](std::size_t start, std::size_t end, std::int32_t feature) {
-                            return pieces.takeKey(start, end, image, find.imageNumber, feature);
-                        }) &&
+    const auto take = [&](std::size_t start, const KeyAt& key) {
+        const ImageView& image = find.handle.images[key.image]->view();
+        return pieces.takeKey(start, key.end, image, key.image, key.feature);
+    };
+    return withKeys(find, [&](auto& keys, const auto&) { return scanSegments(keys, take); }) &&
            pieces.takeUnknown(find.text.size());
 }
 
 bool visitCheapest(const TextFind& find, const MatchTaker& taker) {
     Pieces pieces(find, taker);
     const WeightedImages& weighted = find.options.segmenter->weighted;
-    CheapestPath path(weighted);
+    CheapestPath path(weighted, find.options.wholeWords);
     path.cut(find.text);
     return path.forEachKey([&](std::size_t start, std::size_t end, std::uint32_t number,
                                std::int32_t feature) {

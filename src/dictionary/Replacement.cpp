@@ -157,7 +157,7 @@ void replaceKeys(const DictionaryHandle* handle, const DictionaryFindOptions* fi
         static_cast<Replacer*>(context)->replace(*key);
         return true;
     };
-    visitMatches({*handle->images.front(), 0, find, readText(text)}, {replace, &replacer});
+    visitMatches({*handle, find, readText(text)}, {replace, &replacer});
     replacer.finish();
 }
 

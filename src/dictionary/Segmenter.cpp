@@ -191,7 +191,7 @@ void weighCosts(WeightedImages& weighted, double unknownCost) {
 WeightedImages weigh(const DictionaryHandle& handle, const DictionarySegmenterOptions& options) {
     WeightedImages weighted;
     for (const auto& image : handle.images) {
-        weighted.images.push_back({image->view(), Weights(image->view())});
+        weighted.images.push_back({image->view(), image->isFolded(), Weights(image->view())});
     }
     Readers readers;
     for (WeightedImage& one : weighted.images) readers.emplace_back(one, options);

@@ -5,8 +5,9 @@
 
 #include "EncodedText.h"
 #include "KeyScan.h"
-#include "LabelText.h"
 #include "PieceFind.h"
+#include "SetSearch.h"
+#include "TextKeys.h"
 #include "TextSearch.h"
 #include "TextUnits.h"
 #include "Utf8Text.h"
@@ -15,139 +16,222 @@ namespace Dictionary {
 
 namespace {
 
-// Makes matches of the keys found in a text, which must come by their starts.
-template <class Text>
-class MatchMaker {
-public:
-    MatchMaker(const TextFind& find, const Text& text)
-        : m_find(find), m_units(text, find.options.unit) {}
+// ---- What becomes of a match, or of a key and the stretch of the text where it is ----
 
-    DictionaryMatch operator()(std::size_t from, std::size_t end, std::int32_t feature) {
-        const Stretch stretch = m_units.measure(from, end);
-        const std::string_view data = m_find.image.view().featureText(feature);
-        return {stretch.start,
-                stretch.length,
-                {data.empty() ? "" : data.data(), data.size()},
-                static_cast<std::uint32_t>(feature),
-                m_find.imageNumber};
+DictionaryMatch matchOf(const Images& images, const Stretch& stretch, const KeyAt& key) {
+    const std::string_view data = images[key.image]->view().featureText(key.feature);
+    return {stretch.start,
+            stretch.length,
+            {data.empty() ? "" : data.data(), data.size()},
+            static_cast<std::uint32_t>(key.feature),
+            key.image};
+}
+
+struct ToList {
+    const Images& images;
+    MatchList& list;
+
+    bool operator()(const DictionaryMatch& match) const {
+        list.add(match);
+        return true;
+    }
+    bool operator()(const Stretch& stretch, const KeyAt& key) const {
+        return (*this)(matchOf(images, stretch, key));
+    }
+};
+
+struct ToColumns {
+    std::uint32_t text;
+    ColumnList& columns;
+
+    bool operator()(const DictionaryMatch& match) const {
+        return add({match.start, match.length}, match.dataNumber, match.image);
+    }
+    bool operator()(const Stretch& stretch, const KeyAt& key) const {
+        return add(stretch, static_cast<std::uint32_t>(key.feature), key.image);
     }
 
 private:
-    const TextFind& m_find;
-    TextUnits<Text> m_units;
+    bool add(const Stretch& stretch, std::uint32_t dataNumber, std::uint32_t image) const {
+        columns.add({text, static_cast<std::uint32_t>(stretch.start),
+                     static_cast<std::uint32_t>(stretch.start + stretch.length), dataNumber,
+                     image});
+        return true;
+    }
 };
 
-const CellView& cellsOf(const TextFind& find) {
-    return find.image.view().cells();
+struct ToTaker {
+    const Images& images;
+    const MatchTaker& taker;
+
+    bool operator()(const DictionaryMatch& match) const { return taker(match); }
+    bool operator()(const Stretch& stretch, const KeyAt& key) const {
+        return taker(matchOf(images, stretch, key));
+    }
+};
+
+// ---- One by one; `use` returns false to stop ----
+
+template <class Keys, class Text, class Scan, class Use>
+bool visitIn(Keys& keys, const Text& text, int unit, const Scan& scan, const Use& use) {
+    TextUnits<Text> units(text, unit);
+    return scan(keys, [&](std::size_t from, const KeyAt& key) {
+        return use(units.measure(from, key.end), key);
+    });
 }
 
-// ---- One by one ----
-
-template <class Text, class Scan>
-bool visitBy(const TextFind& find, const Text& text, const MatchTaker& taker, const Scan& scan) {
-    MatchMaker<Text> make(find, text);
-    return scan(cellsOf(find), text, kAlphabet,
-                [&](std::size_t from, std::size_t end, std::int32_t feature) {
-                    return taker(make(from, end, feature));
-                });
+template <class Scan, class Use>
+bool visitBy(const TextFind& find, const Scan& scan, const Use& use) {
+    return withKeys(find, [&](auto& keys, const auto& text) {
+        return visitIn(keys, text, find.options.unit, scan, use);
+    });
 }
 
-bool visitAll(const TextFind& find, const MatchTaker& taker) {
-    return visitBy(find, LabelText(find.text), taker,
-                   [](const auto&... given) { return scanAllKeys(given...); });
+template <class Use>
+bool visitAll(const TextFind& find, const Use& use) {
+    return visitBy(
+        find, [](auto& keys, const auto& found) { return scanAllKeys(keys, found); }, use);
 }
 
-bool visitLongest(const TextFind& find, const MatchTaker& taker) {
-    return visitBy(find, LabelText(find.text), taker,
-                   [](const auto&... given) { return scanLongestKeys(given...); });
+template <class Use>
+bool visitLongest(const TextFind& find, const Use& use) {
+    return visitBy(
+        find, [](auto& keys, const auto& found) { return scanLongestKeys(keys, found); }, use);
 }
 
-bool visitPrefixes(const TextFind& find, const MatchTaker& taker) {
-    return visitBy(find, LabelText(find.text), taker,
-                   [](const auto&... given) { return scanPrefixes(given...); });
+// Segmentations also have pieces that are no key.
+template <bool (*visit)(const TextFind&, const MatchTaker&), class Use>
+bool visitPieces(const TextFind& find, const Use& use) {
+    const auto take = [](void* context, const DictionaryMatch* match) {
+        return (*static_cast<const Use*>(context))(*match);
+    };
+    return visit(find, {take, const_cast<Use*>(&use)});
 }
 
-bool visitClassic(const TextFind& find, const MatchTaker& taker) {
+template <class Use>
+bool visitPrefixes(const TextFind& find, const Use& use) {
+    return visitBy(
+        find, [](auto& keys, const auto& found) { return scanPrefixes(keys, found); }, use);
+}
+
+template <class Use>
+bool visitClassic(const TextFind& find, const Use& use) {
+    if (find.handle.isSet) return true;
     const std::size_t size = find.text.empty() ? 0 : strnlen(find.text.data(), find.text.size());
-    return visitBy(find, Utf8Text(find.text.data(), size), taker,
-                   [](const auto&... given) { return scanLongestKeys(given...); });
+    const Utf8Text text(find.text.data(), size);
+    ImageKeys<Utf8Text> keys(firstCells(find), text, kAlphabet);
+    return visitIn(
+        keys, text, find.options.unit,
+        [](auto& some, const auto& found) { return scanLongestKeys(some, found); }, use);
 }
 
 // ---- All at once, which takes less time ----
 
-template <class Search>
-void listBy(const TextFind& find, EncodedText::Outsiders outsiders, MatchList& list,
-            const Search& search) {
+template <class Search, class Use>
+bool listBy(const TextFind& find, EncodedText::Outsiders outsiders, const Search& search,
+            const Use& use) {
     const EncodedText text(find.text.data(), find.text.size(), outsiders);
-    MatchMaker<EncodedText> make(find, text);
-    search(TextSearch(cellsOf(find), text),
+    TextUnits<EncodedText> units(text, find.options.unit);
+    search(TextSearch(firstCells(find), text),
            [&](std::size_t from, std::size_t end, std::int32_t feature) {
-               list.add(make(from, end, feature));
+               use(units.measure(from, end), KeyAt{end, 0, feature});
            });
+    return true;
 }
 
-void listAll(const TextFind& find, MatchList& list) {
-    listBy(find, EncodedText::kPassOver, list, [](const TextSearch& search, const auto& found) {
-        search.forEachKey(kAlphabet, found);
-    });
+template <class Search, class Use>
+bool listSetBy(const TextFind& find, const Search& search, const Use& use) {
+    const SetText text(find.handle.images, find.text,
+                       [](const auto& image) { return image->isFolded(); });
+    TextUnits<EncodedText> units(text.any(), find.options.unit);
+    search(SetSearch(find.handle.images, rulesOf(find), text),
+           [&](const SetKey& found) { use(units.measure(found.from, found.key.end), found.key); });
+    return true;
 }
 
-void listLongest(const TextFind& find, MatchList& list) {
-    listBy(find, EncodedText::kPassOver, list, [](const TextSearch& search, const auto& found) {
-        search.forEachLongestKey(kAlphabet, found);
-    });
+template <class Use>
+bool listAll(const TextFind& find, const Use& use) {
+    if (!isPlain(find)) {
+        return listSetBy(
+            find, [](const SetSearch& search, const auto& found) { search.forEachKey(found); },
+            use);
+    }
+    return listBy(
+        find, EncodedText::kPassOver,
+        [](const TextSearch& search, const auto& found) { search.forEachKey(kAlphabet, found); },
+        use);
 }
 
-void listClassic(const TextFind& find, MatchList& list) {
-    listBy(find, EncodedText::kStopAtIllegal, list,
-           [](const TextSearch& search, const auto& found) {
-               search.forEachLongestKey(kAlphabet, found);
-           });
+template <class Use>
+bool listLongestOfOne(const TextFind& find, EncodedText::Outsiders outsiders, const Use& use) {
+    return listBy(
+        find, outsiders,
+        [](const TextSearch& search, const auto& found) {
+            search.forEachLongestKey(kAlphabet, found);
+        },
+        use);
 }
 
-template <bool (*visit)(const TextFind&, const MatchTaker&)>
-void listVisited(const TextFind& find, MatchList& list) {
-    const auto add = [](void* context, const DictionaryMatch* match) {
-        static_cast<MatchList*>(context)->add(*match);
-        return true;
-    };
-    visit(find, {add, &list});
+template <class Use>
+bool listLongest(const TextFind& find, const Use& use) {
+    if (isPlain(find)) return listLongestOfOne(find, EncodedText::kPassOver, use);
+    return listSetBy(
+        find, [](const SetSearch& search, const auto& found) { search.forEachLongestKey(found); },
+        use);
 }
 
-void listSegments(const TextFind& find, MatchList& list) {
-    if (find.options.unknownPieces) return listVisited<visitSegments>(find, list);
-    listBy(find, EncodedText::kPassOver, list,
-           [](const TextSearch& search, const auto& found) { search.forEachSegment(found); });
+template <class Use>
+bool listSegments(const TextFind& find, const Use& use) {
+    if (!isPlain(find) || find.options.unknownPieces) return visitPieces<visitSegments>(find, use);
+    return listBy(
+        find, EncodedText::kPassOver,
+        [](const TextSearch& search, const auto& found) { search.forEachSegment(found); }, use);
 }
 
-struct Mode {
-    void (*list)(const TextFind&, MatchList&);
-    bool (*visit)(const TextFind&, const MatchTaker&);
-};
+template <class Use>
+bool listClassic(const TextFind& find, const Use& use) {
+    if (find.handle.isSet) return true;
+    return listLongestOfOne(find, EncodedText::kStopAtIllegal, use);
+}
 
-// By number.
-constexpr Mode kModes[] = {
-    {listAll, visitAll},
-    {listLongest, visitLongest},
-    {listSegments, visitSegments},
-    {listVisited<visitCheapest>, visitCheapest},
-    {listVisited<visitPrefixes>, visitPrefixes},
-    {listClassic, visitClassic},
-};
+template <class Use>
+using Finder = bool (*)(const TextFind& find, const Use& use);
+
+// By the mode's number.
+template <class Use>
+constexpr Finder<Use> kVisitors[] = {visitAll<Use>,
+                                     visitLongest<Use>,
+                                     visitPieces<visitSegments, Use>,
+                                     visitPieces<visitCheapest, Use>,
+                                     visitPrefixes<Use>,
+                                     visitClassic<Use>};
+template <class Use>
+constexpr Finder<Use> kListers[] = {listAll<Use>,       listLongest<Use>,
+                                    listSegments<Use>,  visitPieces<visitCheapest, Use>,
+                                    visitPrefixes<Use>, listClassic<Use>};
+
+template <class Use>
+void listBy(const TextFind& find, const Use& use) {
+    kListers<Use>[find.options.mode](find, use);
+}
 
 }  // namespace
 
 void listMatches(const TextFind& find, MatchList& list) {
-    kModes[find.options.mode].list(find, list);
+    listBy(find, ToList{find.handle.images, list});
+}
+
+void listColumns(const TextFind& find, std::uint32_t text, ColumnList& columns) {
+    listBy(find, ToColumns{text, columns});
 }
 
 bool visitMatches(const TextFind& find, const MatchTaker& taker) {
-    return kModes[find.options.mode].visit(find, taker);
+    const ToTaker use = {find.handle.images, taker};
+    return kVisitors<ToTaker>[find.options.mode](find, use);
 }
 
-bool containsKey(const OpenImage& image, std::string_view text) {
-    return !scanLongestKeys(image.view().cells(), LabelText(text), kAlphabet,
-                            [](std::size_t, std::size_t, std::int32_t) { return false; });
+bool containsKey(const TextFind& find) {
+    return !visitLongest(find, [](const Stretch&, const KeyAt&) { return false; });
 }
 
 }  // namespace Dictionary

@@ -1,4 +1,4 @@
-// Helper, not installed: the matches of one text in one image, by mode.
+// Helper, not installed: the keys of one text in the images of a handle, by mode.
 
 #ifndef DICTIONARY_TEXT_FIND_H
 #define DICTIONARY_TEXT_FIND_H
@@ -6,18 +6,15 @@
 #include <cstdint>
 #include <string_view>
 
+#include "ColumnList.h"
 #include "Dictionary.h"
+#include "Handle.h"
 #include "MatchList.h"
-#include "OpenImage.h"
 
 namespace Dictionary {
 
-// The codes of the characters in keys are below it.
-constexpr std::int32_t kAlphabet = 0x10000;
-
 struct TextFind {
-    const OpenImage& image;
-    std::uint32_t imageNumber;
+    const DictionaryHandle& handle;
     const DictionaryFindOptions& options;
     std::string_view text;
 };
@@ -33,11 +30,14 @@ struct MatchTaker {
 // Appends all matches to the list.
 void listMatches(const TextFind& find, MatchList& list);
 
+// Appends all matches to the columns, as those of text number `text`.
+void listColumns(const TextFind& find, std::uint32_t text, ColumnList& columns);
+
 // Hands out the matches until one is enough; false then.
 bool visitMatches(const TextFind& find, const MatchTaker& taker);
 
 // Whether any key is in the text.
-bool containsKey(const OpenImage& image, std::string_view text);
+bool containsKey(const TextFind& find);
 
 }  // namespace Dictionary
 

@@ -7,8 +7,9 @@
 
 #include "Dictionary.h"
 #include "Handle.h"
+#include "KeyScan.h"
+#include "LabelText.h"
 #include "ManyLookups.h"
-#include "TextFind.h"
 #include "Utf8Text.h"
 #include "Walk.h"
 
@@ -19,14 +20,19 @@ namespace {
 constexpr DictionaryText kNoData = {nullptr, 0};
 
 // The key's data text; null when it is no key.
-DictionaryText lookUpKey(const OpenImage& image, DictionaryText key) {
+template <class Text>
+DictionaryText lookUpText(const OpenImage& image, const Text& key) {
     DictionaryText data = kNoData;
-    lookUp(image.view().cells(), Utf8LabelText(key.bytes, key.size), kAlphabet,
-           [&](std::int32_t feature) {
-               const std::string_view text = image.view().featureText(feature);
-               data = {text.empty() ? "" : text.data(), text.size()};
-           });
+    lookUp(image.view().cells(), key, kAlphabet, [&](std::int32_t feature) {
+        const std::string_view text = image.view().featureText(feature);
+        data = {text.empty() ? "" : text.data(), text.size()};
+    });
     return data;
+}
+
+DictionaryText lookUpKey(const OpenImage& image, DictionaryText key) {
+    return image.isFolded() ? lookUpText(image, FoldedText({key.bytes, key.size}))
+                            : lookUpText(image, Utf8LabelText(key.bytes, key.size));
 }
 
 // Of a set, the last image that has the key decides.
@@ -38,13 +44,26 @@ DictionaryText lookUpKey(const Images& images, DictionaryText key) {
     return kNoData;
 }
 
+// Looks up the keys that have no data yet; returns how many there are.
+std::size_t lookUpInTurn(const OpenImage& image, const DictionaryText* keys, std::size_t count,
+                         DictionaryText* data) {
+    std::size_t found = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (data[i].bytes != nullptr || keys[i].bytes == nullptr) continue;
+        data[i] = lookUpKey(image, keys[i]);
+        if (data[i].bytes != nullptr) ++found;
+    }
+    return found;
+}
+
 // The same for many. What the last image has not is looked up in the one before it.
 std::size_t lookUpKeys(const Images& images, const DictionaryText* keys, std::size_t count,
                        DictionaryText* data) {
     std::fill_n(data, count, kNoData);
     std::size_t found = 0;
     for (auto image = images.rbegin(); image != images.rend(); ++image) {
-        found += lookUpEach((*image)->view(), keys, count, data);
+        found += (*image)->isFolded() ? lookUpInTurn(**image, keys, count, data)
+                                      : lookUpEach((*image)->view(), keys, count, data);
     }
     return found;
 }

@@ -6,9 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "EncodedText.h"
 #include "UnicodeTables.h"
-#include "Utf8Decoder.h"
 
 namespace Dictionary {
 
@@ -33,42 +31,29 @@ inline WordClass wordClassOf(std::int32_t code) {
     return static_cast<WordClass>(kWordClassRows[row] >> place & ((1u << kBits) - 1));
 }
 
-// The words of a text, which must outlive the object.
+// The words of a text, which must outlive the object: a LabelText or an EncodedText.
+template <class Text>
 class Words {
 public:
-    explicit Words(const EncodedText& text) : m_codes(text.codes()), m_size(text.size()) {}
+    explicit Words(const Text& text) : m_text(text) {}
 
     // Whether both sides of `place` belong to one word.
     bool isInside(std::size_t place) const {
-        if (place == 0 || place == m_size) return false;
-        return wordClassOf(codeAt(place)) != WordClass::kNone && wordGoesOnTo(place);
-    }
-
-    // Whether the characters from `from` up to, but without, `end` begin and end with words, or
-    // outside of them.
-    bool areWhole(std::size_t from, std::size_t end) const {
-        return !isInside(from) && !isInside(end);
+        if (place == 0 || place == m_text.size()) return false;
+        return wordClassOf(m_text.characterAt(place)) != WordClass::kNone && followsWord(place);
     }
 
 private:
-    // Whether what stands before `place` belongs to a word.
-    bool wordGoesOnTo(std::size_t place) const {
-        const WordClass before = wordClassOf(codeBefore(place));
-        return before == WordClass::kMark ? marksAreOfLetter(place) : before == WordClass::kLetter;
-    }
-    bool marksAreOfLetter(std::size_t place) const;
-
-    std::int32_t codeAt(std::size_t place) const {
-        const std::int32_t code = m_codes[place];
-        return isHighSurrogate(code) ? codeOfPair(code, m_codes[place + 1]) : code;
-    }
-    std::int32_t codeBefore(std::size_t place) const {
-        const std::int32_t code = m_codes[place - 1];
-        return isLowSurrogate(code) ? codeOfPair(m_codes[place - 2], code) : code;
+    // Whether what is before `place` belongs to a word.
+    bool followsWord(std::size_t place) const {
+        WordClass before = WordClass::kMark;
+        while (place > 0 && before == WordClass::kMark) {
+            before = wordClassOf(m_text.previous(place));
+        }
+        return before == WordClass::kLetter;
     }
 
-    const std::int32_t* m_codes;
-    std::size_t m_size;
+    const Text& m_text;
 };
 
 }  // namespace Dictionary

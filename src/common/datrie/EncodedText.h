@@ -85,6 +85,18 @@ public:
     // The code of character `place`, which moves behind it.
     std::int32_t next(std::size_t& place) const { return m_codes[place++]; }
 
+    // The character that begins at `place`, which is not the end.
+    std::int32_t characterAt(std::size_t place) const {
+        const std::int32_t code = m_codes[place];
+        return isHighSurrogate(code) ? codeOfPair(code, m_codes[place + 1]) : code;
+    }
+
+    // The character that ends at `place`, which moves to where it begins; not from 0.
+    std::int32_t previous(std::size_t& place) const {
+        const std::int32_t code = m_codes[--place];
+        return isLowSurrogate(code) ? codeOfPair(m_codes[--place], code) : code;
+    }
+
     // The bytes of the characters from `from` up to, but without, `end`. A reversed character
     // begins at its last byte and ends at its first, so that a reversed span runs from its end to
     // its start.

@@ -13,6 +13,12 @@
 
 namespace Dictionary {
 
+// A key as it goes into the trie: one that stands in the source as a backslash and an n is the
+// newline character.
+inline std::string_view trieKeyOf(std::string_view key) {
+    return key == "\\n" ? "\n" : key;
+}
+
 // First all records are added, then they are arranged once, then asked for. Records are numbered
 // from 0 in source order; a key goes by the number of its last record, which has all its data.
 class SourceTable {
@@ -47,12 +53,7 @@ public:
         return {m_records[record].text, m_records[record].keySize};
     }
 
-    // The key as it goes into the trie: one that stands in the source as a backslash and an n is
-    // the newline character.
-    std::string_view trieKey(std::uint32_t record) const {
-        const std::string_view text = key(record);
-        return text == "\\n" ? "\n" : text;
-    }
+    std::string_view trieKey(std::uint32_t record) const { return trieKeyOf(key(record)); }
 
     // The data that a record's key has once the record is read: that of all its records up to
     // there, joined with ";". Lasts as long as the table.

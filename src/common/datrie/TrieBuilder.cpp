@@ -61,6 +61,13 @@ void TrieBuilder::clear() {
     m_cells.clear();
 }
 
+void TrieBuilder::storeRecord(std::string_view text) {
+    CFeatureData record;
+    record.length = static_cast<int>(text.size());
+    record.text = text;
+    m_featureArea.write(record);
+}
+
 void TrieBuilder::storeFeatures() {
     const std::vector<std::uint32_t> order = m_strings.sorted();
     const auto before = static_cast<std::size_t>(m_featureArea.size());

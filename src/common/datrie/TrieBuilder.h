@@ -59,6 +59,7 @@ public:
     // The stages of a build, in order. The first drops what an earlier build made; without it,
     // storeFeatures appends.
     void clear();
+    void storeRecord(std::string_view text);  // any bytes, to which no key refers
     void storeFeatures();
     void makeTrie();
     // False when it is known before any work that `place` would find no room.

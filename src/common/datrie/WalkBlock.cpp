@@ -19,14 +19,16 @@ bool WalkBlock::walk(const std::int32_t* codes, std::uint32_t count) {
     m_count = count;
     Walks walks = {0, m_walkStarts, m_walkCells};
     Walks ends = {0, m_keyStarts, m_keyCells};
-    const auto at = [&](std::uint32_t length) {
-        return StepGround{m_cells, codes + length, m_alphabet, length << kLengthShift};
-    };
-    std::uint32_t length = 1;
-    m_steps.first(at(length++), count, walks, ends);
+    m_steps.first(ground(codes, 1), count, walks, ends);
+    return takeSteps(codes, 2, walks, ends);
+}
+
+// Goes on with the walks, which are to take their step number `length`.
+bool WalkBlock::takeSteps(const std::int32_t* codes, std::uint32_t length, Walks& walks,
+                          Walks& ends) {
     for (; walks.count > kFewWalks; ++length) {
         if (length > kMaxLength) return false;
-        m_steps.next(at(length), walks, ends);
+        m_steps.next(ground(codes, length), walks, ends);
         if (ends.count > kMaxKeys) return false;
     }
     const bool complete = finish(codes, length, walks, ends);

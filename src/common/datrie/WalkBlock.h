@@ -36,13 +36,18 @@ public:
     // or longer keys than there is room for.
     bool walk(const std::int32_t* codes, std::uint32_t count);
 
+    // The same from those characters alone for which `mayBegin(number)` holds.
+    template <class MayBegin>
+    bool walkWhere(const std::int32_t* codes, std::uint32_t count, MayBegin mayBegin);
+
     // Calls `found(key)` for every key found, by start, shortest first.
     template <class Found>
     void forEachKey(Found found);
 
-    // Calls `found(key)` for the longest key at each start that has one.
-    template <class Found>
-    void forEachLongestKey(Found found);
+    // Calls `found(key)` for the longest key at each start that has one for which `counts(key)`
+    // holds.
+    template <class Counts, class Found>
+    void forEachLongestKey(Counts counts, Found found);
 
 private:
     static constexpr std::uint32_t kMaxKeys = 4 * kMaxWalks;
@@ -52,7 +57,13 @@ private:
     static constexpr unsigned kLengthShift = 16;
     static constexpr std::uint32_t kMaxLength = 0xFFFF;
 
+    bool takeSteps(const std::int32_t* codes, std::uint32_t length, Walks& walks, Walks& ends);
     bool finish(const std::int32_t* codes, std::uint32_t length, const Walks& walks, Walks& ends);
+
+    // For the step to the character number `length` after each start.
+    StepGround ground(const std::int32_t* codes, std::uint32_t length) const {
+        return {m_cells, codes + length, m_alphabet, length << kLengthShift};
+    }
 
     BlockKey key(std::uint32_t number) const {
         const std::uint32_t start = m_keyStarts[number];
@@ -72,6 +83,19 @@ private:
     std::uint32_t m_keyCells[kMaxKeys + kMaxWalks + kWalkStepSlack];
 };
 
+template <class MayBegin>
+bool WalkBlock::walkWhere(const std::int32_t* codes, std::uint32_t count, MayBegin mayBegin) {
+    m_count = count;
+    Walks walks = {0, m_walkStarts, m_walkCells};
+    Walks ends = {0, m_keyStarts, m_keyCells};
+    for (std::uint32_t start = 0; start < count; ++start) {
+        const std::int32_t code = codes[start];
+        const bool begins = code < m_alphabet && m_cells.holds(code) && mayBegin(start);
+        walks.addIf(begins, start, static_cast<std::uint32_t>(code));
+    }
+    return takeSteps(codes, 1, walks, ends);
+}
+
 template <class Found>
 void WalkBlock::forEachKey(Found found) {
     // Where the next key of each start goes.
@@ -85,11 +109,13 @@ void WalkBlock::forEachKey(Found found) {
     std::for_each(byStart, byStart + m_keyCount, found);
 }
 
-template <class Found>
-void WalkBlock::forEachLongestKey(Found found) {
+template <class Counts, class Found>
+void WalkBlock::forEachLongestKey(Counts counts, Found found) {
     BlockKey longest[kMaxWalks];
     std::fill_n(longest, m_count, BlockKey{0, 0, 0});
-    for (std::uint32_t i = 0; i < m_keyCount; ++i) longest[key(i).start] = key(i);
+    for (std::uint32_t i = 0; i < m_keyCount; ++i) {
+        if (counts(key(i))) longest[key(i).start] = key(i);
+    }
     std::for_each(longest, longest + m_count, [&](const BlockKey& last) {
         if (last.length > 0) found(last);
     });
