@@ -1,15 +1,14 @@
 """Dictionaries over Unicode text: build an image once, open it anywhere, find its keys in texts.
 
->>> import io
 >>> from dictionary import Dictionary
->>> source = io.StringIO("東京\\tnoun\\tTokyo\\n東京都\\tnoun\\tTokyo Metropolis\\n")
+>>> source = {"東京": ["noun", "Tokyo"], "東京都": ["noun", "Tokyo Metropolis"]}
 >>> Dictionary.build(source, "words.bin").keys
 2
 >>> with Dictionary.open("words.bin") as words:
 ...     for match in words.find_all("私は東京都に住む。"):
 ...         print(match.start, match.end, match.key, match.fields)
-2 4 東京 ('noun', 'Tokyo')
-2 5 東京都 ('noun', 'Tokyo Metropolis')
+2 4 東京 ['noun', 'Tokyo']
+2 5 東京都 ['noun', 'Tokyo Metropolis']
 
 A str is searched by characters and gives str, bytes are searched as UTF-8 and give bytes; offsets
 count what the text itself counts, so that ``text[match.start:match.end] == match.key``.
@@ -18,15 +17,20 @@ Every function may be called from several threads at once. The interpreter's loc
 library searches, builds and opens.
 """
 
-from ._build import BuildError, BuildReport, BuildStopped, Problem
+from ._build import BuildError, BuildReport, BuildStopped
 from ._dictionary import Dictionary
-from ._image import ImageError
+from ._digest import DigestError
+from ._errors import DictionaryError, ImageError, Problem
 from ._library import library
 from ._match import Match, fields, records
 from ._reloader import Reloader
+from ._replacement import Edit, Replacement
+from ._searchable import Description, Searchable
+from ._segmenter import Segmenter
 
 __version__: str = library.dictionaryVersion().decode()
 """The version of the shared library that runs."""
 
-__all__ = ["BuildError", "BuildReport", "BuildStopped", "Dictionary", "ImageError", "Match",
-           "Problem", "Reloader", "fields", "records"]
+__all__ = ["BuildError", "BuildReport", "BuildStopped", "Description", "Dictionary",
+           "DictionaryError", "DigestError", "Edit", "ImageError", "Match",
+           "Problem", "Reloader", "Replacement", "Searchable", "Segmenter", "fields", "records"]

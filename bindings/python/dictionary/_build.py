@@ -1,46 +1,24 @@
-"""Builds image files and tells what is wrong with a source."""
+"""Builds images and reports what is wrong with a source."""
 
 import os
 from collections.abc import Callable
 from concurrent.futures import ThreadPoolExecutor
-from ctypes import byref, sizeof
+from ctypes import byref, pointer, string_at
 from typing import IO, Any, NamedTuple
 
-from ._library import (NOT_BUILT, STOPPED, BuildCounts, BuildOptions, OnProblem, OnProgress,
-                       library, path_bytes)
+from . import _library
+from ._errors import DictionaryError, Problem, exception_of, problem_of
+from ._library import (BAD_ARGUMENT, NO_MEMORY, OK, STOPPED, BuildOptions, Error, ImageBuffer,
+                       OnProblem, OnProgress, Target, library, path_bytes)
+from ._source import Source, is_file, struct_of
 
 # By the library's numbers.
-_SEVERITIES = ("error", "refused", "warning")
 _STAGES = ("read", "place", "write")
 
-_OF_THE_IMAGE = "cannot-write"
 _MOST_PROBLEMS = 2**32 - 1
 
 _Path = str | bytes | os.PathLike[Any]
 _Progress = Callable[[str, int, int], object]
-
-
-class Problem(NamedTuple):
-    """What is wrong with a source, or with the place of an image."""
-
-    file: str
-    line: int | None
-    """The record's number, from 1; None where no record is meant."""
-    column: int | None
-    """The byte in the record, from 1; None where no byte is meant."""
-    code: str
-    """A name: "no-field"."""
-    severity: str
-    """An "error" prevents the image; a key is "refused" and left out; or a "warning"."""
-    text: str
-    """What is wrong and what to do about it."""
-    errno: int | None
-    """Where the system refused."""
-
-    def __str__(self) -> str:
-        place = (self.file, self.line, self.column)
-        place_text = ":".join(str(part) for part in place if part is not None)
-        return f"{place_text}: {self.code}: {self.text}"
 
 
 class BuildReport(NamedTuple):
@@ -48,50 +26,47 @@ class BuildReport(NamedTuple):
 
     records: int
     keys: int
-    """Distinct ones in the image."""
-    refused: int
-    """Distinct ones left out."""
+    """Distinct ones in the image; 0 when none is made."""
     image_bytes: int
+    """0 when no image is made."""
     problem_count: int
     problems: tuple[Problem, ...]
     """The first of them, in the order of the source, up to the limit."""
 
 
-class BuildError(Exception):
-    """A source of which no image was made. ``file``, ``line``, ``column``, ``code`` and ``text``
-    are those of the first error, ``problems`` all that were told, in the order of the source.
+class BuildError(DictionaryError):
+    """A source of which no image was made. It is the first error; ``problems`` are all that were
+    reported, in the order of the source.
     """
 
-    def __init__(self, problems: tuple[Problem, ...]) -> None:
-        super().__init__(problems)
+    def __init__(self, first: Problem, problems: tuple[Problem, ...]) -> None:
+        super().__init__(first)
+        self.args = first, problems
         self.problems = problems
-        self.first = next(problem for problem in problems if problem.severity == "error")
-        self.file, self.line, self.column, self.code, _, self.text, self.errno = self.first
-
-    def __str__(self) -> str:
-        return str(self.first)
 
 
-class BuildStopped(Exception):
+class BuildStopped(DictionaryError):
     """A build that its progress function stopped."""
 
 
 class _Watch:
     """Takes what the library calls back, on the build's thread."""
 
-    def __init__(self, source: str, image: str, progress: _Progress | None) -> None:
-        self._source, self._image, self._progress = source, image, progress
+    def __init__(self, source: Source, progress: _Progress | None) -> None:
+        self._source, self._progress = source, progress
         self.problems: list[Problem] = []
         self.failure: BaseException | None = None
         self.stopped = False
 
-    def on_problem(self, _: object, pointer: Any) -> None:
-        told = pointer.contents
-        code = library.dictionaryProblemName(told.code).decode()
-        self.problems.append(Problem(
-            self._image if code == _OF_THE_IMAGE else self._source, told.line or None,
-            told.column or None, code, _SEVERITIES[told.severity],
-            told.text.decode(errors="replace"), told.systemError or None))
+    def problem_of(self, error: Error) -> Problem:
+        """With the name of an open file, which the library does not know."""
+        name = getattr(self._source, "name", None)
+        if error.path is None and error.line and is_file(self._source) and isinstance(name, str):
+            error.path = os.fsencode(name)
+        return problem_of(error)
+
+    def on_problem(self, _: object, error: Any) -> None:
+        self.problems.append(self.problem_of(Error.from_buffer_copy(error.contents)))
 
     def on_progress(self, _: object, stage: int, done: int, total: int) -> bool:
         if self._progress is not None and not self.stopped:
@@ -104,77 +79,96 @@ class _Watch:
         return not self.stopped
 
 
-def build(source: _Path | IO[str] | IO[bytes], image: _Path | None, *, lenient: bool = False,
+def build(source: Source, image: _Path | IO[bytes] | None, *, lenient: bool = False,
+          from_windows: bool = False, allow_empty: bool = False, folded: bool = False,
           field_separator: str = "\t", record_separator: str = "\n", problem_limit: int = 100,
           progress: _Progress | None = None) -> BuildReport:
-    """Builds the image file ``image`` from ``source``, a path or a file that is open for reading.
+    """Builds the image file ``image`` from ``source``:
 
-    A source has a record a line, a key and its data fields set apart by tabs, or by other
-    separators. The new image replaces an old one at once when it is complete. Where ``image`` is
-    None, the source is only checked. ``lenient`` makes warnings of an empty key, a key that is not
-    UTF-8, a carriage return at the end of a line and a byte-order mark. At most ``problem_limit``
-    problems are kept.
+    - the path of a source file, or a file that is open for reading: one record per line, a key and
+      its data fields separated by tabs, or by other separators;
+    - a mapping of keys to their data, or items of a key and its data. The data is a field, or an
+      iterable of fields. Item numbers, from 1, take the place of lines in problems.
+
+    The new image replaces an old one at once when it is complete. ``image`` may also be a file that
+    is open for writing bytes, and None: then the source is only checked.
+
+    ``lenient`` makes warnings of an empty key, a key that is not UTF-8, a carriage return at the
+    end of a line and a byte-order mark; with ``from_windows`` the last two are no data.
+    ``allow_empty`` makes an empty image of a source without records. ``folded`` folds letters, in
+    the keys and in whatever is looked up. At most ``problem_limit`` problems are kept.
 
     ``progress`` is called with a stage ("read", "place", "write"), how far it is and its total, 0
-    if that is not known yet; in bytes, but keys for "place". It runs on a thread of the build's,
-    while the caller waits. The build stops when it returns False, when it raises something and
-    when the caller is interrupted.
+    if that is not known yet; in bytes or items, but keys for "place". It runs on a thread of the
+    build's, while the caller waits. The build stops when it returns False, when it raises something
+    and when the caller is interrupted.
 
     Raises BuildError, BuildStopped or what ``progress`` raised; then there is no new image.
 
     >>> import io
     >>> from dictionary import Dictionary
-    >>> Dictionary.build(io.StringIO("a\\tletter\\n\\U0001F600\\tface\\n"), "letters.bin").refused
-    1
-    >>> Dictionary.build(io.StringIO("a\\tletter\\nb\\n"), "letters.bin")
+    >>> Dictionary.build({"a": "letter", "\\U0001F600": ["face", "smiling"]}, "some.bin").keys
+    2
+    >>> Dictionary.build(io.StringIO("a\\tletter\\nb\\n"), "some.bin")
     Traceback (most recent call last):
-    dictionary._build.BuildError: <source>:2:2: no-field: the record has no field separator; ...
+    dictionary._build.BuildError: 2:2: no-field: the record has no field separator; ...
     """
     if not 0 < problem_limit <= _MOST_PROBLEMS:
         raise ValueError(f"problem_limit must be from 1 to {_MOST_PROBLEMS}")
-    name = _name(source)
-    watch = _Watch(name, "" if image is None else os.fsdecode(image), progress)
-    counts = BuildCounts(sizeof(BuildCounts))
+    watch = _Watch(source, progress)
     options = BuildOptions(
-        sizeof(BuildOptions), _notation(field_separator), _notation(record_separator),
-        problem_limit, lenient, OnProblem(watch.on_problem), OnProgress(watch.on_progress))
-    target = None if image is None else path_bytes(image)
-    function, content = _content(source)
-    result = _run(watch, function, *content, target, byref(options), byref(counts))
+        fieldSeparator=_notation(field_separator), recordSeparator=_notation(record_separator),
+        problemLimit=problem_limit, lenient=lenient, fromWindows=from_windows,
+        allowEmpty=allow_empty, folded=folded, onProblem=OnProblem(watch.on_problem),
+        onProgress=OnProgress(watch.on_progress))
+    if image is None:
+        return _build(watch, struct_of(source), Target(), options)
+    if isinstance(image, (str, bytes, os.PathLike)):
+        return _build(watch, struct_of(source), Target(path=path_bytes(image)), options)
+    return _build_into(image, watch, struct_of(source), options)
+
+
+def _build_into(file: IO[bytes], watch: _Watch, source: _library.Source,
+                options: BuildOptions) -> BuildReport:
+    buffer = ImageBuffer()
+    try:
+        report = _build(watch, source, Target(buffer=pointer(buffer)), options)
+        file.write(string_at(buffer.bytes, buffer.size))
+        return report
+    finally:
+        library.dictionaryFreeBuffer(byref(buffer))
+
+
+def _build(watch: _Watch, source: _library.Source, target: Target,
+           options: BuildOptions) -> BuildReport:
+    report, error = _library.BuildReport(), Error()
+    _run(watch, byref(source), byref(target), byref(options), byref(report), byref(error))
     if watch.failure is not None:
         raise watch.failure
-    if result == STOPPED:
-        raise BuildStopped(name)
-    if result == NOT_BUILT:
-        raise BuildError(tuple(watch.problems))
-    return BuildReport(counts.records, counts.keys, counts.refused, counts.imageBytes,
-                       counts.problems, tuple(watch.problems))
+    if error.code != OK:
+        raise _exception(watch, error)
+    return BuildReport(report.records, report.keys, report.imageBytes, report.problems,
+                       tuple(watch.problems))
 
 
-def _run(watch: _Watch, function: Callable[..., int], *arguments: Any) -> int:
+def _run(watch: _Watch, *arguments: Any) -> None:
     """Calls the library on another thread, as no exception can leave one of its callbacks: an
     interrupt reaches the caller, who waits, and stops the build.
     """
     with ThreadPoolExecutor(max_workers=1) as thread:
         try:
-            return thread.submit(function, *arguments).result()
+            thread.submit(library.dictionaryBuildFrom, *arguments).result()
         finally:
             watch.stopped = True
 
 
-def _name(source: _Path | IO[str] | IO[bytes]) -> str:
-    if hasattr(source, "read"):
-        return str(getattr(source, "name", "<source>"))
-    return os.fsdecode(source)
-
-
-def _content(source: Any) -> tuple[Callable[..., int], tuple[Any, ...]]:
-    """The function that builds from such a source, and the source for it."""
-    if not hasattr(source, "read"):
-        return library.dictionaryBuild, (path_bytes(source),)
-    content = source.read()
-    raw = content.encode() if isinstance(content, str) else bytes(content)
-    return library.dictionaryBuildBytes, (raw, len(raw))
+def _exception(watch: _Watch, error: Error) -> Exception:
+    if error.code in (BAD_ARGUMENT, NO_MEMORY):
+        return exception_of(error)
+    problem = watch.problem_of(error)
+    if error.code == STOPPED:
+        return BuildStopped(problem)
+    return BuildError(problem, tuple(watch.problems))
 
 
 def _notation(separator: str) -> bytes:

@@ -1,25 +1,38 @@
 """What searching a str has different from searching bytes: units, encoding, data texts."""
 
-import re
+import codecs
 import struct
-from collections.abc import Sequence
+from collections.abc import Iterator, Sequence
 from ctypes import string_at
-from typing import AnyStr
+from itertools import chain
+from typing import Any, AnyStr
 
 from ._library import UNIT_BYTE, UNIT_CODE_POINT
 
 _MOST_TEXTS = 1 << 16
 
-# Where a data text lies, as a match holds it: address and length.
+# Where a data text lies, as matches and lookups hold it: address and length.
 _PLACE = struct.Struct("@PN")
+PLACE_SIZE = _PLACE.size
+_PLACES = struct.Struct(f"{PLACE_SIZE}s")
+_NO_PLACE = bytes(PLACE_SIZE)
 
-_SURROGATE = re.compile("[\ud800-\udfff]")
-_IN_NO_KEY = "\U0010ffff"
+# It begins no UTF-8 sequence, and so counts as one character, which is in no key.
+_IN_NO_KEY = b"\xff"
+_SURROGATES = "dictionary.surrogates"
 
 
-class Form(dict[bytes, AnyStr]):
+def _replace_surrogates(error: UnicodeError) -> tuple[bytes, int]:
+    assert isinstance(error, UnicodeEncodeError)
+    return _IN_NO_KEY * (error.end - error.start), error.end
+
+
+codecs.register_error(_SURROGATES, _replace_surrogates)
+
+
+class Form(dict[bytes, AnyStr | None]):
     """One of the two ways to search an image. As a dict it maps places of data texts, 16 bytes as
-    they stand in a match, to the texts: most keys share theirs with others, and a look into a dict
+    matches hold them, to the texts: most keys share theirs with others, and a look into a dict
     costs less than a new string.
     """
 
@@ -34,14 +47,17 @@ class Form(dict[bytes, AnyStr]):
         raise NotImplementedError
 
     def encode_all(self, texts: Sequence[AnyStr]) -> list[bytes]:
-        if not all(isinstance(text, self.kind) for text in texts):
-            raise TypeError("the texts must be str, all of them, or bytes")
         return list(map(self.encode, texts))
 
-    def __missing__(self, place: bytes) -> AnyStr:
+    def data_texts(self, places: bytes) -> Iterator[AnyStr | None]:
+        """The data texts at places that stand side by side, None where there is none."""
+        return map(self.__getitem__, chain.from_iterable(_PLACES.iter_unpack(places)))
+
+    def __missing__(self, place: bytes) -> AnyStr | None:
         if len(self) >= _MOST_TEXTS:
             self.clear()
-        text = self[place] = self.decode(string_at(*_PLACE.unpack(place)))
+        text = None if place == _NO_PLACE else self.decode(string_at(*_PLACE.unpack(place)))
+        self[place] = text
         return text
 
 
@@ -54,10 +70,13 @@ class StrForm(Form[str]):
     unit = UNIT_CODE_POINT
 
     def encode(self, text: str) -> bytes:
+        return text.encode(errors=_SURROGATES)
+
+    def encode_all(self, texts: Sequence[str]) -> list[bytes]:
         try:
-            return text.encode()
+            return list(map(str.encode, texts))
         except UnicodeEncodeError:
-            return _SURROGATE.sub(_IN_NO_KEY, text).encode()
+            return super().encode_all(texts)
 
     def decode(self, data: bytes) -> str:
         return data.decode(errors="surrogateescape")
@@ -72,3 +91,18 @@ class BytesForm(Form[bytes]):
 
     def decode(self, data: bytes) -> bytes:
         return data
+
+
+class Forms:
+    """Those of one image."""
+
+    def __init__(self) -> None:
+        self.str = StrForm()
+        self.bytes = BytesForm()
+
+    def of(self, text: AnyStr) -> Form[AnyStr]:
+        form: Any = self.str if isinstance(text, str) else self.bytes
+        if not isinstance(text, form.kind):
+            raise TypeError(f"expected str or bytes, not {type(text).__name__}")
+        found: Form[AnyStr] = form
+        return found

@@ -1,136 +1,227 @@
-"""Open images, the searches over them and why they are refused."""
+"""Handles of the library, and what it answers as Python's objects."""
 
-import os
+import contextlib
 import struct
-from collections.abc import Iterable, Iterator, Sequence
-from ctypes import byref, c_char_p, c_size_t, c_void_p, string_at
-from itertools import islice
+from array import array
+from collections.abc import Callable, Iterable, Iterator
+from ctypes import Array, addressof, byref, c_bool, c_char, create_string_buffer, string_at
+from functools import lru_cache
+from itertools import chain, islice
 from typing import Any, AnyStr
 
-from ._form import BytesForm, Form, StrForm
-from ._library import OPEN_COPY, OPEN_MAP, ImageFault, MatchList, library, path_bytes
+from . import _collector
+from ._errors import ImageError, exception_of
+from ._form import PLACE_SIZE, Form, Forms
+from ._library import (OPEN_BORROW, OPEN_COPY, OPEN_SHARE, UNIT_BYTE, UNIT_CODE_POINT, Description,
+                       Error, FindOptions, Matches, library, path_bytes)
 from ._match import Match
+from ._texts import Batch, batches
 
-_LONGEST_TEXT = 2**31 - 1
 _TEXTS_PER_CALL = 64
+_KEYS_PER_CALL = 1024
+_MANY_MATCHES = 1000
+_MOST_KEPT_MATCHES = 1 << 12
+_MOST_SPARE_LISTS = 16
 
-# A match as the library gives it: start, length and the place of the data.
-_MATCH = struct.Struct("@NN16s")
+# A match as the library has it: start, length, place of the data, image.
+_MATCH = struct.Struct("@NN16s4xI")
+# A key of a list: its text, place of the data.
+_KEY = struct.Struct("@PN16s8x")
 _Rows = Iterator[tuple[Any, ...]]
 
-
-class ImageError(Exception):
-    """An image file that is refused: no image, or a damaged one.
-
-    ``code`` is the reason as a name ("header"), ``text`` the same in words; ``cell`` and ``offset``
-    (in bytes from the start of the file) say where, if that is known.
-    """
-
-    def __init__(self, path: str, code: str, text: str, cell: int | None, offset: int | None):
-        super().__init__(path, code, text, cell, offset)
-        self.path, self.code, self.text, self.cell, self.offset = path, code, text, cell, offset
-
-    def __str__(self) -> str:
-        places = {"cell": self.cell, "byte": self.offset}
-        return f"{self.path}: {self.text}" + "".join(
-            f", {unit} {number}" for unit, number in places.items() if number is not None)
+Search = tuple[Any, Any]
+"""Find options, by unit."""
 
 
-def _refusal(path: str, fault: ImageFault) -> Exception:
-    code = library.dictionaryFaultName(fault.code).decode()
-    text = fault.text.decode()
-    if code == "no-memory":
-        return MemoryError(text)
-    if fault.systemError:
-        return OSError(fault.systemError, os.strerror(fault.systemError), path)
-    cell, offset = (number if number >= 0 else None for number in (fault.cell, fault.offset))
-    return ImageError(path, code, text, cell, offset)
+@lru_cache
+def search_of(mode: int, whole_words: bool = False, every_image: bool = False,
+              unknown_pieces: bool = False, joined_runs: bool = False,
+              segmenter: int | None = None) -> Search:
+    def options(unit: int) -> Any:
+        return byref(FindOptions(
+            mode=mode, unit=unit, segmenter=segmenter, wholeWords=whole_words,
+            everyImage=every_image, unknownPieces=unknown_pieces, joinedRuns=joined_runs))
+    return options(UNIT_BYTE), options(UNIT_CODE_POINT)
 
 
-def _failure(texts: Iterable[bytes]) -> Exception:
-    if any(len(text) > _LONGEST_TEXT for text in texts):
-        return ValueError(f"a text is over {_LONGEST_TEXT} bytes of UTF-8 long")
-    return MemoryError()
+class _Found(Matches):
+    """A list of matches, and the record of what may go wrong while it is filled."""
+
+    def __init__(self) -> None:
+        super().__init__()
+        self.error = Error()
+        self.address, self.error_address = addressof(self), addressof(self.error)
+
+    def rows(self) -> _Rows:
+        return _MATCH.iter_unpack(string_at(self.items, self.count * _MATCH.size))
+
+    def __del__(self, free: Any = library.dictionaryFreeMatches) -> None:
+        free(self.address)
 
 
-def _rows(found: MatchList) -> _Rows:
-    return _MATCH.iter_unpack(string_at(found.items, found.count * _MATCH.size))
+class _FoundLists:
+    """Lists to be used again, as making one takes as long as a search."""
+
+    def __init__(self) -> None:
+        self._spare: list[_Found] = []
+
+    def take(self) -> _Found:
+        try:
+            return self._spare.pop()
+        except IndexError:
+            return _Found()
+
+    def give_back(self, found: _Found) -> None:
+        if found.capacity <= _MOST_KEPT_MATCHES and len(self._spare) < _MOST_SPARE_LISTS:
+            self._spare.append(found)
 
 
-def _matches(text: AnyStr, rows: _Rows, data: Form[AnyStr]) -> list[Match[AnyStr]]:
+def matches_of(text: AnyStr, rows: _Rows, data: Form[AnyStr]) -> list[Match[AnyStr]]:
     # Match(...) would take arguments apart that are a tuple already.
     new = tuple.__new__
-    return [new(Match, (start, start + length, text[start:start + length], data[place]))
-            for start, length, place in rows]
+    return [new(Match, (start, start + length, text[start:start + length], data[place], image))
+            for start, length, place, image in rows]
+
+
+def pieces_of(text: AnyStr, rows: _Rows, _: object) -> list[AnyStr]:
+    return [text[start:start + length] for start, length, *_ in rows]
+
+
+_Make = Callable[[Any, _Rows, Form[Any]], list[Any]]
 
 
 class Image:
-    """A handle of the library and what is known of its data texts. It is destroyed when nobody
-    refers to it any more; whoever searches it does.
-    """
+    """An open handle. It is closed when nobody refers to it any more; whoever searches it does."""
 
-    _handle: int | None = None
+    handle: int | None = None
+    digest: str | None = None
 
-    def __init__(self, path: str, copy: bool) -> None:
-        fault = ImageFault()
-        mode = OPEN_COPY if copy else OPEN_MAP
-        self._handle = library.dictionaryOpen(path_bytes(path), mode, byref(fault))
-        if self._handle is None:
-            raise _refusal(path, fault)
-        self._forms: tuple[Form[Any], ...] = (StrForm(), BytesForm())
+    def __init__(self, handle: int | None, error: Error, kept: object = None) -> None:
+        """Takes the handle over and keeps ``kept``, on which it rests, alive."""
+        if handle is None:
+            raise exception_of(error, ImageError)
+        self.handle, self._kept = handle, kept
+        self._forms, self._lists = Forms(), _FoundLists()
 
-    def __del__(self, destroy: Any = library.destroyBin) -> None:
-        destroy(self._handle)
+    def __del__(self, close: Any = library.dictionaryClose) -> None:
+        close(self.handle)
+
+    @classmethod
+    def of_file(cls, path: str, copy: bool) -> "Image":
+        error, raw = Error(), path_bytes(path)  # to which the error refers
+        mode = OPEN_COPY if copy else OPEN_SHARE
+        return cls(library.dictionaryOpenFile(raw, mode, byref(error)), error)
+
+    @classmethod
+    def of_bytes(cls, data: bytes) -> "Image":
+        error = Error()
+        handle = library.dictionaryOpenBytes(data, len(data), OPEN_BORROW, byref(error))
+        return cls(handle, error, data)
+
+    def describe(self) -> Description:
+        description, error = Description(), Error()
+        if library.dictionaryDescribe(self.handle, byref(description), byref(error)):
+            raise exception_of(error)
+        return description
+
+    def content(self) -> "Array[c_char]":
+        """The bytes of a single image, which last as long as this."""
+        place = library.dictionaryImageBytes(self.handle, 0)
+        content: "Array[c_char]" = (c_char * place.size).from_address(place.bytes)
+        return content
+
+    def form(self, text: AnyStr) -> Form[AnyStr]:
+        return self._forms.of(text)
 
     def lookup(self, key: AnyStr) -> AnyStr | None:
-        form = self._form(key)
+        form = self._forms.of(key)
         raw = form.encode(key)
-        address, length = c_void_p(), c_size_t()
-        if not library.dictionaryLookup(self._handle, raw, len(raw), byref(address), byref(length)):
+        place = create_string_buffer(PLACE_SIZE)
+        if not library.dictionaryLookupKey(self.handle, raw, len(raw), place):
             return None
-        return form.decode(string_at(address, length.value))
+        return form[place.raw]
 
     def has(self, key: AnyStr) -> bool:
-        raw = self._form(key).encode(key)
-        return bool(library.dictionaryLookup(self._handle, raw, len(raw), None, None))
+        raw = self._forms.of(key).encode(key)
+        return bool(library.dictionaryLookupKey(self.handle, raw, len(raw), None))
 
-    def find(self, mode: int, text: AnyStr) -> list[Match[AnyStr]]:
-        form = self._form(text)
+    def lookup_each(self, keys: Iterable[AnyStr], skip_missing: bool) -> Iterator[AnyStr | None]:
+        many = batches(keys, _KEYS_PER_CALL, self._forms, skip_missing)
+        return chain.from_iterable(map(self._look_up_batch, many))
+
+    def _look_up_batch(self, batch: Batch) -> Iterator[Any]:
+        places = bytearray(len(batch) * PLACE_SIZE)
+        room = (c_char * len(places)).from_buffer(places)
+        library.dictionaryLookupKeys(self.handle, batch.packed.address, len(batch), room)
+        return batch.form.data_texts(places)
+
+    def keys(self, prefix: AnyStr) -> Iterator[AnyStr]:
+        return (key for key, _ in self._list(prefix))
+
+    def items(self, prefix: AnyStr) -> Iterator[tuple[AnyStr, AnyStr]]:
+        data: Any = self._forms.of(prefix)
+        return ((key, data[place]) for key, place in self._list(prefix))
+
+    def _list(self, prefix: AnyStr) -> Iterator[tuple[AnyStr, bytes]]:
+        """The keys that begin with a prefix, and where their data is."""
+        form = self._forms.of(prefix)
+        raw, key, decode = form.encode(prefix), create_string_buffer(_KEY.size), form.decode
+        next_key = library.dictionaryNextKey
+        with _cursor(self) as cursor:
+            library.dictionarySeekPrefix(cursor, raw, len(raw))
+            while next_key(cursor, key):
+                begin, size, place = _KEY.unpack(key)
+                yield decode(string_at(begin, size)), place
+
+    def contains_key(self, search: Search, text: AnyStr) -> bool:
+        raw = self._forms.of(text).encode(text)
+        contains, error = c_bool(), Error()
+        if library.dictionaryContainsKey(self.handle, search[0], raw, len(raw), byref(contains),
+                                         byref(error)):
+            raise exception_of(error)
+        return contains.value
+
+    def find(self, search: Search, text: AnyStr,
+             make: _Make = matches_of) -> list[Any]:
+        form = self._forms.of(text)
         raw = form.encode(text)
-        found = MatchList()
-        try:
-            if not library.dictionaryFind(self._handle, mode, form.unit, raw, len(raw),
-                                          byref(found)):
-                raise _failure([raw])
-            return _matches(text, _rows(found), form)
-        finally:
-            library.dictionaryReleaseMatches(byref(found))
+        found = self._lists.take()
+        if library.dictionaryFindMatches(self.handle, search[form.unit], raw, len(raw),
+                                         found.address, found.error_address):
+            raise exception_of(found.error)
+        rows, count = found.rows(), found.count
+        self._lists.give_back(found)
+        if count < _MANY_MATCHES:
+            return make(text, rows, form)
+        with _collector.paused():
+            return make(text, rows, form)
 
-    def find_each(self, mode: int, texts: Iterator[AnyStr]) -> Iterator[list[Match[AnyStr]]]:
-        found = MatchList()
-        try:
-            while batch := list(islice(texts, _TEXTS_PER_CALL)):
-                form = self._form(batch[0])
-                begin, ends = 0, self._find_in_each(mode, form, batch, found)
-                rows = _rows(found)
-                for text, end in zip(batch, ends):
-                    yield _matches(text, islice(rows, end - begin), form)
-                    begin = end
-        finally:
-            library.dictionaryReleaseMatches(byref(found))
+    def find_each(self, search: Search, texts: Iterable[AnyStr],
+                  skip_missing: bool, make: _Make = matches_of) -> Iterator[list[Any]]:
+        many = batches(texts, _TEXTS_PER_CALL, self._forms, skip_missing)
+        return chain.from_iterable(self._find_in_batch(search, batch, make) for batch in many)
 
-    def _find_in_each(self, mode: int, form: Form[AnyStr], batch: Sequence[AnyStr],
-                      found: MatchList) -> Iterable[int]:
-        raws, count = form.encode_all(batch), len(batch)
-        texts, sizes = (c_char_p * count)(*raws), (c_size_t * count)(*map(len, raws))
-        ends = (c_size_t * count)()
-        if not library.dictionaryFindInEach(self._handle, mode, form.unit, texts, sizes, count,
-                                            byref(found), ends):
-            raise _failure(raws)
-        return ends
+    def _find_in_batch(self, search: Search, batch: Batch, make: _Make) -> Iterator[list[Any]]:
+        found, ends = self._lists.take(), array("Q", bytes(8 * len(batch)))
+        if library.dictionaryFindInTexts(
+                self.handle, search[batch.form.unit], batch.packed.address, len(batch),
+                found.address, ends.buffer_info()[0], found.error_address):
+            found.error.line += batch.first
+            raise exception_of(found.error)
+        rows, begin = found.rows(), 0
+        self._lists.give_back(found)
+        for text, end in zip(batch, ends):
+            yield make(text, islice(rows, end - begin), batch.form)
+            begin = end
 
-    def _form(self, text: AnyStr) -> Form[AnyStr]:
-        for form in self._forms:
-            if isinstance(text, form.kind):
-                return form
-        raise TypeError(f"expected str or bytes, not {type(text).__name__}")
+
+@contextlib.contextmanager
+def _cursor(image: Image) -> Iterator[int]:
+    error = Error()
+    cursor = library.dictionaryOpenCursor(image.handle, byref(error))
+    if cursor is None:
+        raise exception_of(error)
+    try:
+        yield cursor
+    finally:
+        library.dictionaryCloseCursor(cursor)

@@ -2,64 +2,135 @@
 
 import ctypes
 import os
-from ctypes import POINTER, c_bool, c_char_p, c_int, c_int64, c_size_t, c_uint, c_uint64, c_void_p
+from ctypes import (POINTER, c_bool, c_char, c_char_p, c_double, c_int, c_int64, c_size_t, c_uint,
+                    c_uint32, c_uint64, c_void_p, sizeof)
 from pathlib import Path
 from typing import Any
 
 NAME = "libdictionary.so.1"
 CHOSEN = "DICTIONARY_LIBRARY"
 
-FIND_ALL, FIND_LONGEST, FIND_SEGMENT = range(3)
+OK, BAD_ARGUMENT, NO_MEMORY, STOPPED = range(4)
+TEXT_TOO_LONG = 6
+FIND_ALL, FIND_LONGEST, FIND_SEGMENT, FIND_WEIGHTED, FIND_PREFIXES = range(5)
 UNIT_BYTE, UNIT_CODE_POINT = range(2)
-OPEN_MAP, OPEN_COPY = range(2)
-BUILT, BUILT_WITHOUT_SOME, NOT_BUILT, STOPPED = range(4)
+OPEN_COPY, OPEN_SHARE, OPEN_BORROW = 1, 2, 3
+WEIGHTS_COUNTS, WEIGHTS_COSTS = range(2)
 
 
-class ImageFault(ctypes.Structure):
-    _fields_ = [("code", c_int), ("systemError", c_int), ("cell", c_int64), ("offset", c_int64),
-                ("text", c_char_p)]
+class Text(ctypes.Structure):
+    _fields_ = [("bytes", c_void_p), ("size", c_size_t)]
 
 
-class SourceProblem(ctypes.Structure):
-    _fields_ = [("code", c_int), ("severity", c_int), ("systemError", c_int), ("line", c_uint64),
-                ("column", c_uint64), ("text", c_char_p)]
+class Error(ctypes.Structure):
+    _fields_ = [("code", c_int), ("severity", c_int), ("systemError", c_int), ("file", c_int),
+                ("path", c_char_p), ("line", c_uint64), ("column", c_uint64), ("cell", c_int64),
+                ("offset", c_int64), ("text", c_char * 256)]
 
 
-OnProblem = ctypes.CFUNCTYPE(None, c_void_p, POINTER(SourceProblem))
-OnProgress = ctypes.CFUNCTYPE(c_bool, c_void_p, c_int, c_uint64, c_uint64)
+class Sized(ctypes.Structure):
+    """A struct that begins with its own size, for the members that later versions add."""
+
+    def __init__(self, **members: Any) -> None:
+        super().__init__(sizeof(self), **members)
 
 
-class BuildOptions(ctypes.Structure):
-    _fields_ = [("size", c_size_t), ("fieldSeparator", c_char_p), ("recordSeparator", c_char_p),
-                ("problemLimit", c_uint), ("lenient", c_bool), ("onProblem", OnProblem),
-                ("onProgress", OnProgress), ("context", c_void_p)]
+class Description(Sized):
+    _fields_ = [("size", c_size_t), ("imageBytes", c_uint64), ("cells", c_uint64),
+                ("featureBytes", c_uint64), ("keys", c_uint64), ("images", c_uint32),
+                ("folded", c_bool)]
 
 
-class BuildCounts(ctypes.Structure):
-    _fields_ = [("size", c_size_t), ("records", c_uint64), ("keys", c_uint64),
-                ("refused", c_uint64), ("problems", c_uint64), ("imageBytes", c_uint64)]
+class FindOptions(Sized):
+    _fields_ = [("size", c_size_t), ("mode", c_int), ("unit", c_int), ("segmenter", c_void_p),
+                ("wholeWords", c_bool), ("everyImage", c_bool), ("unknownPieces", c_bool),
+                ("joinedRuns", c_bool)]
 
 
-class MatchList(ctypes.Structure):
+class Matches(ctypes.Structure):
     _fields_ = [("items", c_void_p), ("count", c_size_t), ("capacity", c_size_t)]
 
 
-# Array arguments go as plain addresses, which spares a check of their type in every call.
-_TEXTS = _SIZES = _MATCHES = c_void_p
+class SegmenterOptions(Sized):
+    _fields_ = [("size", c_size_t), ("weights", c_int), ("field", c_uint),
+                ("unknownCost", c_double)]
+
+
+class ReplaceOptions(Sized):
+    _fields_ = [("size", c_size_t), ("field", c_uint), ("alternatives", c_char_p),
+                ("removeEmpty", c_bool), ("wantEdits", c_bool)]
+
+
+class Replacement(ctypes.Structure):
+    _fields_ = [("bytes", c_void_p), ("size", c_size_t), ("capacity", c_size_t),
+                ("edits", c_void_p), ("editCount", c_size_t), ("editCapacity", c_size_t)]
+
+
+NextItem = ctypes.CFUNCTYPE(c_bool, c_void_p, POINTER(c_void_p), POINTER(c_size_t))
+OnProblem = ctypes.CFUNCTYPE(None, c_void_p, POINTER(Error))
+OnProgress = ctypes.CFUNCTYPE(c_bool, c_void_p, c_int, c_uint64, c_uint64)
+
+
+class Source(Sized):
+    _fields_ = [("size", c_size_t), ("path", c_char_p), ("bytes", Text), ("nextItem", NextItem),
+                ("context", c_void_p)]
+
+
+class ImageBuffer(ctypes.Structure):
+    _fields_ = [("bytes", c_void_p), ("size", c_size_t)]
+
+
+class Target(Sized):
+    _fields_ = [("size", c_size_t), ("path", c_char_p), ("buffer", POINTER(ImageBuffer))]
+
+
+class BuildOptions(Sized):
+    _fields_ = [("size", c_size_t), ("fieldSeparator", c_char_p), ("recordSeparator", c_char_p),
+                ("problemLimit", c_uint), ("lenient", c_bool), ("fromWindows", c_bool),
+                ("allowEmpty", c_bool), ("folded", c_bool), ("onProblem", OnProblem),
+                ("onProgress", OnProgress), ("context", c_void_p)]
+
+
+class BuildReport(Sized):
+    _fields_ = [("size", c_size_t), ("records", c_uint64), ("keys", c_uint64),
+                ("problems", c_uint64), ("imageBytes", c_uint64)]
+
+
+# Pointers go as plain addresses, which spares a check of their type in every call.
+_HANDLE = _CURSOR = _SEGMENTER = _POINTER = c_void_p
+_ERROR = c_void_p
+
+# A DictionaryText goes as its two members, in a third of the time: by the calling conventions of
+# 64-bit Linux a struct of a pointer and a size is passed as the two would be.
+_TEXT = (c_char_p, c_size_t)
 
 _FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
-    "destroyBin": (None, [c_void_p]),
-    "dictionaryBuild": (c_int, [c_char_p, c_char_p, POINTER(BuildOptions), POINTER(BuildCounts)]),
-    "dictionaryBuildBytes": (c_int, [c_char_p, c_size_t, c_char_p, POINTER(BuildOptions),
-                                     POINTER(BuildCounts)]),
-    "dictionaryFind": (c_bool, [c_void_p, c_int, c_int, c_char_p, c_size_t, _MATCHES]),
-    "dictionaryFindInEach": (c_bool, [c_void_p, c_int, c_int, _TEXTS, _SIZES, c_size_t, _MATCHES,
-                                      _SIZES]),
-    "dictionaryLookup": (c_bool, [c_void_p, c_char_p, c_size_t, c_void_p, c_void_p]),
-    "dictionaryOpen": (c_void_p, [c_char_p, c_int, POINTER(ImageFault)]),
-    "dictionaryFaultName": (c_char_p, [c_int]),
-    "dictionaryProblemName": (c_char_p, [c_int]),
-    "dictionaryReleaseMatches": (None, [_MATCHES]),
+    "dictionaryBuildFrom": (c_int, [_POINTER, _POINTER, _POINTER, _POINTER, _ERROR]),
+    "dictionaryClose": (None, [_HANDLE]),
+    "dictionaryCloseCursor": (None, [_CURSOR]),
+    "dictionaryCodeName": (c_char_p, [c_int]),
+    "dictionaryContainsKey": (c_int, [_HANDLE, _POINTER, *_TEXT, _POINTER, _ERROR]),
+    "dictionaryDataAt": (Text, [_HANDLE, c_uint32, c_uint32]),
+    "dictionaryDescribe": (c_int, [_HANDLE, _POINTER, _ERROR]),
+    "dictionaryErrorMessage": (c_size_t, [_ERROR, c_char_p, c_size_t]),
+    "dictionaryFindInTexts": (c_int, [_HANDLE, _POINTER, _POINTER, c_size_t, _POINTER, _POINTER,
+                                      _ERROR]),
+    "dictionaryFindMatches": (c_int, [_HANDLE, _POINTER, *_TEXT, _POINTER, _ERROR]),
+    "dictionaryFreeBuffer": (None, [_POINTER]),
+    "dictionaryFreeMatches": (None, [_POINTER]),
+    "dictionaryFreeReplacement": (None, [_POINTER]),
+    "dictionaryFreeSegmenter": (None, [_SEGMENTER]),
+    "dictionaryImageBytes": (Text, [_HANDLE, c_uint32]),
+    "dictionaryLookupKey": (c_bool, [_HANDLE, *_TEXT, _POINTER]),
+    "dictionaryLookupKeys": (c_size_t, [_HANDLE, _POINTER, c_size_t, _POINTER]),
+    "dictionaryMakeSegmenter": (_SEGMENTER, [_HANDLE, _POINTER, _ERROR]),
+    "dictionaryNextKey": (c_bool, [_CURSOR, _POINTER]),
+    "dictionaryOpenBytes": (_HANDLE, [*_TEXT, c_int, _ERROR]),
+    "dictionaryOpenCursor": (_CURSOR, [_HANDLE, _ERROR]),
+    "dictionaryOpenFile": (_HANDLE, [c_char_p, c_int, _ERROR]),
+    "dictionaryOpenSet": (_HANDLE, [_POINTER, c_size_t, _ERROR]),
+    "dictionaryReplaceKeys": (c_int, [_HANDLE, _POINTER, _POINTER, *_TEXT, _POINTER, _ERROR]),
+    "dictionarySeekPrefix": (None, [_CURSOR, *_TEXT]),
     "dictionaryVersion": (c_char_p, []),
 }
 

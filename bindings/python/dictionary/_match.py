@@ -3,51 +3,49 @@
 from typing import AnyStr, Generic, NamedTuple
 
 
-def fields(data: AnyStr) -> tuple[AnyStr, ...]:
-    """The fields of a data text. A key that occurred more than once keeps the fields of all its
-    records, those of a later one with a ``;`` in front.
-
-    >>> fields("noun\\tTokyo\\t")
-    ('noun', 'Tokyo')
-    """
-    tab, _ = _marks(data)
-    return tuple(data.removesuffix(tab).split(tab))
-
-
-def records(data: AnyStr) -> tuple[tuple[AnyStr, ...], ...]:
-    """The fields of each record of a key that occurred more than once, as far as they can be told
-    apart: a field that begins with ``;`` is taken for the begin of a record.
+def records(data: AnyStr) -> list[list[AnyStr]]:
+    """The fields of each record of a data text; a key that occurred more than once has several. A
+    field after the first that begins with ``;`` begins a record.
 
     >>> records("noun\\tbook\\t;verb\\tto book\\t")
-    (('noun', 'book'), ('verb', 'to book'))
+    [['noun', 'book'], ['verb', 'to book']]
     """
-    tab, semicolon = _marks(data)
-    parts = data.removesuffix(tab).split(tab + semicolon)
-    return tuple(tuple(part.split(tab)) for part in parts)
+    if not data:
+        return []
+    tab, mark = ("\t", "\t;") if isinstance(data, str) else (b"\t", b"\t;")
+    return [record.split(tab) for record in data.removesuffix(tab).split(mark)]
 
 
-def _marks(data: AnyStr) -> tuple[AnyStr, AnyStr]:
-    return ("\t", ";") if isinstance(data, str) else (b"\t", b";")
+def fields(data: AnyStr) -> list[AnyStr]:
+    """The fields of the first record.
+
+    >>> fields("noun\\tTokyo\\t")
+    ['noun', 'Tokyo']
+    """
+    return next(iter(records(data)), [])
 
 
 class Match(NamedTuple, Generic[AnyStr]):
-    """A key found in a text, with ``key == text[start:end]``. It depends on nothing and outlives
-    the dictionary.
+    """A key found in a text, with ``key == text[start:end]`` (in a folded dictionary the text may
+    have its letters in other forms). It depends on nothing and outlives the dictionary.
     """
 
     start: int
     end: int
     key: AnyStr
+    """As it is in the text."""
     data: AnyStr
     """The key's data text: its fields, each followed by a tab."""
+    image: int = 0
+    """Of a set, the number of the dictionary that has the key."""
 
     # mypy does not see that a generic tuple is one of its own kind.
     @property
-    def fields(self) -> tuple[AnyStr, ...]:  # type: ignore[misc]
+    def fields(self) -> list[AnyStr]:  # type: ignore[misc]
         """As the function ``fields`` gives them."""
         return fields(self.data)
 
     @property
-    def records(self) -> tuple[tuple[AnyStr, ...], ...]:  # type: ignore[misc]
+    def records(self) -> list[list[AnyStr]]:  # type: ignore[misc]
         """As the function ``records`` gives them."""
         return records(self.data)

@@ -1,0 +1,77 @@
+"""Many texts for one call of the library."""
+
+import reprlib
+from array import array
+from collections.abc import Iterable, Iterator, Sequence
+from ctypes import c_char_p, c_void_p, cast
+from itertools import accumulate, islice
+from typing import Any, AnyStr
+
+from ._form import Form, Forms
+
+_ADDRESS = "Q"
+
+
+def address_of(content: bytes) -> int:
+    return cast(c_char_p(content), c_void_p).value or 0
+
+
+class PackedTexts:
+    """An array of DictionaryText."""
+
+    def __init__(self, texts: Sequence[bytes]) -> None:
+        self.count = len(texts)
+        self._bytes = b"".join(texts)
+        sizes = array(_ADDRESS, map(len, texts))
+        begin = address_of(self._bytes)
+        places = array(_ADDRESS, accumulate(sizes, initial=begin))
+        self._items = array(_ADDRESS, bytes(2 * sizes.itemsize * self.count))
+        self._items[0::2] = places[:-1]
+        self._items[1::2] = sizes
+        self.address = self._items.buffer_info()[0]
+
+
+class Batch(list[Any]):
+    """Texts of one kind. Those that are missing, None or NaN, count as empty if they may be so."""
+
+    def __init__(self, texts: Iterable[Any], first: int, forms: Forms, skip_missing: bool) -> None:
+        super().__init__(texts)
+        self.first = first
+        """How many texts were in batches before."""
+        self.form: Form[Any] = forms.str
+        if self._has_bytes():
+            self.form = forms.bytes
+        if not all(isinstance(text, self.form.kind) for text in self):
+            self._check(skip_missing)
+        self.packed = PackedTexts(self.form.encode_all(self))
+
+    def _has_bytes(self) -> bool:
+        return isinstance(next((text for text in self if not _is_missing(text)), None), bytes)
+
+    def _check(self, skip_missing: bool) -> None:
+        kind = self.form.kind
+        for number, text in enumerate(self):
+            if skip_missing and _is_missing(text):
+                self[number] = kind()
+            elif not isinstance(text, kind):
+                raise TypeError(f"item {self.first + number} (from 0) is {reprlib.repr(text)}: "
+                                "expected str, all of them, or bytes")
+
+
+def batches(texts: Iterable[AnyStr], size: int, forms: Forms,
+            skip_missing: bool) -> Iterator[Batch]:
+    if isinstance(texts, (str, bytes)):
+        raise TypeError("expected many texts, not one")
+    return _batches(iter(texts), size, forms, skip_missing)
+
+
+def _batches(texts: Iterator[Any], size: int, forms: Forms,
+             skip_missing: bool) -> Iterator[Batch]:
+    first = 0
+    while batch := Batch(islice(texts, size), first, forms, skip_missing):
+        yield batch
+        first += len(batch)
+
+
+def _is_missing(text: object) -> bool:
+    return text is None or (isinstance(text, float) and text != text)
