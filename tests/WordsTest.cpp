@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
+#include "Dictionary.hpp"
 #include "EncodedText.h"
 #include "Folding.h"
 #include "WordBoundary.h"
@@ -59,6 +61,36 @@ TEST(Folding, TakesCaseAndWidth) {
         std::string result = "before";
         foldUtf8(example.text, result);
         EXPECT_EQ(result, example.folded);
+    }
+}
+
+TEST(Columns, AreTheMatchesOfManyTexts) {
+    const std::vector<std::string> texts = {"Ab abc", "", "cab",
+                                            "\xFF\x61"
+                                            "bab c"};
+    dictionary::BuildOptions folding;
+    folding.folded = true;
+    dictionary::ImageBuffer small, large;
+    dictionary::buildBytes("ab\t1\nb\t2\n", small);
+    dictionary::buildBytes("AB\t3\nabc\t4\n", large, folding);
+    const auto plain = dictionary::Image::openBytes(small.view());
+    const auto folded = dictionary::Image::openBytes(large.view());
+    const auto both = dictionary::Image::set({&plain, &folded});
+    for (const auto mode : {dictionary::FindMode::all, dictionary::FindMode::segment}) {
+        const auto columns = both.findColumns(texts, mode);
+        std::size_t at = 0;
+        for (std::size_t text = 0; text < texts.size(); ++text) {
+            for (const dictionary::Match& match : both.find(texts[text], mode)) {
+                ASSERT_LT(at, columns.size());
+                EXPECT_EQ(columns.text()[at], text);
+                EXPECT_EQ(columns.start()[at], match.start);
+                EXPECT_EQ(columns.end()[at], match.start + match.length);
+                EXPECT_EQ(both.dataAt(columns.dataNumber()[at], columns.image()[at]), match.data);
+                ++at;
+            }
+        }
+        EXPECT_EQ(at, columns.size());
+        EXPECT_GT(at, 4u);
     }
 }
 

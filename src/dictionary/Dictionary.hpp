@@ -187,6 +187,32 @@ struct Match {
           isKey(match.data.bytes != nullptr) {}
 };
 
+// The matches of many texts as arrays that stand side by side; see DictionaryColumns. Can be moved,
+// but not copied.
+class Columns {
+public:
+    Columns() = default;
+    Columns(Columns&& other) noexcept : m_columns(std::exchange(other.m_columns, {})) {}
+    Columns& operator=(Columns&& other) noexcept {
+        std::swap(m_columns, other.m_columns);
+        return *this;
+    }
+    ~Columns() { dictionaryFreeColumns(&m_columns); }
+
+    std::size_t size() const { return m_columns.count; }
+    const std::uint32_t* text() const { return m_columns.text; }
+    const std::uint32_t* start() const { return m_columns.start; }
+    const std::uint32_t* end() const { return m_columns.end; }
+    const std::uint32_t* dataNumber() const { return m_columns.dataNumber; }
+    const std::uint32_t* image() const { return m_columns.image; }
+
+    // For the functions of Dictionary.h.
+    DictionaryColumns* get() noexcept { return &m_columns; }
+
+private:
+    DictionaryColumns m_columns = {};
+};
+
 // As DictionaryReplaceOptions.
 struct ReplaceOptions {
     unsigned field = 1;
@@ -370,6 +396,24 @@ public:
             begin = end;
         }
         return found;
+    }
+
+    // The same as columns.
+    template <class Range>
+    Columns findColumns(const Range& texts, const FindOptions& options = {}) const {
+        const std::vector<DictionaryText> given = textsOf(texts);
+        const DictionaryFindOptions how = optionsOf(options);
+        Columns found;
+        DictionaryError error;
+        detail::require(
+            dictionaryFindColumns(handle(), &how, given.data(), given.size(), found.get(), &error),
+            error);
+        return found;
+    }
+
+    // The data text with that number; empty when there is none.
+    std::string_view dataAt(std::uint32_t dataNumber, std::uint32_t image = 0) const {
+        return detail::viewOf(dictionaryDataAt(handle(), image, dataNumber));
     }
 
     // Calls `visit(match)` for each match of `text`, by start, until it returns false; false then.
