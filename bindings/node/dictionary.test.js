@@ -5,14 +5,19 @@ const fs = require('node:fs');
 const os = require('node:os');
 const path = require('node:path');
 const { after, before, test } = require('node:test');
+const { pathToFileURL } = require('node:url');
 const { Worker } = require('node:worker_threads');
 
-const { Dictionary, BuildError, ImageError, version } = require('dictionary');
+const {
+  BuildError, Dictionary, DictionaryError, fields, records, version,
+} = require('dictionary');
 
 const folder = fs.mkdtempSync(path.join(os.tmpdir(), 'dictionary-'));
 const inFolder = (name) => path.join(folder, name);
 const image = inFolder('words.bin');
-const words = { 京: '1', 京都: '2', 東京: '3', 東京都: '4', é: 'e', '\uFFFD': 'r', a: '', '😐': 'x' };
+const words = new Map(Object.entries({
+  京: '1', 京都: '2', 東京: '3', 東京都: '4', é: 'e', '\uFFFD': 'r', a: '', '😐': 'x',
+}));
 let dictionary;
 
 function write(name, content) {
@@ -20,14 +25,10 @@ function write(name, content) {
   return inFolder(name);
 }
 
-const record = ([key, data]) => `${key}\t${data}\n`;
-
 before(async () => {
-  const report = await Dictionary.build(
-    write('words.tsv', Object.entries(words).map(record).join('')), image);
-  assert.deepEqual({ ...report, problems: report.problems.map(({ code }) => code) }, {
-    records: 8, keys: 7, refused: 1, imageBytes: fs.statSync(image).size, problemCount: 1,
-    problems: ['beyond-bmp'],
+  const source = write('words.tsv', [...words].map(([key, data]) => `${key}\t${data}\n`).join(''));
+  assert.deepEqual(await Dictionary.build(source, image), {
+    records: 8, keys: 8, imageBytes: fs.statSync(image).size, problemCount: 0, problems: [],
   });
   dictionary = Dictionary.open(image);
 });
@@ -35,101 +36,206 @@ before(async () => {
 after(() => fs.rmSync(folder, { recursive: true }));
 
 // As the image holds it: a tab ends each field.
-const dataOf = (key) => `${words[key]}\t`;
-const found = (text, matches) =>
-  matches.map(({ start, end, data }) => [start, text.slice(start, end), data]);
+const dataOf = (key) => `${words.get(key)}\t`;
+const spansOf = (matches) => matches.map(({ start, end, key, data }) => [start, end, key, data]);
 
-test('matches carry UTF-16 offsets and data, the same at once and later', async () => {
+test('matches carry UTF-16 offsets, key and data, in every form of a call', async () => {
   const all = [[0, '東京'], [0, '東京都'], [1, '京'], [1, '京都']];
   const table = [
-    // text, findAll, findLongest, segment: [start, key]
-    ['東京都', all, [all[1], all[3]], [all[1]]],
-    ['é😐京', [[0, 'é'], [3, '京']]],
-    ['\uD83D京\uDE10é', [[1, '京'], [3, 'é']]],
-    ['\uDE10\uD83D\uD83D\uDE10京\uD83D', [[4, '京']]],
-    ['a\0a\uFFFD', [[0, 'a'], [2, 'a'], [3, '\uFFFD']]],
+    // text, findAll, findLongest, segment, findPrefixes: [start, key]
+    ['東京都', all, [all[1], all[3]], [all[1]], [all[0], all[1]]],
+    ['é😐京', [[0, 'é'], [1, '😐'], [3, '京']], , , [[0, 'é']]],
+    ['\uD83D京\uDE10é', [[1, '京'], [3, 'é']], , , []],
+    ['\uDE10\uD83D\uD83D\uDE10京\uD83D', [[2, '😐'], [4, '京']], , , []],
+    ['a\0a\uFFFD', [[0, 'a'], [2, 'a'], [3, '\uFFFD']], , , [[0, 'a']]],
     ['', []],
     ['none', []],
   ];
-  for (const [text, findAll, findLongest = findAll, segment = findAll] of table) {
-    for (const [name, keys] of Object.entries({ findAll, findLongest, segment })) {
-      const expected = keys.map(([start, key]) => [start, key, dataOf(key)]);
-      assert.deepEqual(found(text, dictionary[name](text)), expected, name);
-      assert.deepEqual(found(text, await dictionary[`${name}Async`](text)), expected, name);
+  const expected = { findAll: [], findLongest: [], segment: [], findPrefixes: [] };
+  for (const [text, findAll, findLongest = findAll, segment = findAll, findPrefixes = findAll]
+    of table) {
+    for (const [name, keys] of Object.entries({ findAll, findLongest, segment, findPrefixes })) {
+      const spans = keys.map(([start, key]) => [start, start + key.length, key, dataOf(key)]);
+      expected[name].push(spans);
+      assert.deepEqual(spansOf(dictionary[name](text)), spans, name);
+      assert.deepEqual(spansOf(await dictionary[`${name}Async`](text)), spans, name);
+    }
+    assert.equal(dictionary.test(text), findAll.length > 0);
+  }
+  const texts = new Set(table.map(([text]) => text));
+  for (const [name, spans] of Object.entries(expected)) {
+    assert.deepEqual(dictionary[`${name}Each`](texts).map(spansOf), spans, name);
+    assert.deepEqual((await dictionary[`${name}EachAsync`](texts)).map(spansOf), spans, name);
+  }
+});
+
+test('a dictionary is used like a Map', async () => {
+  const map = new Map([...words.keys()].sort((a, b) => Buffer.compare(...[a, b].map(Buffer.from)))
+    .map((key) => [key, dataOf(key)]));
+  assert.equal(dictionary.size, map.size);
+  assert.deepEqual(new Map(dictionary), map);
+  assert.deepEqual([...dictionary.values()], [...map.values()]);
+  assert.deepEqual([...dictionary.keys('京')], ['京', '京都']);
+  assert.deepEqual([...dictionary.entries('東京都')], [['東京都', dataOf('東京都')]]);
+  const seen = [];
+  dictionary.forEach((data, key, self) => seen.push([key, data, self]));
+  assert.deepEqual(seen, [...map].map((entry) => [...entry, dictionary]));
+  const asked = [...map.keys(), '', '東', '東京都京', 'a\0', '\uD83D', '\uD83D\uDE11'];
+  for (const key of asked) {
+    assert.equal(dictionary.get(key), map.get(key));
+    assert.equal(dictionary.has(key), map.has(key));
+  }
+  assert.deepEqual(dictionary.getEach(asked), asked.map((key) => map.get(key)));
+  const many = Array.from({ length: 5000 }, (_, i) => [String(i).padStart(4, '0'), '']);
+  assert.deepEqual([...(await Dictionary.of(many)).keys()], many.map(([key]) => key));
+});
+
+test('a repeated key has several records', async () => {
+  const book = await Dictionary.of([['book', 'noun', ''], ['book', ['verb', 'to book']]]);
+  const [match] = book.segment('a book');
+  assert.deepEqual([match.fields, match.records],
+    [['noun', ''], [['noun', ''], ['verb', 'to book']]]);
+  for (const [data, expected] of [['', []], ['\t', [['']]], ['a\t;\t', [['a'], ['']]],
+    [';a\tb\t', [[';a', 'b']]], [undefined, []]]) {
+    assert.deepEqual(records(data), expected);
+    assert.deepEqual(fields(data), expected[0] ?? []);
+  }
+});
+
+test('sources and images are files, bytes and items', async () => {
+  const bytes = fs.readFileSync(image);
+  const items = [...words];
+  const content = fs.readFileSync(inFolder('words.tsv'));
+  const changing = Buffer.from(content);
+  const building = Dictionary.buildBytes({ bytes: changing });
+  changing.fill(0);
+  assert.deepEqual(Buffer.from(await building), bytes);
+  for (const source of [words, items, items.values(), pathToFileURL(inFolder('words.tsv')),
+    Buffer.from(inFolder('words.tsv'))]) {
+    assert.deepEqual(Buffer.from(await Dictionary.buildBytes(source)), bytes);
+  }
+  assert.equal((await Dictionary.check(words)).records, words.size);
+  for (const open of ['open', 'openAsync']) {
+    for (const file of [image, pathToFileURL(image), Buffer.from(image)]) {
+      assert.equal((await Dictionary[open](file, { copy: true })).size, words.size);
     }
   }
-});
-
-test('keys are looked up whole', () => {
-  for (const key of ['東京', '東京都', 'é', 'a']) {
-    assert.equal(dictionary.lookup(key), dataOf(key));
-    assert.ok(dictionary.has(key));
-  }
-  for (const key of ['', '東', '東京都京', 'a\0', '\uD83D', '😐']) {
-    assert.equal(dictionary.lookup(key), undefined);
-    assert.ok(!dictionary.has(key));
+  for (const open of ['fromBytes', 'fromBytesAsync']) {
+    const opened = Dictionary[open](bytes);
+    const kept = Buffer.from(bytes);
+    if (open === 'fromBytesAsync') bytes.fill(0);
+    assert.deepEqual(Buffer.from((await opened).toBytes()), kept);
   }
 });
 
-test('a build that fails says where and leaves the old image', async () => {
+test('what is wrong with a source is reported, and the old image stays', async () => {
   const source = write('bad.tsv', 'good\t1\n\xC3\n\nno field\n');
   const old = fs.readFileSync(image);
-  await assert.rejects(Dictionary.build(source, image), (error) => {
-    assert.ok(error instanceof BuildError);
-    const { file, line, code, problemCount } = error;
-    assert.deepEqual({ file, line, code, problemCount },
-      { file: source, line: 2, code: 'no-field', problemCount: 3 });
-    assert.deepEqual(error.problems.map((problem) => problem.code),
-      ['no-field', 'empty-record', 'no-field']);
-    return error.message.startsWith(`${source}:2:`);
-  });
+  for (const building of [Dictionary.build(source, image), Dictionary.check(source)]) {
+    await assert.rejects(building, (error) => {
+      assert.ok(error instanceof BuildError && error instanceof DictionaryError);
+      const { code, kind, path: file, line, severity, problemCount } = error;
+      assert.deepEqual({ code, kind, file, line, severity, problemCount },
+        { code: 'no-field', kind: 'no-field', file: source, line: 2, severity: 'error',
+          problemCount: 3 });
+      assert.deepEqual(error.problems.map((problem) => problem.code),
+        ['no-field', 'empty-record', 'no-field']);
+      return error.message.startsWith(`${source}:2:`) && error.name === 'BuildError';
+    });
+  }
   assert.deepEqual(fs.readFileSync(image), old);
   const unwritable = inFolder('nowhere/image');
-  await assert.rejects(Dictionary.build(inFolder('words.tsv'), unwritable),
-    { code: 'cannot-write', file: unwritable, systemError: 'ENOENT' });
-  await assert.rejects(Dictionary.build(inFolder('none'), image), { code: 'cannot-read' });
-  await assert.rejects(Dictionary.build(`${source}\0`, image), TypeError);
+  const table = [
+    [words, unwritable, { kind: 'cannot-write', path: unwritable, code: 'ENOENT', errno: -2 }],
+    [inFolder('none'), image, { kind: 'cannot-read', code: 'ENOENT', name: 'BuildError' }],
+    [[['a', 'x'], ['b']], image, { code: 'no-field', line: 2 }],
+    [[['a\uD800', 'x']], image, { code: 'bad-utf8', line: 1, column: 2 }],
+    [[['a', 'x\ty']], image, { code: 'bad-separator', line: 1 }],
+    [[], image, { code: 'no-records' }],
+    [[['a', 1]], image, TypeError],
+    [`${source}\0`, image, TypeError],
+    [1, image, { name: 'TypeError', code: 'ERR_INVALID_ARG_TYPE' }],
+    [words, undefined, TypeError],
+  ];
+  for (const [from, to, expected] of table) {
+    await assert.rejects(Dictionary.build(from, to), expected);
+  }
 });
 
 test('options of a build reach it', async () => {
   const source = write('other.txt', '=empty;k=v;');
   const options = { fieldSeparator: '=', recordSeparator: '\\059' };
-  await assert.rejects(Dictionary.build(source, inFolder('o'), options), { code: 'empty-key' });
-  const report = await Dictionary.build(source, inFolder('o'), { ...options, lenient: true });
-  assert.equal(report.problems[0].severity, 'warning');
-  assert.ok(Dictionary.open(inFolder('o')).has('k'));
+  await assert.rejects(Dictionary.check(source, options), { code: 'empty-key' });
+  const report = await Dictionary.check(source, { ...options, lenient: true });
+  assert.deepEqual(report.problems.map(({ severity }) => severity), ['warning']);
+  const windows = await Dictionary.of({ bytes: Buffer.from('\uFEFFa\tb\r\n') }, { fromWindows: true });
+  assert.equal(windows.get('a'), 'b\t');
+  assert.equal((await Dictionary.of([], { allowEmpty: true })).size, 0);
+  await assert.rejects(Dictionary.check([['', 'a'], ['', 'b']], { problemLimit: 1 }),
+    ({ problems, problemCount }) => problems.length === 1 && problemCount === 2);
+});
+
+test('a build shows its progress and can be stopped', async () => {
+  const events = [];
+  const onProgress = (event) => { events.push(event); };
+  await Dictionary.buildBytes(words, { onProgress });
+  assert.deepEqual([...new Set(events.map(({ stage }) => stage))], ['read', 'place', 'write']);
+  assert.equal(events.at(-1).done, events.at(-1).total);
+  const many = Array.from({ length: 100000 }, (_, i) => [String(i * 7919), 'x']);
+  const failure = new Error('of the caller');
+  const controller = new AbortController();
+  for (const [options, expected] of [
+    [{ onProgress: () => false }, { code: 'stopped', name: 'DictionaryError' }],
+    [{ onProgress() { throw failure; } }, failure],
+    [{ onProgress: () => controller.abort(), signal: controller.signal }, { name: 'AbortError' }],
+    [{ signal: AbortSignal.abort() }, { name: 'AbortError' }],
+  ]) {
+    await assert.rejects(Dictionary.build(many, inFolder('stopped'), options), expected);
+    assert.ok(!fs.existsSync(inFolder('stopped')));
+  }
 });
 
 test('images that are none are refused', async () => {
   const broken = write('broken', fs.readFileSync(image).subarray(0, -1));
   for (const [file, expected] of [
-    [inFolder('none'), { code: 'unreadable', systemError: 'ENOENT' }],
-    [broken, { code: 'header' }],
+    [inFolder('none'), { code: 'ENOENT', kind: 'cannot-read' }],
+    [broken, { code: 'header', cell: 0, offset: 0 }],
   ]) {
-    assert.throws(() => Dictionary.open(file), { file, ...expected });
-    await assert.rejects(Dictionary.openAsync(file, { copy: true }), ImageError);
+    assert.throws(() => Dictionary.open(file), { name: 'DictionaryError', path: file, ...expected });
+    await assert.rejects(Dictionary.openAsync(file, { copy: true }), DictionaryError);
   }
+  assert.throws(() => Dictionary.fromBytes(Buffer.from('text')), { code: 'image-too-short' });
+  assert.throws(() => new Dictionary(), TypeError);
 });
 
 test('a closed dictionary is closed, but for searches under way', async () => {
   const text = '東京都'.repeat(100000);
   const other = await Dictionary.openAsync(image, { copy: true });
   const underWay = Array.from({ length: 8 }, () => other.findAllAsync(text));
+  const keys = other.keys();
+  keys.next();
   other.close();
   other.close();
   for (const matches of await Promise.all(underWay)) assert.equal(matches.length, 400000);
-  assert.throws(() => other.lookup('a'), { code: 'closed' });
+  assert.equal([...keys].length, words.size - 1);
+  assert.throws(() => other.get('a'), { code: 'closed' });
   await assert.rejects(other.segmentAsync('a'), { code: 'closed' });
   if (Symbol.dispose) assert.equal(other[Symbol.dispose](), undefined);
 });
 
 test('values of other types are refused', async () => {
-  for (const value of [undefined, null, 1, Buffer.from('a')]) {
-    assert.throws(() => dictionary.findAll(value), TypeError);
-    assert.throws(() => dictionary.lookup(value), TypeError);
-    assert.throws(() => Dictionary.open(value), TypeError);
+  const code = 'ERR_INVALID_ARG_TYPE';
+  for (const value of [undefined, null, 1, {}]) {
+    for (const name of ['findAll', 'get', 'test']) {
+      assert.throws(() => dictionary[name](value), { name: 'TypeError', code });
+    }
+    for (const name of ['open', 'fromBytes']) {
+      assert.throws(() => Dictionary[name](value), { name: 'TypeError', code });
+    }
     await assert.rejects(dictionary.findAllAsync(value), TypeError);
+    assert.throws(() => dictionary.getEach([value]), TypeError);
   }
+  assert.throws(() => dictionary.findAll('a', { wholeWords: 1 }), TypeError);
 });
 
 test('workers and modules have it, too', async () => {
@@ -142,6 +248,7 @@ test('workers and modules have it, too', async () => {
     assert.equal(await new Promise((resolve) => worker.once('message', resolve)), 1);
     await worker.terminate();
   }
+  assert.throws(() => structuredClone(dictionary), { code: 'ERR_NOT_CLONEABLE', message: /worker/ });
   assert.equal((await import('dictionary')).Dictionary, Dictionary);
   assert.equal(version, require('dictionary/package.json').version);
 });

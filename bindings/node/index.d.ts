@@ -1,65 +1,123 @@
 /// <reference lib="esnext.disposable" />
 
-/** A key found in a text. */
-export interface Match {
-  /** Where the key begins in the text, in UTF-16 units as `String.prototype.slice` counts them. */
-  start: number;
-  /** Where it ends, exclusive: `text.slice(start, end)` is the key. */
-  end: number;
-  /** The key's data text as the image holds it. */
-  data: string;
+/** A file: its path, its URL, or its path in bytes, as a Buffer has it. */
+export type Path = string | Uint8Array | { readonly href: string; readonly protocol: string };
+
+/** A key and its data fields, which may come as an array. */
+export type Item = readonly [key: string, ...fields: (string | readonly string[])[]];
+
+/**
+ * Where a dictionary comes from: a source file, which may be a pipe; the bytes of a source; or
+ * items, as an array, a Map or a generator has them. Items are read, and bytes are copied, before
+ * the call returns.
+ */
+export type Source = Path | { readonly bytes: Uint8Array } | Iterable<Item>;
+
+/**
+ * The library's names of what can be wrong. Other names may be added.
+ *
+ * Of any call: `bad-argument`, `no-memory`, `stopped`, `cannot-read`, `cannot-write`,
+ * `text-too-long`. Of images: `image-too-short`, `image-too-large`, `header`, `area`, `free-cell`,
+ * `parent`, `label`, `base`, `feature`. Of sources: `bad-separator`, `no-field`, `empty-record`,
+ * `nul`, `record-too-long`, `unfinished`, `empty-key`, `bad-utf8`, `cr`, `bom`, `no-records`,
+ * `not-text`, `same-file`, `field-mark`.
+ */
+export type ErrorKind = string;
+
+/** What is wrong, and where. */
+export interface Problem {
+  /** Why the system refused, as `ENOENT`, where it did; else the same as `kind`. */
+  readonly code: string;
+  readonly kind: ErrorKind;
+  /** After an error nothing was done; a warning changes nothing. */
+  readonly severity: 'error' | 'warning';
+  /** The file that it concerns, unless it concerns none. */
+  readonly path?: string;
+  /** Of the system, where it refused; negative, as Node.js has it. */
+  readonly errno?: number;
+  /** The number of the record or the item, from 1, where one is meant. */
+  readonly line?: number;
+  /** The byte in the record, from 1, where one is meant. */
+  readonly column?: number;
+  /** The cell of the image at fault, where one is. */
+  readonly cell?: number;
+  /** The byte of the image at fault, where one is. */
+  readonly offset?: number;
+  /** What is wrong and what to do about it. */
+  readonly text: string;
+  /** All of that in one line. */
+  readonly message: string;
 }
 
-export type ProblemCode =
-  | 'cannot-read' | 'cannot-write' | 'no-memory' | 'bad-separator' | 'no-field' | 'empty-record'
-  | 'nul' | 'record-too-long' | 'unfinished' | 'image-too-large' | 'empty-key' | 'bad-utf8' | 'cr'
-  | 'bom' | 'beyond-bmp' | 'no-records' | 'not-text' | 'same-file' | 'semicolon';
+/** What the library refused to do. */
+export class DictionaryError extends Error implements Problem {
+  protected constructor();
+  readonly code: string;
+  readonly kind: ErrorKind;
+  readonly severity: 'error' | 'warning';
+  readonly path?: string;
+  readonly errno?: number;
+  readonly line?: number;
+  readonly column?: number;
+  readonly cell?: number;
+  readonly offset?: number;
+  readonly text: string;
+}
 
-/** What is wrong with a source or an image file. */
-export interface Problem {
-  /** The source, or the image when it cannot be written. */
-  file: string;
-  /** The record's number, from 1, where one is meant. */
-  line?: number;
-  /** The byte in the record, from 1, where one is meant. */
-  column?: number;
-  code: ProblemCode;
-  /** Of an error no image is made; a refused key is left out; a warning changes nothing. */
-  severity: 'error' | 'refused' | 'warning';
-  /** Why the system refused, as `ENOENT`, where it did. */
-  systemError?: string;
-  /** What is wrong and what to do about it. */
-  text: string;
+/** A source of which no image was made; it is its first error. */
+export class BuildError extends DictionaryError {
+  private constructor();
+  /** All problems that were found. */
+  readonly problemCount: number;
+  /** The first of them, in the order of the source, up to the limit. */
+  readonly problems: readonly Problem[];
+}
+
+export interface BuildProgress {
+  /** The stages come in this order. */
+  readonly stage: 'read' | 'place' | 'write';
+  /** Bytes or items that are read, keys that are placed, or bytes that are written. */
+  readonly done: number;
+  /** 0 where it is not known yet. */
+  readonly total: number;
 }
 
 export interface BuildOptions {
   /**
-   * Makes warnings of an empty key, illegal UTF-8 in a key, a carriage return at the end of a line
-   * and a byte-order mark. False by default.
+   * Separates the fields of a record; a tab by default. In both separators `\ddd` and `\udddd`,
+   * written with three and four decimal digits, are the byte of that value. Items have none.
    */
-  lenient?: boolean;
-  /**
-   * Sets apart a record's key and data; a tab by default. In both separators `\ddd` and `\udddd`,
-   * written with three and four decimal digits, stand for the byte of that value.
-   */
-  fieldSeparator?: string;
+  readonly fieldSeparator?: string;
   /** Ends a record; a newline by default. */
-  recordSeparator?: string;
+  readonly recordSeparator?: string;
+  /**
+   * Makes warnings of an empty key, illegal UTF-8 in a key, a carriage return at the end of a line
+   * and a byte-order mark.
+   */
+  readonly lenient?: boolean;
+  /** A carriage return at the end of a line and a byte-order mark are no data. */
+  readonly fromWindows?: boolean;
+  /** A source without records makes an empty image. */
+  readonly allowEmpty?: boolean;
+  /** How many problems are reported; 100 by default. */
+  readonly problemLimit?: number;
+  /** Called now and then. The build stops soon after it returns false or throws. */
+  readonly onProgress?: (progress: BuildProgress) => boolean | void;
+  /** Stops the build, which rejects with the signal's reason. */
+  readonly signal?: AbortSignal;
 }
 
 export interface BuildReport {
   /** Records read, those with problems included. */
-  records: number;
-  /** Distinct keys in the image. */
-  keys: number;
-  /** Distinct keys left out. */
-  refused: number;
-  /** The size of the image, in bytes. */
-  imageBytes: number;
-  /** Problems found. */
-  problemCount: number;
-  /** The first hundred of them, in the order of the source. */
-  problems: Problem[];
+  readonly records: number;
+  /** Distinct keys in the image; 0 when none is made. */
+  readonly keys: number;
+  /** The size of the image, in bytes; 0 when none is made. */
+  readonly imageBytes: number;
+  /** All problems that were found. */
+  readonly problemCount: number;
+  /** The first of them, in the order of the source, up to the limit. */
+  readonly problems: readonly Problem[];
 }
 
 export interface OpenOptions {
@@ -68,76 +126,130 @@ export interface OpenOptions {
    * shared with all processes that do so, and the file must not change while it is open; to put
    * another file in its place is no change.
    */
-  copy?: boolean;
+  readonly copy?: boolean;
 }
 
-/** A source of which no image was made; says what and where its first error is. */
-export class BuildError extends Error implements Omit<Problem, 'severity' | 'text'> {
+/** The fields of the first record of a data text. */
+export function fields(data: string | undefined): string[];
+/** The fields of each record of a data text: a key that occurred more than once has several. */
+export function records(data: string | undefined): string[][];
+
+/** A key found in a text. */
+export class Match {
   private constructor();
-  readonly file: string;
-  readonly line?: number;
-  readonly column?: number;
-  readonly code: ProblemCode;
-  readonly systemError?: string;
-  /** Problems of every severity found. */
-  readonly problemCount: number;
-  /** The first hundred of them, in the order of the source, and the first error in any case. */
-  readonly problems: Problem[];
+  /** Where the key begins in the text, in UTF-16 units as `String.prototype.slice` counts them. */
+  readonly start: number;
+  /** Where it ends, exclusive: `text.slice(start, end)` is the key. */
+  readonly end: number;
+  /** The key as it is in the text. */
+  readonly key: string;
+  /** The key's data text: its fields, each followed by a tab. */
+  readonly data: string;
+  /** The number of the image in a set, else 0. */
+  readonly image: number;
+  /** As the function `fields` has them. */
+  get fields(): string[];
+  /** As the function `records` has them. */
+  get records(): string[][];
 }
 
-/** An image that is refused. */
-export class ImageError extends Error {
-  private constructor();
-  readonly file: string;
-  readonly code:
-    | 'unreadable' | 'no-memory' | 'too-short' | 'too-large' | 'header' | 'area' | 'free-cell'
-    | 'parent' | 'label' | 'base' | 'feature';
-  /** Why the system refused, as `ENOENT`, where it did. */
-  readonly systemError?: string;
-  /** The cell at fault, where one is. */
-  readonly cell?: number;
-  /** The byte at fault, from the start of the image, where one is. */
-  readonly offset?: number;
+export interface Description {
+  readonly keys: number;
+  /** The size of the image. */
+  readonly imageBytes: number;
+  /** Of the double array. */
+  readonly cells: number;
+  /** The size of the data texts with their lengths. */
+  readonly featureBytes: number;
+  /** Whether keys and texts are folded. */
+  readonly folded: boolean;
 }
 
 /**
- * An open image.
+ * An open image, to be used like a read-only Map of keys to data texts.
  *
- * Once it is closed, every call but `close` throws an error with the code `closed`. The Async
- * variants search on Node.js's thread pool and reject where the others throw; one that is under way
- * is not disturbed by `close`. A character above U+FFFF and an unpaired surrogate are passed over;
- * no key holds them.
+ * Its keys come in the order of their code points. Once it is closed, every call but `close` throws
+ * an error with the code `closed`. The Async variants search on Node.js's thread pool and reject
+ * where the others throw; one that is under way is not disturbed by `close`, and neither is an
+ * iterator. The Each variants search many texts in one call. An unpaired surrogate is passed over;
+ * no key holds one.
  */
-export class Dictionary implements Disposable {
+export class Dictionary implements Iterable<[string, string]>, Disposable {
   private constructor();
 
   /**
-   * Builds the image file `image` from the source file `source`, on the thread pool. Under `image`
-   * stands the old file or the complete new one, at every moment. Rejects with a BuildError.
+   * Builds the image file `image`, on the thread pool. Under that name is the old file or the
+   * complete new one, at every moment. Rejects with a BuildError.
    */
-  static build(source: string, image: string, options?: BuildOptions): Promise<BuildReport>;
+  static build(source: Source, image: Path, options?: BuildOptions): Promise<BuildReport>;
+  /** Builds an image in memory. */
+  static buildBytes(source: Source, options?: BuildOptions): Promise<Uint8Array>;
+  /** Builds nothing, in little memory, and reports what a build would. */
+  static check(source: Source, options?: BuildOptions): Promise<BuildReport>;
+  /** Builds an image in memory and opens it. */
+  static of(source: Source, options?: BuildOptions): Promise<Dictionary>;
 
-  /** Verifies and opens an image file, in one pass over it. Throws an ImageError. */
-  static open(path: string, options?: OpenOptions): Dictionary;
-  /** The same on the thread pool. */
-  static openAsync(path: string, options?: OpenOptions): Promise<Dictionary>;
+  /**
+   * Verifies and opens an image file, in one pass over it; an unchanged file that this process has
+   * already open is not verified again. Throws a DictionaryError.
+   */
+  static open(path: Path, options?: OpenOptions): Dictionary;
+  static openAsync(path: Path, options?: OpenOptions): Promise<Dictionary>;
+  /** Verifies and opens a copy of an image in memory. */
+  static fromBytes(bytes: Uint8Array): Dictionary;
+  static fromBytesAsync(bytes: Uint8Array): Promise<Dictionary>;
 
+  /** How many keys there are. Counting them takes one pass over the image, once. */
+  readonly size: number;
   /** The data text of `key`, or undefined when it is no key. */
-  lookup(key: string): string | undefined;
+  get(key: string): string | undefined;
+  /** The same for many keys, which takes less time than one call for each. */
+  getEach(keys: Iterable<string>): (string | undefined)[];
   /** Whether `key`, the whole of it, is a key. */
   has(key: string): boolean;
+  /**
+   * The keys that begin with `prefix`. The first such call of an image makes an index of its keys,
+   * which takes a moment and about 7 to 10 bytes per cell.
+   */
+  keys(prefix?: string): IterableIterator<string>;
+  /** The data texts of the keys that begin with `prefix`. */
+  values(prefix?: string): IterableIterator<string>;
+  /** The keys that begin with `prefix`, with their data texts. */
+  entries(prefix?: string): IterableIterator<[string, string]>;
+  [Symbol.iterator](): IterableIterator<[string, string]>;
+  forEach<Self = undefined>(
+    callback: (this: Self, data: string, key: string, dictionary: this) => void, self?: Self): void;
+
+  /** Whether any key is in the text; stops at the first. */
+  test(text: string): boolean;
 
   /** Every key at every position, by start, shortest first. */
   findAll(text: string): Match[];
+  findAllAsync(text: string): Promise<Match[]>;
+  findAllEach(texts: Iterable<string>): Match[][];
+  findAllEachAsync(texts: Iterable<string>): Promise<Match[][]>;
+
   /** The longest key at every position. */
   findLongest(text: string): Match[];
-  /** The longest key at the first position that has one, then the same behind it, and so on. */
-  segment(text: string): Match[];
-
-  findAllAsync(text: string): Promise<Match[]>;
   findLongestAsync(text: string): Promise<Match[]>;
-  segmentAsync(text: string): Promise<Match[]>;
+  findLongestEach(texts: Iterable<string>): Match[][];
+  findLongestEachAsync(texts: Iterable<string>): Promise<Match[][]>;
 
+  /** Every key that the text begins with, shortest first. */
+  findPrefixes(text: string): Match[];
+  findPrefixesAsync(text: string): Promise<Match[]>;
+  findPrefixesEach(texts: Iterable<string>): Match[][];
+  findPrefixesEachAsync(texts: Iterable<string>): Promise<Match[][]>;
+
+  /** The longest key at the first position that has one, then the same after it, and so on. */
+  segment(text: string): Match[];
+  segmentAsync(text: string): Promise<Match[]>;
+  segmentEach(texts: Iterable<string>): Match[][];
+  segmentEachAsync(texts: Iterable<string>): Promise<Match[][]>;
+
+  describe(): Description;
+  /** A copy of the image's bytes, which `fromBytes` takes in a worker, too. */
+  toBytes(): Uint8Array;
   /** Releases the image, at the latest when the last search that is under way ends. */
   close(): void;
   [Symbol.dispose](): void;

@@ -8,6 +8,16 @@ namespace Dictionary::Node {
 
 namespace {
 
+// As Node.js calls it.
+constexpr const char* kWrongType = "ERR_INVALID_ARG_TYPE";
+
+std::string withoutNul(const Env& env, std::string text) {
+    if (text.find('\0') != std::string::npos) {
+        env.throwTypeError("A string without a NUL was expected");
+    }
+    return text;
+}
+
 bool isPending(napi_env env) {
     bool pending = false;
     return napi_is_exception_pending(env, &pending) == napi_ok && pending;
@@ -37,7 +47,7 @@ private:
         try {
             task.m_answer = task.m_job();
         } catch (const std::bad_alloc&) {
-            // The lack of an answer tells.
+            // There is no answer then.
         }
     }
 
@@ -75,13 +85,18 @@ void Env::check(napi_status status) const {
     // The next call forgets the rest of it.
     const char* const message = info->error_message;
     // All that hosts can do wrong is to pass values of other types.
-    if (!isPending(m_env)) napi_throw_type_error(m_env, nullptr, message);
+    if (!isPending(m_env)) napi_throw_type_error(m_env, kWrongType, message);
     throw ExceptionIsPending();
 }
 
-napi_value Env::null() const {
+void Env::throwTypeError(const std::string& message) const {
+    napi_throw_type_error(m_env, kWrongType, message.c_str());
+    throw ExceptionIsPending();
+}
+
+napi_value Env::undefined() const {
     napi_value result;
-    check(napi_get_null(m_env, &result));
+    check(napi_get_undefined(m_env, &result));
     return result;
 }
 
@@ -103,6 +118,12 @@ napi_value Env::string(std::string_view utf8) const {
     return result;
 }
 
+napi_value Env::string(std::u16string_view units) const {
+    napi_value result;
+    check(napi_create_string_utf16(m_env, units.data(), units.size(), &result));
+    return result;
+}
+
 napi_value Env::array(const std::vector<napi_value>& items) const {
     napi_value result;
     check(napi_create_array_with_length(m_env, items.size(), &result));
@@ -121,6 +142,38 @@ napi_value Env::uint32Array(const std::vector<std::uint32_t>& numbers) const {
     return result;
 }
 
+napi_value Env::uint32Array(std::uint32_t* numbers, std::size_t count,
+                            std::shared_ptr<const void> owner) const {
+    return typedArray(napi_uint32_array, numbers, count, sizeof *numbers, std::move(owner));
+}
+
+napi_value Env::uint8Array(char* bytes, std::size_t size, std::shared_ptr<const void> owner) const {
+    return typedArray(napi_uint8_array, bytes, size, 1, std::move(owner));
+}
+
+napi_value Env::typedArray(napi_typedarray_type type, void* items, std::size_t count,
+                           std::size_t itemBytes, std::shared_ptr<const void> owner) const {
+    using Owner = std::shared_ptr<const void>;
+    const auto release = [](napi_env, void*, void* kept) { delete static_cast<Owner*>(kept); };
+    const std::size_t size = count * itemBytes;
+    napi_value buffer;
+    auto kept = std::make_unique<Owner>(std::move(owner));
+    const napi_status status = size == 0 ? napi_no_external_buffers_allowed
+                                         : napi_create_external_arraybuffer(
+                                               m_env, items, size, release, kept.get(), &buffer);
+    if (status == napi_no_external_buffers_allowed) {
+        void* room = nullptr;
+        check(napi_create_arraybuffer(m_env, size, &room, &buffer));
+        std::copy_n(static_cast<const char*>(items), size, static_cast<char*>(room));
+    } else {
+        check(status);
+        kept.release();
+    }
+    napi_value result;
+    check(napi_create_typedarray(m_env, type, count, buffer, 0, &result));
+    return result;
+}
+
 napi_value Env::object(std::initializer_list<std::pair<const char*, napi_value>> members) const {
     napi_value result;
     check(napi_create_object(m_env, &result));
@@ -130,32 +183,79 @@ napi_value Env::object(std::initializer_list<std::pair<const char*, napi_value>>
     return result;
 }
 
-Call::Call(const Env& env, napi_callback_info info) : m_env(env) {
-    std::size_t count = kMostArguments;
-    env.check(napi_get_cb_info(env, info, &count, m_arguments, nullptr, nullptr));
+bool Value::isUndefined() const {
+    napi_valuetype type;
+    m_env.check(napi_typeof(m_env, m_value, &type));
+    return type == napi_undefined;
 }
 
-std::u16string Call::text(std::size_t i) const {
+bool Value::flag() const {
+    bool flag = false;
+    m_env.check(napi_get_value_bool(m_env, m_value, &flag));
+    return flag;
+}
+
+double Value::number() const {
+    double number = 0;
+    m_env.check(napi_get_value_double(m_env, m_value, &number));
+    return number;
+}
+
+std::u16string Value::text() const {
     std::size_t length = 0;
-    m_env.check(napi_get_value_string_utf16(m_env, m_arguments[i], nullptr, 0, &length));
+    m_env.check(napi_get_value_string_utf16(m_env, m_value, nullptr, 0, &length));
     std::u16string text(length, u'\0');
-    m_env.check(
-        napi_get_value_string_utf16(m_env, m_arguments[i], text.data(), length + 1, nullptr));
+    m_env.check(napi_get_value_string_utf16(m_env, m_value, text.data(), length + 1, nullptr));
     return text;
 }
 
-std::string Call::name(std::size_t i) const {
-    const Utf8Text utf8(text(i));
-    const std::string name(utf8.data(), utf8.size());
-    if (name.find('\0') == std::string::npos) return name;
-    napi_throw_type_error(m_env, nullptr, "A string without a NUL was expected");
-    throw ExceptionIsPending();
+std::string Value::name() const {
+    const Utf8Text utf8(text());
+    return withoutNul(m_env, std::string(utf8.data(), utf8.size()));
 }
 
-bool Call::flag(std::size_t i) const {
-    bool flag = false;
-    m_env.check(napi_get_value_bool(m_env, m_arguments[i], &flag));
-    return flag;
+std::string Value::bytes() const {
+    napi_typedarray_type type;
+    std::size_t size = 0;
+    void* data = nullptr;
+    m_env.check(napi_get_typedarray_info(m_env, m_value, &type, &size, &data, nullptr, nullptr));
+    if (type != napi_uint8_array) m_env.throwTypeError("A Uint8Array was expected");
+    return {static_cast<const char*>(data), size};
+}
+
+std::string Value::path() const {
+    return withoutNul(m_env, bytes());
+}
+
+std::vector<std::u16string> Value::texts() const {
+    std::vector<std::u16string> texts;
+    for (const Value& element : elements()) texts.push_back(element.text());
+    return texts;
+}
+
+std::vector<Value> Value::elements() const {
+    std::uint32_t count = 0;
+    m_env.check(napi_get_array_length(m_env, m_value, &count));
+    std::vector<Value> elements;
+    elements.reserve(count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        napi_value element;
+        m_env.check(napi_get_element(m_env, m_value, i, &element));
+        elements.emplace_back(m_env, element);
+    }
+    return elements;
+}
+
+Value Value::member(const char* name) const {
+    if (isUndefined()) return *this;
+    napi_value member;
+    m_env.check(napi_get_named_property(m_env, m_value, name, &member));
+    return {m_env, member};
+}
+
+Call::Call(const Env& env, napi_callback_info info) : m_env(env) {
+    std::size_t count = kMostArguments;
+    env.check(napi_get_cb_info(env, info, &count, m_arguments, nullptr, nullptr));
 }
 
 napi_value promiseOf(const Env& env, Job job) {

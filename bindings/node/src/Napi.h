@@ -29,37 +29,70 @@ public:
     operator napi_env() const { return m_env; }
 
     void check(napi_status status) const;
+    [[noreturn]] void throwTypeError(const std::string& message) const;
 
-    napi_value null() const;
+    napi_value undefined() const;
     napi_value boolean(bool value) const;
     napi_value number(double value) const;
     napi_value string(std::string_view utf8) const;
+    napi_value string(std::u16string_view units) const;
     napi_value array(const std::vector<napi_value>& items) const;
     napi_value uint32Array(const std::vector<std::uint32_t>& numbers) const;
+    // Over the memory that `owner` keeps, which is copied where the host allows nothing else.
+    napi_value uint32Array(std::uint32_t* numbers, std::size_t count,
+                           std::shared_ptr<const void> owner) const;
+    napi_value uint8Array(char* bytes, std::size_t size, std::shared_ptr<const void> owner) const;
     napi_value object(std::initializer_list<std::pair<const char*, napi_value>> members) const;
     // Keeps `value` as long as JavaScript keeps the external.
     template <class Value>
-    napi_value external(const Value& value) const;
+    napi_value external(Value value) const;
 
 private:
+    napi_value typedArray(napi_typedarray_type type, void* items, std::size_t count,
+                          std::size_t itemBytes, std::shared_ptr<const void> owner) const;
+
     napi_env m_env;
 };
 
-// The arguments of a call. Throws ExceptionIsPending when one is not of the kind asked for.
+// A JavaScript value that a host passed. Throws ExceptionIsPending when it is not of the kind asked
+// for.
+class Value {
+public:
+    Value(const Env& env, napi_value value) : m_env(env), m_value(value) {}
+
+    napi_value get() const { return m_value; }
+    bool isUndefined() const;
+    bool flag() const;
+    double number() const;
+    std::u16string text() const;
+    // In UTF-8, for C strings: without a NUL.
+    std::string name() const;
+    // A copy of a Uint8Array.
+    std::string bytes() const;
+    // A copy of a path in a Uint8Array, for C strings: without a NUL.
+    std::string path() const;
+    std::vector<std::u16string> texts() const;
+    std::vector<Value> elements() const;
+    // Undefined where the object, or undefined in place of one, has no such member.
+    Value member(const char* name) const;
+    template <class Kept>
+    Kept& external() const;
+
+private:
+    Env m_env;
+    napi_value m_value;
+};
+
+// The arguments of a call.
 class Call {
 public:
     Call(const Env& env, napi_callback_info info);
 
     const Env& env() const { return m_env; }
-    std::u16string text(std::size_t i) const;
-    // For C strings: without a NUL.
-    std::string name(std::size_t i) const;
-    bool flag(std::size_t i) const;
-    template <class Value>
-    Value& external(std::size_t i) const;
+    Value operator[](std::size_t i) const { return {m_env, m_arguments[i]}; }
 
 private:
-    static constexpr std::size_t kMostArguments = 5;
+    static constexpr std::size_t kMostArguments = 6;
 
     Env m_env;
     napi_value m_arguments[kMostArguments];
@@ -79,7 +112,7 @@ napi_value withoutThrowing(napi_env env, Body body) {
     try {
         return body();
     } catch (const ExceptionIsPending&) {
-        // JavaScript is told already.
+        // JavaScript has it already.
     } catch (const std::bad_alloc&) {
         napi_throw_error(env, "no-memory", "there is not enough memory");
     }
@@ -103,21 +136,21 @@ napi_value runLater(napi_env env, napi_callback_info info) {
                            [&] { return promiseOf(Env(env), kPrepare(Call(Env(env), info))); });
 }
 
-template <class Value>
-napi_value Env::external(const Value& value) const {
-    const auto release = [](napi_env, void* kept, void*) { delete static_cast<Value*>(kept); };
-    auto kept = std::make_unique<Value>(value);
+template <class Kept>
+napi_value Env::external(Kept value) const {
+    const auto release = [](napi_env, void* kept, void*) { delete static_cast<Kept*>(kept); };
+    auto kept = std::make_unique<Kept>(std::move(value));
     napi_value result;
     check(napi_create_external(m_env, kept.get(), release, nullptr, &result));
     kept.release();
     return result;
 }
 
-template <class Value>
-Value& Call::external(std::size_t i) const {
+template <class Kept>
+Kept& Value::external() const {
     void* kept = nullptr;
-    m_env.check(napi_get_value_external(m_env, m_arguments[i], &kept));
-    return *static_cast<Value*>(kept);
+    m_env.check(napi_get_value_external(m_env, m_value, &kept));
+    return *static_cast<Kept*>(kept);
 }
 
 }  // namespace Dictionary::Node

@@ -16,7 +16,7 @@ bool isPair(char16_t first, char16_t second) {
     return (first & 0xFC00u) == 0xD800u && (second & 0xFC00u) == 0xDC00u;
 }
 
-// Decodes the character at units[i] and moves `i` behind it. Behind the last unit stands a NUL.
+// Decodes the character at units[i] and moves `i` after it. A NUL follows the last unit.
 char32_t takeCharacter(const std::u16string& units, std::size_t& i) {
     const char16_t unit = units[i++];
     if (!isSurrogate(unit)) return unit;
@@ -27,11 +27,7 @@ char32_t takeCharacter(const std::u16string& units, std::size_t& i) {
 }
 
 // Returns where the next character goes.
-char* put(char32_t code, char* to) {
-    if (code == kUnpaired) {
-        *to = kIllegalByte;
-        return to + 1;
-    }
+char* putLegal(char32_t code, char* to) {
     if (code < 0x80) {
         *to = static_cast<char>(code);
         return to + 1;
@@ -53,5 +49,15 @@ Utf8Text::Utf8Text(const std::u16string& units)
     for (std::size_t i = 0; i < units.size();) to = put(takeCharacter(units, i), to);
     m_size = static_cast<std::size_t>(to - m_bytes.get());
 }
+
+char* Utf8Text::put(char32_t code, char* to) {
+    if (code != kUnpaired) return putLegal(code, to);
+    m_isWellFormed = false;
+    *to = kIllegalByte;
+    return to + 1;
+}
+
+Utf8Texts::Utf8Texts(const std::vector<std::u16string>& texts)
+    : m_texts(texts.begin(), texts.end()), m_views(m_texts.begin(), m_texts.end()) {}
 
 }  // namespace Dictionary::Node

@@ -1,4 +1,4 @@
-// The UTF-8 of a JavaScript string.
+// The UTF-8 of JavaScript strings, and back.
 
 #ifndef DICTIONARY_NODE_UTF8_TEXT_H
 #define DICTIONARY_NODE_UTF8_TEXT_H
@@ -6,6 +6,10 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
+
+#include "Dictionary.h"
 
 namespace Dictionary::Node {
 
@@ -17,10 +21,29 @@ public:
 
     const char* data() const { return m_bytes.get(); }
     std::size_t size() const { return m_size; }
+    operator DictionaryText() const { return {data(), size()}; }
+    // Whether there was no unpaired surrogate.
+    bool isWellFormed() const { return m_isWellFormed; }
 
 private:
+    char* put(char32_t code, char* to);
+
     std::unique_ptr<char[]> m_bytes;
-    std::size_t m_size;
+    std::size_t m_size = 0;
+    bool m_isWellFormed = true;
+};
+
+// Several of them, as the library takes them.
+class Utf8Texts {
+public:
+    explicit Utf8Texts(const std::vector<std::u16string>& texts);
+
+    const DictionaryText* data() const { return m_views.data(); }
+    std::size_t size() const { return m_views.size(); }
+
+private:
+    std::vector<Utf8Text> m_texts;
+    std::vector<DictionaryText> m_views;
 };
 
 }  // namespace Dictionary::Node

@@ -1,0 +1,70 @@
+'use strict';
+
+const { BuildError, DictionaryError, problemOf } = require('./errors.js');
+const native = require('./native.js');
+const { isPath, pathOf } = require('./path.js');
+
+// Those that no source is to blame for.
+const NOT_OF_SOURCES = ['bad-argument', 'no-memory', 'stopped'];
+
+// As the native function takes it.
+function sourceOf(source) {
+  if (isPath(source)) return { path: pathOf(source) };
+  if (source?.bytes !== undefined) return { bytes: source.bytes };
+  if (source?.[Symbol.iterator]) return { items: Array.from(source, (item) => item.flat()) };
+  const error = new TypeError('a source is a path, { bytes } or an iterable of items');
+  throw Object.assign(error, { code: 'ERR_INVALID_ARG_TYPE' });
+}
+
+// What JavaScript hears of a build and says to it.
+class Watch {
+  stop = native.makeStop();
+  failure;
+  #resolve;
+  allIsHeard = new Promise((resolve) => { this.#resolve = resolve; });
+
+  constructor(onProgress) {
+    if (onProgress === undefined) this.#resolve();
+    else this.onProgress = (...event) => this.#hear(onProgress, event);
+  }
+
+  #hear(onProgress, [stage, done, total]) {
+    if (stage === undefined) return this.#resolve();
+    try {
+      if (onProgress({ stage, done, total }) === false) native.stop(this.stop);
+    } catch (error) {
+      this.end(error);
+    }
+  }
+
+  end(error) {
+    this.failure ??= { error };
+    native.stop(this.stop);
+  }
+}
+
+function errorOf(error, report) {
+  if (NOT_OF_SOURCES.includes(error.kind)) return new DictionaryError(error);
+  return new BuildError(error, report);
+}
+
+// Resolves with the report, and the image's bytes if they are wanted.
+async function build(source, target, { onProgress, signal, ...options } = {}) {
+  const given = sourceOf(source);
+  signal?.throwIfAborted();
+  const watch = new Watch(onProgress);
+  const abort = () => watch.end(signal.reason);
+  signal?.addEventListener('abort', abort);
+  try {
+    const built = native.buildLater(given, target, options, watch.onProgress, watch.stop);
+    const [{ error, bytes, report }] = await Promise.all([built, watch.allIsHeard]);
+    report.problems = report.problems.map(problemOf);
+    if (error && watch.failure) throw watch.failure.error;
+    if (error) throw errorOf(error, report);
+    return { report, bytes };
+  } finally {
+    signal?.removeEventListener('abort', abort);
+  }
+}
+
+module.exports = { build };

@@ -1,0 +1,3 @@
+'use strict';
+
+module.exports = require(`../prebuilds/${process.platform}-${process.arch}/dictionary.node`);

@@ -1,0 +1,18 @@
+'use strict';
+
+const { fileURLToPath } = require('node:url');
+
+const isPath = (value) =>
+  typeof value === 'string' || value instanceof URL || value instanceof Uint8Array;
+
+// A path in bytes.
+function pathOf(path) {
+  if (!isPath(path)) {
+    const error = new TypeError('a path is a string, a URL of a file or a Buffer');
+    throw Object.assign(error, { code: 'ERR_INVALID_ARG_TYPE' });
+  }
+  if (path instanceof Uint8Array) return path;
+  return Buffer.from(path instanceof URL ? fileURLToPath(path) : path);
+}
+
+module.exports = { isPath, pathOf };

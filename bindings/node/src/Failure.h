@@ -1,0 +1,35 @@
+// Errors of the library on their way to JavaScript.
+
+#ifndef DICTIONARY_NODE_FAILURE_H
+#define DICTIONARY_NODE_FAILURE_H
+
+#include <string>
+
+#include "Dictionary.h"
+#include "Napi.h"
+
+namespace Dictionary::Node {
+
+// An error record with its path and its message, which depends on nothing else. Thrown by jobs.
+class Failure {
+public:
+    explicit Failure(const DictionaryError& error);
+
+    int code() const { return m_error.code; }
+    napi_value toJs(const Env& env) const;
+
+private:
+    DictionaryError m_error;
+    std::string m_path;
+    std::string m_message;
+};
+
+// Throws what the library reports, if it is an error.
+void throwUnlessOk(const DictionaryError& error);
+
+// A job whose answer is {value}, or {error} when it throws a Failure.
+Job reporting(Job job);
+
+}  // namespace Dictionary::Node
+
+#endif

@@ -1,0 +1,121 @@
+#include "Finding.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "Dictionary.h"
+#include "Failure.h"
+#include "Napi.h"
+#include "Search.h"
+#include "Utf8Text.h"
+
+namespace Dictionary::Node {
+
+namespace {
+
+using Texts = std::vector<std::u16string>;
+
+// Matches in the form that is quickest to hand over: for each its start, its end and the number of
+// its data text, as every text is made a string only once.
+class Found {
+public:
+    Found(Search search, const Texts& texts) : m_search(std::move(search)) {
+        DictionaryMatches matches = {};
+        const std::unique_ptr<DictionaryMatches, void (*)(DictionaryMatches*)> owner(
+            &matches, dictionaryFreeMatches);
+        find(Utf8Texts(texts), matches);
+        m_spans.reserve(kNumbersOfMatch * matches.count);
+        for (std::size_t i = 0; i < matches.count; ++i) add(matches.items[i]);
+    }
+
+    // {spans, ends, data, images}: the spans of a text end before that number.
+    napi_value toJs(const Env& env) const {
+        std::vector<napi_value> data;
+        data.reserve(m_data.size());
+        for (const std::string_view text : m_data) data.push_back(env.string(text));
+        return env.object({{"spans", env.uint32Array(m_spans)},
+                           {"ends", env.uint32Array(m_ends)},
+                           {"data", env.array(data)},
+                           {"images", env.uint32Array(m_images)}});
+    }
+
+private:
+    static constexpr std::size_t kNumbersOfMatch = 3;
+    static constexpr std::uint32_t kNoData = UINT32_MAX;
+
+    void find(const Utf8Texts& texts, DictionaryMatches& matches) {
+        std::vector<std::size_t> ends(texts.size());
+        DictionaryError error = {};
+        dictionaryFindInTexts(m_search.handle(), &m_search.options(), texts.data(), texts.size(),
+                              &matches, ends.data(), &error);
+        throwUnlessOk(error);
+        for (const std::size_t end : ends) {
+            m_ends.push_back(static_cast<std::uint32_t>(kNumbersOfMatch * end));
+        }
+    }
+
+    void add(const DictionaryMatch& match) {
+        const auto start = static_cast<std::uint32_t>(match.start);
+        const auto length = static_cast<std::uint32_t>(match.length);
+        m_spans.insert(m_spans.end(), {start, start + length, numberOf(match)});
+    }
+
+    // Of the match's data text among those that are handed over.
+    std::uint32_t numberOf(const DictionaryMatch& match) {
+        if (match.data.bytes == nullptr) return kNoData;
+        constexpr unsigned kBitsOfNumber = 32;
+        const std::uint64_t place = std::uint64_t{match.image} << kBitsOfNumber | match.dataNumber;
+        const auto next = static_cast<std::uint32_t>(m_data.size());
+        const auto [known, isNew] = m_numbers.emplace(place, next);
+        if (isNew) {
+            m_data.emplace_back(match.data.bytes, match.data.size);
+            m_images.push_back(match.image);
+        }
+        return known->second;
+    }
+
+    Search m_search;  // which keeps the data texts
+    std::vector<std::uint32_t> m_spans;
+    std::vector<std::uint32_t> m_ends;
+    std::vector<std::string_view> m_data;
+    std::vector<std::uint32_t> m_images;
+    std::unordered_map<std::uint64_t, std::uint32_t> m_numbers;  // of data texts
+};
+
+// find(...search, texts): as Found hands it over
+Job find(const Call& call) {
+    return reporting([search = Search(call), texts = call[Search::kArguments].texts()]() -> Answer {
+        const auto found = std::make_shared<const Found>(search, texts);
+        return [found](const Env& env) { return found->toJs(env); };
+    });
+}
+
+// contains(...search, text): whether there is any key in it
+Job contains(const Call& call) {
+    return reporting([search = Search(call), text = call[Search::kArguments].text()]() -> Answer {
+        bool contains = false;
+        DictionaryError error = {};
+        dictionaryContainsKey(search.handle(), &search.options(), Utf8Text(text), &contains,
+                              &error);
+        throwUnlessOk(error);
+        return [contains](const Env& env) { return env.boolean(contains); };
+    });
+}
+
+}  // namespace
+
+Functions findFunctions() {
+    return {
+        {"find", runNow<find>},
+        {"findLater", runLater<find>},
+        {"contains", runNow<contains>},
+    };
+}
+
+}  // namespace Dictionary::Node

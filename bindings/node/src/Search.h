@@ -1,0 +1,32 @@
+// How texts are searched: what JavaScript says of it, as the library takes it.
+
+#ifndef DICTIONARY_NODE_SEARCH_H
+#define DICTIONARY_NODE_SEARCH_H
+
+#include "Dictionary.h"
+#include "Functions.h"
+#include "Image.h"
+#include "Napi.h"
+
+namespace Dictionary::Node {
+
+// A search of an image. Read from four arguments in a row: the image, the mode's name, the options
+// or undefined, a segmenter or undefined.
+class Search {
+public:
+    explicit Search(const Call& call);
+
+    const Image& image() const { return m_image; }
+    const DictionaryHandle* handle() const { return m_image->handle(); }
+    const DictionaryFindOptions& options() const { return m_options; }
+
+    static constexpr std::size_t kArguments = 4;
+
+private:
+    Image m_image;
+    DictionaryFindOptions m_options = {};
+};
+
+}  // namespace Dictionary::Node
+
+#endif
