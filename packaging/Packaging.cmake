@@ -49,6 +49,12 @@ describe_package(TOOL dictool utils
 ${about}
 This package has the command line."
     runtime)
+describe_package(SQLITE libsqlite3-mod-dictionary database
+    "words of a dictionary in SQLite - loadable extension
+${about}
+This package has an extension for SQLite: a tokenizer that lets FTS5 find words
+in text without blanks, and functions that look into dictionaries from SQL."
+    runtime)
 describe_package(PYTHON python3-dictionary python
     "library of double-array trie dictionaries - Python 3 package
 ${about}

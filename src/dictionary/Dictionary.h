@@ -382,6 +382,10 @@ DICTIONARY_EXPORT int dictionaryFindColumns(const DictionaryHandle* handle,
 
 DICTIONARY_EXPORT void dictionaryFreeColumns(DictionaryColumns* columns);
 
+/* Whether the first character of `text` belongs to words of scripts that are written with blanks: a
+ * letter, a mark or a digit; see docs/words.md. */
+DICTIONARY_EXPORT bool dictionaryIsWordCharacter(DictionaryText text);
+
 /* ---- Segmentation by weight ---- */
 
 /* How the weights of keys are read from a data field. */
