@@ -4,10 +4,9 @@
 #include <unistd.h>
 
 #include <limits>
-#include <optional>
 
 #include "Command.h"
-#include "DATChecked.h"
+#include "Dictionary.hpp"
 #include "File.h"
 #include "Interrupt.h"
 #include "Output.h"
@@ -42,10 +41,7 @@ constexpr char kDetails[] =
     "byte-order mark; --windows reads the last two as what they are. A source without records is\n"
     "an error unless --allow-empty is given.\n";
 
-constexpr char kStatusDetails[] =
-    "\n\nExit status: 0 done; 2 an error; 3 done, but keys with a character above U+FFFF were "
-    "left\n"
-    "out; 130 ended by a signal.";
+constexpr char kStatusDetails[] = "\n\nExit status: 0 done; 2 an error; 130 ended by a signal.";
 
 constexpr char kBuildDetails[] =
     "\nThe image appears under its name when it is complete. Until then, and if the build fails "
@@ -61,36 +57,32 @@ constexpr char kLintDetails[] =
 // One run of the library's build, and what it is told.
 struct Build {
     const BuildOptions& options;
+    const std::string& image;  // a file, "-" or, for a check, nothing
     Progress progress;
-    std::optional<Output> output;  // for an image that goes to standard output
     std::uint64_t told = 0;
+
+    bool writesFile() const { return !image.empty() && image != "-"; }
 };
 
-void onProblem(void* context, const DictionaryProblem* problem) {
+void onProblem(void* context, const DictionaryError* problem) {
     Build& build = *static_cast<Build*>(context);
     ++build.told;
-    const bool warning = problem->severity == DICTIONARY_WARNING;
-    if (warning && build.options.quiet) return;
-    const bool ofImage = problem->code == DICTIONARY_PROBLEM_CANNOT_WRITE ||
-                         problem->code == DICTIONARY_PROBLEM_IMAGE_TOO_LARGE;
-    const std::string& file = ofImage ? build.options.image : build.options.source;
+    if (problem->severity == DICTIONARY_WARNING && build.options.quiet) return;
+    const bool ofImage = problem->file == DICTIONARY_FILE_IMAGE;
+    const Failure failure =
+        failureOf(*problem, ofImage ? build.options.image : build.options.source);
     build.progress.clear();
-    report(warning ? Severity::kWarning : Severity::kError, {file, problem->line, problem->column},
-           dictionaryProblemName(problem->code), problem->text);
+    report(static_cast<DictionarySeverity>(problem->severity), failure.place, failure.code,
+           failure.text);
 }
 
 // After the last step of placement there is an unfinished file to clean up.
 bool onProgress(void* context, int stage, std::uint64_t done, std::uint64_t total) {
     constexpr const char* kStages[] = {"reading", "placing", "writing"};
     Build& build = *static_cast<Build*>(context);
-    if (stage == DICTIONARY_STAGE_PLACE && done == total && !build.output) noteInterrupts();
+    if (stage == DICTIONARY_STAGE_PLACE && done == total && build.writesFile()) noteInterrupts();
     build.progress.update(kStages[stage], done, total);
     return !interrupted();
-}
-
-bool onImage(void* context, const void* bytes, std::size_t size) {
-    static_cast<Build*>(context)->output->write({static_cast<const char*>(bytes), size});
-    return true;
 }
 
 // The notation of the library, which knows a byte by its number only.
@@ -122,7 +114,20 @@ std::string nameOfInput() {
     return S_ISFIFO(status.st_mode) && isUnnamed ? kName : "";
 }
 
-int callLibrary(Build& build, const char* image, DictionaryBuildReport& report) {
+// The source as the library takes it; `bytes` keeps what only dictool can read.
+DictionarySource sourceOf(const std::string& name, Buffer& bytes) {
+    DictionarySource source = {};
+    source.size = sizeof source;
+    if (!name.empty()) {
+        source.path = name.c_str();
+        return source;
+    }
+    bytes = readWhole("-");
+    source.bytes = {bytes.size() == 0 ? "" : bytes.data(), bytes.size()};
+    return source;
+}
+
+int callLibrary(Build& build, const DictionaryTarget& target, DictionaryBuildReport& report) {
     const BuildOptions& given = build.options;
     const std::string fieldSeparator = notationOf(given.fieldSeparator);
     const std::string recordSeparator = notationOf(given.recordSeparator);
@@ -132,53 +137,57 @@ int callLibrary(Build& build, const char* image, DictionaryBuildReport& report) 
     options.recordSeparator = recordSeparator.c_str();
     options.problemLimit = given.maxProblems;
     options.lenient = given.lenient;
-    options.windows = given.windows;
+    options.fromWindows = given.windows;
     options.allowEmpty = given.allowEmpty;
     options.onProblem = onProblem;
     options.onProgress = onProgress;
-    options.onImage = build.output ? onImage : nullptr;
     options.context = &build;
     const std::string name = given.source == "-" ? nameOfInput() : given.source;
-    if (!name.empty()) return dictionaryBuild(name.c_str(), image, &options, &report);
-    const Buffer source = readWhole(given.source);
-    return dictionaryBuildBytes(source.data(), source.size(), image, &options, &report);
+    Buffer bytes;
+    const DictionarySource source = sourceOf(name, bytes);
+    DictionaryError error;
+    const int code = dictionaryBuildFrom(&source, &target, &options, &report, &error);
+    const bool untold = code != DICTIONARY_OK && code != DICTIONARY_STOPPED && build.told == 0;
+    if (untold) throw failureOf(error, given.source);
+    return code;
 }
 
 std::string summaryOf(const DictionaryBuildReport& report, const std::string& image) {
-    std::string text = std::to_string(report.records) + " records";
-    if (!image.empty()) {
-        text = image + ": " + std::to_string(report.keys) + " keys of " + text + ", " +
-               std::to_string(report.imageBytes) + " bytes";
-    }
-    if (report.refused > 0) text += ", " + std::to_string(report.refused) + " keys refused";
-    return text;
+    const std::string records = std::to_string(report.records) + " records";
+    if (image.empty()) return records;
+    return image + ": " + std::to_string(report.keys) + " keys of " + records + ", " +
+           std::to_string(report.imageBytes) + " bytes";
+}
+
+DictionaryTarget targetOf(const Build& build, dictionary::ImageBuffer& buffer) {
+    DictionaryTarget target = {};
+    target.size = sizeof target;
+    if (build.writesFile()) target.path = build.image.c_str();
+    if (build.image == "-") target.buffer = buffer.get();
+    return target;
 }
 
 // A build of no image is a check.
 int run(const BuildOptions& options, const std::string& image) {
     const bool showsProgress = !options.quiet && (options.progress || errorsOnTerminal());
-    const std::string interruption = image.empty() || image == "-"
-                                         ? "interrupted"
-                                         : "interrupted; nothing is written to " + image;
+    Build build{options, image, Progress(showsProgress)};
+    const std::string interruption =
+        build.writesFile() ? "interrupted; nothing is written to " + image : "interrupted";
     endWhenInterrupted((showsProgress ? "\n" : "") + messageOf(interruption));
-    Build build{options, Progress(showsProgress), {}};
-    if (image == "-") build.output.emplace();
+    dictionary::ImageBuffer buffer;
     DictionaryBuildReport counts = {};
     counts.size = sizeof counts;
-    const int result =
-        callLibrary(build, image.empty() || image == "-" ? nullptr : image.c_str(), counts);
+    const int code = callLibrary(build, targetOf(build, buffer), counts);
     build.progress.clear();
-    if (build.output) build.output->finish();
     if (counts.problems > build.told) {
         remark(options.source + ": " + std::to_string(counts.problems - build.told) +
                " more problems; --max-problems shows more of them");
     }
-    if (result == DICTIONARY_STOPPED) remark(interruption);
-    const bool done = result == DICTIONARY_BUILT || result == DICTIONARY_BUILT_WITHOUT_SOME;
-    if (done && !options.quiet) remark(summaryOf(counts, image));
-    // By DictionaryBuildResult.
-    constexpr Status kStatuses[] = {kDone, kRefused, kTrouble, kInterrupted};
-    return kStatuses[result];
+    if (code == DICTIONARY_STOPPED) remark(interruption);
+    if (code != DICTIONARY_OK) return statusOf(code);
+    if (image == "-") print(buffer.view());
+    if (!options.quiet) remark(summaryOf(counts, image));
+    return kDone;
 }
 
 int runBuild(const BuildOptions& options) {

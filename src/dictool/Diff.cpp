@@ -2,8 +2,9 @@
 
 #include "Command.h"
 #include "Format.h"
+#include "Image.h"
 #include "Output.h"
-#include "Trie.h"
+#include "Report.h"
 
 namespace dictool {
 
@@ -25,20 +26,18 @@ constexpr char kDetails[] =
 // An image's keys, one after the other.
 class Keys {
 public:
-    explicit Keys(const std::string& file) : m_image(file), m_trie(m_image), m_cursor(m_trie) {
-        advance();
-    }
+    explicit Keys(const std::string& file)
+        : m_image(file), m_keys(m_image.opened().keys()), m_next(m_keys.begin()) {}
 
-    void advance() { m_left = m_cursor.nextKey(); }
-    bool left() const { return m_left; }
-    std::string_view key() const { return m_cursor.key(); }
-    std::string_view data() const { return m_cursor.data(); }
+    void advance() { ++m_next; }
+    bool left() const { return m_next != dictionary::Keys::iterator(); }
+    std::string_view key() const { return m_next->text; }
+    std::string_view data() const { return m_next->data; }
 
 private:
     Image m_image;
-    Trie m_trie;
-    Cursor m_cursor;
-    bool m_left = false;
+    dictionary::Keys m_keys;
+    dictionary::Keys::iterator m_next;
 };
 
 // Below 0 when the first one's key is not in the second, above 0 when it is the other way round.

@@ -1,14 +1,14 @@
 // dump: the source of an image.
 
 #include <algorithm>
-#include <new>
 #include <optional>
 
 #include "Command.h"
 #include "Format.h"
 #include "Output.h"
+#include "Printable.h"
+#include "Report.h"
 #include "Trie.h"
-#include "Utf8Decoder.h"
 
 namespace dictool {
 
@@ -33,7 +33,7 @@ constexpr std::string_view kWrittenNewline = "\\n";
 struct Key {
     std::string text;  // as in the image
     std::string_view data;
-    Dictionary::Cell cell;
+    DictionaryCell cell;
     bool isLeaf;
 };
 
@@ -59,11 +59,12 @@ void forEachSourceKey(const Trie& trie, Take take) {
 }
 
 bool isUtf8(std::string_view text) {
-    std::size_t end = 0;
-    Dictionary::decodeUtf8(
-        text.data(), text.size(),
-        [&end](auto, std::size_t start, std::size_t length) { end = start + length; });
-    return end == text.size();
+    while (!text.empty()) {
+        const std::size_t bytes = characterBytes(text);
+        if (bytes == 0) return false;
+        text.remove_prefix(bytes);
+    }
+    return true;
 }
 
 // Finds out whether a build gives an image again.
@@ -109,12 +110,12 @@ private:
         std::size_t offset = 0;
         std::string_view before;
         for (const std::int32_t feature : m_features) {
-            const std::string_view data = m_image.data({0, 0, feature});
+            const std::string_view data = m_image.data(feature);
             if (static_cast<std::size_t>(feature) != offset || data <= before) break;
             before = data;
             offset += kLengthBytes + data.size();
         }
-        if (offset == static_cast<std::size_t>(m_image.featureBytes())) return;
+        if (offset == m_image.featureBytes()) return;
         refuse("its data texts are not those of its keys in ascending order");
     }
 
@@ -140,46 +141,26 @@ std::string sourceOf(const Trie& trie) {
     return source;
 }
 
-// Compares an image, as it comes, with the bytes that are left of another one.
-struct Comparison {
-    std::string_view left;
-    bool differs = false;
-};
-
-bool compareOn(void* context, const void* bytes, std::size_t size) {
-    Comparison& comparison = *static_cast<Comparison*>(context);
-    std::string_view& left = comparison.left;
-    const char* const built = static_cast<const char*>(bytes);
-    const std::size_t common = std::min(size, left.size());
-    const std::size_t same =
-        static_cast<std::size_t>(std::mismatch(built, built + common, left.begin()).first - built);
-    left.remove_prefix(same);
-    comparison.differs = same < size;
-    return !comparison.differs;
-}
-
 // The first byte in which the image of `source` differs from `image`; npos when none does.
 std::size_t differenceOf(const std::string& source, const Image& image) {
-    Comparison comparison = {image.bytes()};
-    DictionaryBuildOptions options = {};
-    options.size = sizeof options;
+    dictionary::BuildOptions options;
     options.lenient = options.allowEmpty = true;
-    options.onImage = compareOn;
-    options.context = &comparison;
-    const int result =
-        dictionaryBuildBytes(source.data(), source.size(), nullptr, &options, nullptr);
-    if (result == DICTIONARY_NOT_BUILT) throw std::bad_alloc();
-    const bool isSame = !comparison.differs && comparison.left.empty();
-    return isSame ? std::string::npos : image.bytes().size() - comparison.left.size();
+    dictionary::ImageBuffer buffer;
+    dictionary::buildBytes(source, buffer, options);
+    const std::string_view built = buffer.view(), given = image.bytes();
+    if (built == given) return std::string::npos;
+    const auto* const end = built.begin() + std::min(built.size(), given.size());
+    return static_cast<std::size_t>(std::mismatch(built.begin(), end, given.begin()).first -
+                                    built.begin());
 }
 
 // Says from where on the image is not the one of its source.
 void reportDifference(const Image& image, std::size_t byte) {
-    const auto cell = byte / Dictionary::kCellBytes;
+    const auto cell = byte / sizeof(DictionaryCell);
     const bool inCells = cell < static_cast<std::size_t>(image.cellCount());
     const std::string place =
         "byte " + std::to_string(byte) + (inCells ? " (cell " + std::to_string(cell) + ")" : "");
-    report(Severity::kWarning, {image.file()}, "placed-otherwise",
+    report(DICTIONARY_WARNING, {image.file()}, "placed-otherwise",
            "the source builds to other bytes from " + place +
                " on, for the cells are placed otherwise; keys and data are the same");
 }

@@ -51,13 +51,13 @@ private:
 
 int filter(const FilterOptions& options, Lines& lines, Output& output,
            const MakeImageWork& makeWork) {
-    const Handle handle(options.image);
+    const dictionary::Image image = dictionary::Image::open(options.image);
     const unsigned cores = std::max(std::thread::hardware_concurrency(), 1u);
     const unsigned threads = options.threads == 0 ? cores : options.threads;
     std::atomic<bool> sawReturn{false};
     const auto makeLineWork = [&]() -> std::unique_ptr<LineWork> {
-        if (options.windows) return std::make_unique<WindowsWork>(makeWork(handle));
-        return std::make_unique<NoticingWork>(makeWork(handle), sawReturn);
+        if (options.windows) return std::make_unique<WindowsWork>(makeWork(image));
+        return std::make_unique<NoticingWork>(makeWork(image), sawReturn);
     };
     const bool found = runLines(lines, output, threads, makeLineWork);
     output.finish();

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "Command.h"
+#include "Dictionary.hpp"
 #include "Format.h"
-#include "Image.h"
 #include "Pipeline.h"
 
 namespace dictool {
@@ -29,7 +29,7 @@ void addFilterOptions(CLI::App& command, FilterOptions& options);
 
 // Runs lines through works made over the options' image and writes what they give. Lines of files
 // come from `files`, or from standard input when that is empty.
-using MakeImageWork = std::function<std::unique_ptr<LineWork>(const Handle& handle)>;
+using MakeImageWork = std::function<std::unique_ptr<LineWork>(const dictionary::Image& image)>;
 int filterFiles(const FilterOptions& options, const std::vector<std::string>& files,
                 const MakeImageWork& makeWork);
 // The same for the texts themselves, a line each.

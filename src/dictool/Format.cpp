@@ -18,15 +18,6 @@ void append(std::string& out, std::uint64_t number) {
     out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
 }
 
-// A byte that begins no legal character counts as one.
-std::size_t countCharacters(std::string_view text) {
-    std::size_t count = 0;
-    for (; !text.empty(); ++count) {
-        text.remove_prefix(std::max<std::size_t>(characterBytes(text), 1));
-    }
-    return count;
-}
-
 // Positions in a line, asked for in rising order.
 class Positions {
 public:
@@ -86,7 +77,7 @@ void appendJsonPiece(std::string& out, std::string_view key, std::size_t start, 
     out += ",\"key\":";
     appendJson(out, key);
     out += ",\"data\":";
-    if (piece.data == nullptr) {
+    if (piece.data.bytes == nullptr) {
         out += "null";
     } else {
         appendJsonFields(out, dataOf(piece));

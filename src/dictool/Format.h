@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "DATMatch.h"
+#include "Dictionary.h"
 
 namespace dictool {
 
@@ -52,7 +52,7 @@ void answerTable(std::string& out, const Answer& answer);
 void answerJson(std::string& out, const Answer& answer);
 
 inline std::string_view dataOf(const Piece& piece) {
-    return {piece.data, piece.dataLength};
+    return {piece.data.bytes, piece.data.size};
 }
 
 // A data text without the tab that closes its last field.

@@ -1,4 +1,5 @@
-// Images as commands open them: verified before anything is looked up or read.
+// An image to look into, verified before anything in it is read. docs/format.md describes the
+// cells.
 
 #ifndef DICTOOL_IMAGE_H
 #define DICTOOL_IMAGE_H
@@ -9,60 +10,52 @@
 #include <string_view>
 
 #include "Buffer.h"
-#include "DATChecked.h"
-#include "ImageFormat.h"
-#include "Report.h"
+#include "Dictionary.hpp"
 
 namespace dictool {
 
-// What a refused image makes the command end with.
-Failure imageFailure(const std::string& file, const DictionaryImageFault& fault);
-
-// An image to look up in. Throws Failure when the file holds none.
-class Handle {
-public:
-    explicit Handle(const std::string& file);
-    ~Handle();
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-
-    const void* get() const { return m_handle; }
-
-private:
-    void* m_handle;
-};
-
-// An image to look into. Throws Failure when the file holds none.
 class Image {
 public:
+    static constexpr std::int32_t kFreeCheck = 0;
+    static constexpr std::int32_t kRootCheck = -1;  // of a child of the root
+
+    // Throws Failure when the file holds no image.
     explicit Image(const std::string& file);
     Image(const Image&) = delete;
     Image& operator=(const Image&) = delete;
 
     const std::string& file() const { return m_file; }
+    const dictionary::Image& opened() const { return m_image; }
     std::string_view bytes() const { return m_bytes.text(); }
-    std::int32_t cellCount() const {
-        return Dictionary::cellBytesOf(header()) / Dictionary::kCellBytes;
-    }
-    std::int32_t featureBytes() const { return Dictionary::featureBytesOf(header()); }
+    std::int32_t cellCount() const { return static_cast<std::int32_t>(m_description.cells); }
+    std::uint64_t featureBytes() const { return m_description.featureBytes; }
 
     // The cells from 1 on; cell 0 is the header.
-    Dictionary::Cell cell(std::int32_t index) const { return m_view.cells()[index]; }
-    bool isUsed(std::int32_t index) const {
-        return cell(index).check != Dictionary::kFreeImageCheck;
+    DictionaryCell cell(std::int32_t index) const {
+        return dictionaryCellAt(m_image.handle(), 0, static_cast<std::uint64_t>(index));
     }
-    // The data text that a cell refers to; empty when it refers to none.
-    std::string_view data(const Dictionary::Cell& cell) const {
-        return m_view.featureText(cell.feature);
+    bool isUsed(std::int32_t index) const { return cell(index).check != kFreeCheck; }
+    // The data text of the record at byte `feature` of the feature area.
+    std::string_view data(std::int32_t feature) const {
+        const DictionaryText data =
+            dictionaryDataAt(m_image.handle(), 0, static_cast<std::uint32_t>(feature));
+        return {data.bytes, data.size};
     }
 
 private:
-    Dictionary::Cell header() const { return Dictionary::headerOf(m_bytes.data()); }
-
     std::string m_file;
     Buffer m_bytes;
-    Dictionary::ImageView m_view;
+    dictionary::Image m_image;
+    DictionaryDescription m_description;
 };
+
+// The cell of a child's label 0, which need not be one: that of label n is n cells further.
+inline std::int32_t firstChildCell(const DictionaryCell& cell) {
+    return cell.base < 0 ? -cell.base : cell.base;
+}
+inline bool endsKey(const DictionaryCell& cell) {
+    return cell.base < 0;
+}
 
 }  // namespace dictool
 

@@ -1,5 +1,7 @@
 // lookup: whether texts are keys, and their data.
 
+#include <optional>
+
 #include "Filter.h"
 
 namespace dictool {
@@ -31,8 +33,8 @@ FormatAnswer formatOf(const LookupOptions& options) {
 
 class LookupWork : public LineWork {
 public:
-    LookupWork(const Handle& handle, const LookupOptions& options)
-        : m_handle(handle),
+    LookupWork(const dictionary::Image& image, const LookupOptions& options)
+        : m_image(image),
           m_format(formatOf(options)),
           m_writesAll(options.format == "json" && !options.missing),
           m_wanted(!options.missing),
@@ -40,17 +42,16 @@ public:
           m_escapes(!options.zeroEnded) {}
 
     bool take(std::string_view line, std::uint64_t number, std::string& out) override {
-        const char* data = nullptr;
-        std::size_t size = 0;
-        const bool found = dictionaryLookup(m_handle.get(), line.data(), line.size(), &data, &size);
+        const std::optional<std::string_view> data = m_image.lookup(line);
+        const bool found = data.has_value();
         if (m_writesAll || found == m_wanted) {
-            m_format(out, {line, number, found, {data, size}, m_end, m_escapes});
+            m_format(out, {line, number, found, data.value_or(""), m_end, m_escapes});
         }
         return found == m_wanted;
     }
 
 private:
-    const Handle& m_handle;
+    const dictionary::Image& m_image;
     FormatAnswer m_format;
     bool m_writesAll;
     bool m_wanted;
@@ -59,8 +60,8 @@ private:
 };
 
 int run(const LookupOptions& options) {
-    const auto makeWork = [&](const Handle& handle) {
-        return std::make_unique<LookupWork>(handle, options);
+    const auto makeWork = [&](const dictionary::Image& image) {
+        return std::make_unique<LookupWork>(image, options);
     };
     if (options.keys.empty()) return filterFiles(options, {}, makeWork);
     return filterTexts(options, options.keys, makeWork);

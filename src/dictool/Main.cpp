@@ -5,7 +5,7 @@
 #include <new>
 
 #include "Command.h"
-#include "DATChecked.h"
+#include "Dictionary.hpp"
 #include "Help.h"
 #include "Output.h"
 #include "Report.h"
@@ -20,8 +20,9 @@ constexpr DefineCommand kCommands[] = {defineBuild, defineSearch, defineSegment,
 
 constexpr char kDetails[] =
     "Exit status: 0 found or done; 1 nothing found, or different; 2 wrong usage, or a file\n"
-    "cannot be read or written; 3 done, but keys were refused; 4 not a sound image; 130 a build\n"
-    "was ended by a signal; 141 nobody reads the output.\n"
+    "cannot be read or written; 4 not a sound image; 130 a build was ended by a signal; 141 "
+    "nobody\n"
+    "reads the output.\n"
     "'dictool help COMMAND' explains a command.";
 
 // Says how to name a file that looks like options.
@@ -73,13 +74,18 @@ int runReporting(int count, char** arguments) {
     } catch (const Failure& failure) {
         report(failure);
         return failure.status;
+    } catch (const dictionary::Error& error) {
+        const char* const file = error.record().path;
+        const Failure failure = failureOf(error.record(), file == nullptr ? "" : file);
+        report(failure);
+        return failure.status;
     } catch (const ClosedPipe&) {
         return kClosedPipe;
     } catch (const std::bad_alloc&) {
-        report(Severity::kError, {}, "no-memory",
+        report(DICTIONARY_ERROR, {}, "no-memory",
                "memory is short; free some or use fewer threads");
     } catch (const std::exception& error) {
-        report(Severity::kError, {}, "internal", error.what());
+        report(DICTIONARY_ERROR, {}, "internal", error.what());
     }
     return kTrouble;
 }

@@ -1,6 +1,6 @@
 // manual, which users are not told of: manual pages, made of what the help is made of.
 
-#include "DATChecked.h"
+#include "Dictionary.h"
 #include "Listing.h"
 #include "Output.h"
 #include "Report.h"
@@ -65,7 +65,7 @@ std::string pageNameOf(std::string command) {
     return command;
 }
 
-// The other pages, of the program and of its commands.
+// The other pages, of the program and of its commands, and the library's.
 std::string seeAlso(const CLI::App& program, const std::string& page) {
     std::vector<std::string> names = {program.get_name()};
     for (const CLI::App* command : commandsOf(program)) {
@@ -75,6 +75,7 @@ std::string seeAlso(const CLI::App& program, const std::string& page) {
     for (const std::string& name : names) {
         if (name != page) others.push_back("\\fB" + roff(name) + "\\fR(1)");
     }
+    others.push_back("\\fBdictionary\\fR(3)");
     return join(others, ",\n");
 }
 

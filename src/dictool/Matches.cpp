@@ -14,25 +14,23 @@ FormatPieces formatOf(const MatchOptions& options) {
 
 class MatchWork : public LineWork {
 public:
-    MatchWork(const Handle& handle, int mode, const MatchOptions& options)
-        : m_handle(handle),
-          m_mode(mode),
+    MatchWork(const dictionary::Image& image, int mode, const MatchOptions& options)
+        : m_image(image),
+          m_options(optionsOf(mode)),
           m_format(formatOf(options)),
           m_unit(options.offset == "char" ? Unit::kCharacter : Unit::kByte),
           m_keep(options.keep),
           m_end(options.end()),
-          m_escapes(!options.zeroEnded && mode != DICTIONARY_FIND_AS_SEARCH) {}
+          m_escapes(!options.zeroEnded && mode != DICTIONARY_FIND_CLASSIC) {}
     MatchWork(const MatchWork&) = delete;
     MatchWork& operator=(const MatchWork&) = delete;
-    ~MatchWork() override { dictionaryReleaseMatches(&m_matches); }
+    ~MatchWork() override { dictionaryFreeMatches(&m_matches); }
 
     bool take(std::string_view line, std::uint64_t number, std::string& out) override {
-        if (!dictionaryFind(m_handle.get(), m_mode, DICTIONARY_UNIT_BYTE, line.data(), line.size(),
-                            &m_matches)) {
-            throw Failure{kTrouble,
-                          {"line " + std::to_string(number)},
-                          "too-long",
-                          "too long for the memory at hand, or over 2147483647 bytes; divide it"};
+        DictionaryError error;
+        if (dictionaryFindMatches(m_image.handle(), &m_options, {line.data(), line.size()},
+                                  &m_matches, &error) != DICTIONARY_OK) {
+            throw failureOf(error, "line " + std::to_string(number));
         }
         LinePieces pieces = {line,   number, m_matches.items, m_matches.count,
                              m_unit, m_end,  m_escapes};
@@ -46,12 +44,19 @@ public:
     }
 
 private:
+    static DictionaryFindOptions optionsOf(int mode) {
+        DictionaryFindOptions options = {};
+        options.size = sizeof options;
+        options.mode = mode;
+        return options;
+    }
+
     // Fills the pieces with the matches, which do not overlap, and with what lies around them.
     void addStretches(std::string_view line) {
         m_pieces.clear();
         std::size_t passed = 0;
         const auto passTo = [&](std::size_t next) {
-            if (passed < next) m_pieces.push_back({passed, next - passed, nullptr, 0});
+            if (passed < next) m_pieces.push_back({passed, next - passed, {}, 0, 0});
         };
         for (std::size_t i = 0; i < m_matches.count; ++i) {
             const DictionaryMatch& match = m_matches.items[i];
@@ -62,8 +67,8 @@ private:
         passTo(line.size());
     }
 
-    const Handle& m_handle;
-    int m_mode;
+    const dictionary::Image& m_image;
+    DictionaryFindOptions m_options;
     FormatPieces m_format;
     Unit m_unit;
     bool m_keep;
@@ -84,8 +89,8 @@ void addMatchOptions(CLI::App& command, MatchOptions& options) {
 }
 
 int filterMatches(const MatchOptions& options, int mode) {
-    return filterFiles(options, options.files, [&](const Handle& handle) {
-        return std::make_unique<MatchWork>(handle, mode, options);
+    return filterFiles(options, options.files, [&](const dictionary::Image& image) {
+        return std::make_unique<MatchWork>(image, mode, options);
     });
 }
 

@@ -19,15 +19,30 @@ struct SeverityStyle {
     std::string_view color;
 };
 
-SeverityStyle styleOf(Severity severity) {
+SeverityStyle styleOf(DictionarySeverity severity) {
     constexpr SeverityStyle kError = {"error", "\x1b[1;31m"};
     constexpr SeverityStyle kWarning = {"warning", "\x1b[1;35m"};
-    return severity == Severity::kError ? kError : kWarning;
+    return severity == DICTIONARY_ERROR ? kError : kWarning;
 }
 
 bool colored() {
     const char* refused = std::getenv("NO_COLOR");
     return errorsOnTerminal() && (refused == nullptr || *refused == '\0');
+}
+
+bool refusesImage(int code) {
+    return code >= DICTIONARY_IMAGE_TOO_SHORT && code <= DICTIONARY_IMAGE_FEATURE;
+}
+
+constexpr std::string_view kAfterName = ": ";
+
+// The library's message without the place: "NAME: what is wrong".
+std::string wordsOf(DictionaryError error) {
+    error.path = nullptr;
+    error.line = error.column = 0;
+    std::string words(dictionaryErrorMessage(&error, nullptr, 0), '\0');
+    dictionaryErrorMessage(&error, words.data(), words.size() + 1);
+    return words;
 }
 
 // There is nowhere left to complain when standard error fails.
@@ -42,7 +57,8 @@ void writeError(std::string_view message) {
 
 }  // namespace
 
-void report(Severity severity, const Place& place, std::string_view code, std::string_view text) {
+void report(DictionarySeverity severity, const Place& place, std::string_view code,
+            std::string_view text) {
     const SeverityStyle style = styleOf(severity);
     std::string message = "dictool: ";
     if (!place.file.empty()) {
@@ -61,7 +77,20 @@ void report(Severity severity, const Place& place, std::string_view code, std::s
 }
 
 void report(const Failure& failure) {
-    report(Severity::kError, failure.place, failure.code, failure.text);
+    report(DICTIONARY_ERROR, failure.place, failure.code, failure.text);
+}
+
+Status statusOf(int code) {
+    if (code == DICTIONARY_STOPPED) return kInterrupted;
+    return refusesImage(code) ? kBadImage : kTrouble;
+}
+
+Failure failureOf(const DictionaryError& error, const std::string& file) {
+    const std::string name = dictionaryCodeName(error.code);
+    return {statusOf(error.code),
+            {file, error.line, error.column},
+            name,
+            wordsOf(error).substr(name.size() + kAfterName.size())};
 }
 
 std::string messageOf(std::string_view text) {
@@ -73,11 +102,7 @@ void remark(std::string_view text) {
 }
 
 Failure systemFailure(const std::string& file, const std::string& code, const std::string& advice) {
-    return {kTrouble, {file}, code, systemText(errno) + "; " + advice};
-}
-
-std::string systemText(int systemError) {
-    return std::generic_category().message(systemError);
+    return {kTrouble, {file}, code, std::generic_category().message(errno) + "; " + advice};
 }
 
 bool errorsOnTerminal() {

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "Dictionary.h"
+
 namespace dictool {
 
 // What the program ends with, as grep does where the two have something in common.
@@ -15,7 +17,6 @@ enum Status : int {
     kDone = 0,                    // found, or done
     kNone = 1,                    // nothing found, or two images differ
     kTrouble = 2,                 // wrong usage, or a file cannot be read or written
-    kRefused = 3,                 // done, but without some keys
     kBadImage = 4,                // an image that is none
     kInterrupted = 128 + SIGINT,  // by any signal
     kClosedPipe = 128 + SIGPIPE
@@ -39,12 +40,17 @@ struct Failure {
 // Thrown when nobody reads the output any more: ends the program without a word.
 struct ClosedPipe {};
 
-enum class Severity { kError, kWarning };
-
 // Writes "dictool: FILE:LINE:COL: error CODE: text", in colours on a terminal. A message is one
 // write, so those of several threads or processes do not mix. What is not printable is escaped.
-void report(Severity severity, const Place& place, std::string_view code, std::string_view text);
+void report(DictionarySeverity severity, const Place& place, std::string_view code,
+            std::string_view text);
 void report(const Failure& failure);
+
+// What a command ends with after an error of the library.
+Status statusOf(int code);
+
+// What the library says of `file`.
+Failure failureOf(const DictionaryError& error, const std::string& file);
 
 // "dictool: text" and a newline.
 std::string messageOf(std::string_view text);
@@ -54,8 +60,6 @@ void remark(std::string_view text);
 
 // The failure of the system call that has just failed on `file`; `advice` says what to do.
 Failure systemFailure(const std::string& file, const std::string& code, const std::string& advice);
-
-std::string systemText(int systemError);
 
 // Whether standard error is a terminal.
 bool errorsOnTerminal();

@@ -28,7 +28,7 @@ constexpr char kDetails[] =
 int run(const SearchOptions& options) {
     if (options.all) return filterMatches(options, DICTIONARY_FIND_ALL);
     return filterMatches(options,
-                         options.classic ? DICTIONARY_FIND_AS_SEARCH : DICTIONARY_FIND_LONGEST);
+                         options.classic ? DICTIONARY_FIND_CLASSIC : DICTIONARY_FIND_LONGEST);
 }
 
 }  // namespace

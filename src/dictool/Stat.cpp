@@ -4,6 +4,7 @@
 
 #include "Command.h"
 #include "Output.h"
+#include "Report.h"
 #include "Statistics.h"
 
 namespace dictool {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Printable.h"
 #include "Trie.h"
 
 namespace dictool {
@@ -68,7 +69,7 @@ Statistics statisticsOf(const Image& image) {
     Statistics statistics;
     statistics.imageBytes = image.bytes().size();
     statistics.cells = static_cast<std::uint64_t>(image.cellCount());
-    statistics.featureBytes = static_cast<std::uint64_t>(image.featureBytes());
+    statistics.featureBytes = image.featureBytes();
     const Trie trie(image);
     std::vector<std::int32_t> features;
     for (Cursor cursor(trie); cursor.next();) {
@@ -78,7 +79,7 @@ Statistics statisticsOf(const Image& image) {
         if (!cursor.endsKey()) continue;
         ++statistics.keys;
         statistics.keyBytes += cursor.key().size();
-        statistics.keysByLength.add(cursor.depth());
+        statistics.keysByLength.add(countCharacters(cursor.key()));
         features.push_back(cursor.cell().feature);
     }
     std::sort(features.begin(), features.end());

@@ -7,21 +7,32 @@ namespace {
 constexpr std::int32_t kNoCell = 0;
 constexpr std::int32_t kRoot = 0;
 
-void appendBits(std::string& text, std::int32_t mark, std::int32_t bits) {
-    text += static_cast<char>(mark | bits);
+constexpr std::int32_t kHighSurrogates = 0xD800, kLowSurrogates = 0xDC00, kSurrogatesEnd = 0xE000;
+
+bool isSurrogate(std::int32_t label) {
+    return label >= kHighSurrogates && label < kSurrogatesEnd;
+}
+bool isPair(std::int32_t high, std::int32_t low) {
+    return isSurrogate(high) && high < kLowSurrogates && isSurrogate(low) && low >= kLowSurrogates;
+}
+std::int32_t codePointOf(std::int32_t high, std::int32_t low) {
+    constexpr std::int32_t kFirst = 0x10000, kSurrogateBits = 10;
+    return kFirst + ((high - kHighSurrogates) << kSurrogateBits) + (low - kLowSurrogates);
 }
 
-// Labels lie below U+10000. A surrogate comes out in its own three bytes.
 void appendUtf8(std::string& text, std::int32_t code) {
     constexpr std::int32_t kTail = 0x80, kTailBits = 0x3F;
-    if (code < 0x80) return appendBits(text, 0, code);
-    if (code < 0x800) {
-        appendBits(text, 0xC0, code >> 6);
-    } else {
-        appendBits(text, 0xE0, code >> 12);
-        appendBits(text, kTail, code >> 6 & kTailBits);
+    constexpr struct {
+        std::int32_t end;
+        std::int32_t mark;
+        int bits;  // in the bytes after the first
+    } kLengths[] = {{0x80, 0, 0}, {0x800, 0xC0, 6}, {0x10000, 0xE0, 12}, {0x110000, 0xF0, 18}};
+    const auto* length = kLengths;
+    while (code >= length->end) ++length;
+    text += static_cast<char>(length->mark | code >> length->bits);
+    for (int bits = length->bits - 6; bits >= 0; bits -= 6) {
+        text += static_cast<char>(kTail | (code >> bits & kTailBits));
     }
-    appendBits(text, kTail, code & kTailBits);
 }
 
 }  // namespace
@@ -30,19 +41,25 @@ Trie::Trie(const Image& image)
     : m_image(image),
       m_firstChild(indexOf(image.cellCount()), kNoCell),
       m_nextSibling(indexOf(image.cellCount()), kNoCell) {
-    for (std::int32_t cell = image.cellCount() - 1; cell > 0; --cell) {
-        if (!image.isUsed(cell)) continue;
-        const std::int32_t check = image.cell(cell).check;
-        const std::int32_t parent = check == Dictionary::kRootCheck ? kRoot : check;
-        m_nextSibling[indexOf(cell)] = firstChild(parent);
-        m_firstChild[indexOf(parent)] = cell;
+    // Characters above U+FFFF, which begin with a surrogate, come after all others.
+    for (const bool surrogates : {true, false}) {
+        for (std::int32_t cell = image.cellCount() - 1; cell > 0; --cell) {
+            if (image.isUsed(cell) && isSurrogate(label(cell)) == surrogates) addFront(cell);
+        }
     }
+}
+
+void Trie::addFront(std::int32_t cell) {
+    const std::int32_t check = m_image.cell(cell).check;
+    const std::int32_t parent = check == Image::kRootCheck ? kRoot : check;
+    m_nextSibling[indexOf(cell)] = firstChild(parent);
+    m_firstChild[indexOf(parent)] = cell;
 }
 
 std::int32_t Trie::label(std::int32_t cell) const {
     const std::int32_t parent = m_image.cell(cell).check;
-    if (parent == Dictionary::kRootCheck) return cell;
-    return cell - static_cast<std::int32_t>(Dictionary::childIndex(m_image.cell(parent), 0));
+    if (parent == Image::kRootCheck) return cell;
+    return cell - firstChildCell(m_image.cell(parent));
 }
 
 bool Cursor::next() {
@@ -55,9 +72,21 @@ bool Cursor::next() {
         m_path.pop_back();
     }
     if (cell == kNoCell) return false;
-    m_path.push_back({cell, m_key.size()});
-    appendUtf8(m_key, m_trie.label(cell));
+    push(cell);
     return true;
+}
+
+// A surrogate that is none of a pair comes out in its own three bytes.
+void Cursor::push(std::int32_t cell) {
+    const std::int32_t label = m_trie.label(cell);
+    const std::size_t keyBytes = m_key.size();
+    if (!m_path.empty() && isPair(m_path.back().label, label)) {
+        m_key.resize(m_path.back().keyBytes);
+        appendUtf8(m_key, codePointOf(m_path.back().label, label));
+    } else {
+        appendUtf8(m_key, label);
+    }
+    m_path.push_back({cell, label, keyBytes});
 }
 
 bool Cursor::nextKey() {

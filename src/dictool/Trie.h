@@ -18,12 +18,14 @@ public:
     explicit Trie(const Image& image);
 
     const Image& image() const { return m_image; }
-    // Both give 0 for none; children come by their labels. Cell 0 has the root's.
+    // Both return 0 for none; children come in the order of their characters. Cell 0 has the
+    // root's.
     std::int32_t firstChild(std::int32_t cell) const { return m_firstChild[indexOf(cell)]; }
     std::int32_t nextSibling(std::int32_t cell) const { return m_nextSibling[indexOf(cell)]; }
     std::int32_t label(std::int32_t cell) const;
 
 private:
+    void addFront(std::int32_t cell);  // among its parent's children
     static std::size_t indexOf(std::int32_t cell) { return static_cast<std::size_t>(cell); }
 
     const Image& m_image;
@@ -31,8 +33,8 @@ private:
     std::vector<std::int32_t> m_nextSibling;
 };
 
-// Goes through the nodes of a trie, a node in front of its children and these by their labels:
-// keys come in the order of their code points, which is that of their bytes.
+// Goes through the nodes of a trie, a node before its children: keys come in the order of their
+// code points, which is that of their bytes.
 class Cursor {
 public:
     explicit Cursor(const Trie& trie) : m_trie(trie) {}
@@ -41,20 +43,23 @@ public:
     bool next();
     bool nextKey();
 
-    // The characters that lead to the node.
+    // The characters that lead to the node. One above U+FFFF is two nodes, of its surrogates.
     std::string_view key() const { return m_key; }
     std::size_t depth() const { return m_path.size(); }
-    std::string_view data() const { return m_trie.image().data(cell()); }
-    Dictionary::Cell cell() const { return m_trie.image().cell(m_path.back().cell); }
-    bool endsKey() const { return Dictionary::endsKey(cell()); }
+    std::string_view data() const { return m_trie.image().data(cell().feature); }
+    DictionaryCell cell() const { return m_trie.image().cell(m_path.back().cell); }
+    bool endsKey() const { return dictool::endsKey(cell()); }
     bool isLeaf() const { return m_trie.firstChild(m_path.back().cell) == 0; }
     std::uint32_t childCount() const;
 
 private:
     struct Step {
         std::int32_t cell;
+        std::int32_t label;
         std::size_t keyBytes;  // of the parent's characters
     };
+
+    void push(std::int32_t cell);
 
     const Trie& m_trie;
     std::vector<Step> m_path;

@@ -3,9 +3,10 @@
 #include <algorithm>
 
 #include "Command.h"
-#include "Image.h"
+#include "Dictionary.h"
 #include "Output.h"
 #include "Printable.h"
+#include "Report.h"
 
 namespace dictool {
 
@@ -23,9 +24,9 @@ constexpr char kDetails[] =
     "be read.";
 
 Status verify(const std::string& file, bool quiet) {
-    DictionaryImageFault fault;
-    if (!dictionaryVerifyFile(file.c_str(), &fault)) {
-        const Failure failure = imageFailure(file, fault);
+    DictionaryError error;
+    if (dictionaryVerifyImage(file.c_str(), &error) != DICTIONARY_OK) {
+        const Failure failure = failureOf(error, file);
         report(failure);
         return failure.status;
     }

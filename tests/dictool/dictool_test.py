@@ -18,7 +18,7 @@ HERE = tempfile.mkdtemp(prefix="dictool")
 COMMANDS = "build lint search segment lookup dump stat verify diff view".split()
 SOURCE = "\\n\tline\nabc\tn\t1\nbc\tv\nab\t\n東京\tplace\n東京都\tplace\tbig\nbc\tw\n"
 FREE_CELL = struct.pack("<3i", 0, 0, -1)
-NONE, TROUBLE, REFUSED, BAD_IMAGE, INTERRUPTED, CLOSED_PIPE = 1, 2, 3, 4, 130, 141
+NONE, TROUBLE, BAD_IMAGE, INTERRUPTED, CLOSED_PIPE = 1, 2, 4, 130, 141
 
 
 def run(*arguments, given=b"", **options):
@@ -111,7 +111,6 @@ FAULTS = [
     (b"\xef\xbb\xbfa\tx\n", ["1:1: error bom"], TROUBLE, 0),
     (b"a\tx\nb\ty", ["2:4: error unfinished"], TROUBLE, TROUBLE),
     (b"a\t" + b"x" * 4194304 + b"\n", ["1:4194299: error record-too-long"], TROUBLE, TROUBLE),
-    ("a\tx\nb😀\ty\n".encode(), ["2:2: error beyond-bmp"], REFUSED, REFUSED),
     (b"", [" error no-records"], TROUBLE, TROUBLE),
     (b"\x1f\x8b\x08", [" error not-text: this is a gzip file; try zcat FILE"], TROUBLE, TROUBLE),
     (b"a\nb\n\xff\tx\n", ["1:2: error no-f", "2:2: error no-f", "3:1: error bad"],
@@ -155,7 +154,7 @@ class Dictool(unittest.TestCase):
                 told = ["wrong.tsv:" + line for line in told]
                 self.assertRefused(run("lint", "-q", "wrong.tsv"), status, *told)
                 self.assertRefused(run("build", "-q", "wrong.tsv", "old.bin"), status, *told)
-                self.assertEqual(read("old.bin") == b"old", status != REFUSED)
+                self.assertEqual(read("old.bin"), b"old")
                 self.assertEqual(run("build", "--lenient", "wrong.tsv", "new.bin")[0], lenient)
 
     def test_build(self):
@@ -168,7 +167,7 @@ class Dictool(unittest.TestCase):
         self.assertEqual(made[:2], (0, read("other.bin")))
         self.assertEqual(run("build", "-", "empty.bin", "--allow-empty")[0], 0)
         told = run("lint", "-", given="a\tx\t;y\n")
-        self.assertRefused(told, 0, "-:1:5: warning semicolon", "1 records")
+        self.assertRefused(told, 0, "-:1:5: warning field-mark", "1 records")
         problems = run("lint", "-", "--max-problems", "2", given="\n\n\n\n")
         self.assertRefused(problems, TROUBLE, "-:1:1: error", "-:2:1: error", "-: 2 more problems")
         for arguments, told in ((["gone.tsv", "x.bin"], "gone.tsv: error cannot-read"),
@@ -178,17 +177,17 @@ class Dictool(unittest.TestCase):
         self.assertIn("\rdictool: x.bin: 6 keys of 7 records", shown)
         os.link(os.path.join(HERE, "semicolons"), os.path.join(HERE, "link"))
         before = set(os.listdir(HERE))
-        self.assertRefused(run("build", "semicolons", "link"), TROUBLE, "semicolons: error same-file")
+        self.assertRefused(run("build", "semicolons", "link"), TROUBLE, "link: error same-file")
         self.assertRefused(run("view", "words.bin", "-o", "./words.bin"), TROUBLE,
                            "./words.bin: error same-file")
         with open(os.path.join(HERE, "semicolons"), "rb") as source:
             again = subprocess.run([DICTOOL, "build", "-", "link"], cwd=HERE, stdin=source,
                                    stderr=subprocess.PIPE, check=False)
-        self.assertIn(b"-: error same-file", again.stderr)
+        self.assertIn(b"link: error same-file", again.stderr)
         limits = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100)),
                   "restore_signals": True}
         self.assertRefused(run("build", "-", "new", given=SOURCE, **limits), TROUBLE,
-                           "new: error cannot-write: the image cannot be written: File too large")
+                           "new: error cannot-write: the image cannot be written; ")
         building = subprocess.Popen([DICTOOL, "build", "-", "new"], cwd=HERE, stdin=subprocess.PIPE,
                                     stderr=subprocess.PIPE)
         caught = 0
@@ -210,10 +209,11 @@ class Dictool(unittest.TestCase):
                 extra = {"diff": ["words.bin"], "view": ["-o", "page.html"]}.get(command, [])
                 self.assertRefused(run(command, "bad.bin", *extra), BAD_IMAGE, "bad.bin: error ")
                 self.assertRefused(run(command, "gone.bin", *extra), TROUBLE, "gone.bin: error ")
-        self.assertRegex(run("verify", "bad.bin")[2], r"\(cell \d+, byte \d+\)")
+        self.assertRegex(run("verify", "bad.bin")[2], r", cell \d+, byte \d+\n")
 
     def test_dump_gives_back_the_image_or_says_that_it_cannot(self):
-        for image in ("sample.bin", "words.bin"):
+        run("build", "-", "planes.bin", given="\uffff\tb\n😀\tc\n\ue000\ta\n😁x\td\n😁\te\n")
+        for image in ("sample.bin", "words.bin", "planes.bin"):
             again = run("build", "-", "again.bin", given=run("dump", image)[1])
             self.assertEqual((again[0], read("again.bin")), (0, read(image)))
         comma = ["--record-separator", ",", "--field-separator", ";"]
