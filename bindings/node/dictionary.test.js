@@ -9,7 +9,7 @@ const { pathToFileURL } = require('node:url');
 const { Worker } = require('node:worker_threads');
 
 const {
-  BuildError, Dictionary, DictionaryError, fields, records, version,
+  BuildError, Dictionary, DictionaryError, DictionarySet, Segmenter, fields, records, version,
 } = require('dictionary');
 
 const folder = fs.mkdtempSync(path.join(os.tmpdir(), 'dictionary-'));
@@ -102,6 +102,107 @@ test('a repeated key has several records', async () => {
   }
 });
 
+test('segments are the longest or the cheapest, words cover the text', async () => {
+  const counted = await Dictionary.of(
+    [['北京', '5', '7'], ['北京大', '1', '9'], ['大学', '9', '2'], ['学生', '2', '3'], ['生', '2', '3']]);
+  const byCount = new Segmenter(counted, { countField: 1 });
+  const byCost = new Segmenter(counted, { costField: 2, unknownCost: 0.5 });
+  const text = '北京大学生\uD800ab😐';
+  const table = [
+    [counted, ['北京大', '学生', '\uD800', 'ab', '😐']],
+    [byCount, ['北京', '大学', '生', '\uD800', 'ab', '😐']],
+    // Of equal sums, the one with the longer first word.
+    [byCost, ['北京大', '学生', '\uD800', 'ab', '😐']],
+  ];
+  for (const [segmenter, words] of table) {
+    const options = { joinedRuns: true };
+    assert.deepEqual(segmenter.words(text, options), words);
+    assert.deepEqual(await segmenter.wordsEachAsync([text, ''], options), [words, []]);
+    assert.deepEqual(segmenter.words('ab'), ['a', 'b']);
+    const keys = words.slice(0, -3);
+    assert.deepEqual(segmenter.segment(text).map(({ key }) => key), keys);
+    assert.deepEqual((await segmenter.segmentAsync(text)).map(({ key }) => key), keys);
+    segmenter.close();
+    assert.throws(() => segmenter.words(text), { code: 'closed' });
+  }
+  for (const [options, expected] of [[{ countField: 2 }, { code: 'no-weight' }],
+    [{ countField: 0 }, RangeError], [{}, TypeError], [{ costField: 1 }, TypeError]]) {
+    assert.throws(() => new Segmenter(dictionary, options), expected);
+  }
+});
+
+test('keys are replaced, and all else stays', async () => {
+  const script = await Dictionary.of([['后', '後 后', 'x'], ['东西', '東西', ''], ['é', '', '😐']]);
+  const text = '\uD83D后\0东西é\uDE10';
+  const table = [
+    [{}, '\uD83D後 后\0東西é\uDE10'],
+    [{ alternatives: ' ' }, '\uD83D後\0東西é\uDE10'],
+    [{ field: 2 }, '\uD83Dx\0东西😐\uDE10'],
+    [{ field: 2, removeEmpty: true }, '\uD83Dx\0😐\uDE10'],
+    [{ field: 3, removeEmpty: true }, '\uD83D\0\uDE10'],
+  ];
+  for (const [options, expected] of table) {
+    assert.equal(script.replace(text, options), expected);
+    assert.equal(await script.replaceAsync(text, options), expected);
+    const pair = [text, '东西'];
+    const both = pair.map((one) => script.replace(one, options));
+    assert.deepEqual(script.replaceEach(pair, options), both);
+    assert.deepEqual(await script.replaceEachAsync(new Set(pair), options), both);
+    const { text: result, edits } = script.replaceWithEdits(text, options);
+    assert.deepEqual(await script.replaceWithEditsAsync(text, options), { text: result, edits });
+    // The text again, from the result and the edits.
+    let again = '';
+    let end = 0;
+    for (const edit of edits) {
+      again += result.slice(end, edit.resultStart) + text.slice(edit.start, edit.end);
+      end = edit.resultEnd;
+    }
+    assert.deepEqual([result, again + result.slice(end)], [expected, text]);
+  }
+  assert.throws(() => script.replace(text, { field: 0 }), RangeError);
+});
+
+test('words are whole, letters folded, and sets searched as one', async () => {
+  const large = await Dictionary.of([['he', '1'], ['hello', '2'], ['东', '3']]);
+  const own = await Dictionary.of([['HELLO', '4'], ['it', '5']], { folded: true });
+  assert.ok(own.has('Hello') && own.describe().folded);
+  const keys = (matches) => matches.map(({ key, fields: [field], image: n }) => `${n}${key}${field}`);
+  assert.deepEqual(keys(large.findAll('he hello东', { wholeWords: true })), ['0he1', '0hello2', '0东3']);
+  assert.ok(!large.test('hem', { wholeWords: true }));
+  const set = new DictionarySet([large, own]);
+  large.close();
+  own.close();
+  const text = 'hello It';
+  assert.deepEqual(keys(set.findLongest(text)), ['1hello4', '1It5']);
+  assert.deepEqual(keys(set.findLongest(text, { everyImage: true })), ['0hello2', '1hello4', '1It5']);
+  assert.deepEqual([set.size, [...set.keys()]], [4, ['he', 'hello', 'it', '东']]);
+  assert.equal(set.get('hello'), '4\t');
+  assert.equal(new Segmenter(set, { countField: 1 }).segment(text).length, 2);
+  assert.throws(() => new DictionarySet([]), { code: 'bad-argument' });
+  assert.throws(() => new DictionarySet([large]), { code: 'closed' });
+});
+
+test('columns have what matches have', async () => {
+  const texts = ['东', '東京都', '', 'é😐京'];
+  const set = new DictionarySet([await Dictionary.of([['东', 'x']]), dictionary]);
+  for (const searched of [dictionary, set]) {
+    for (const [mode, name] of [['all', 'findAllEach'], ['segment', 'segmentEach']]) {
+      const expected = searched[name](texts).flatMap((matches, number) =>
+        matches.map(({ start, end, data, image: n }) => [number, start, end, data, n]));
+      for (const columns of [searched.findColumns(texts, { mode }),
+        await searched.findColumnsAsync(new Set(texts), { mode })]) {
+        assert.ok(Object.values(columns).every((column) => column instanceof Uint32Array));
+        const { text, start, end, dataNumber, image: images } = columns;
+        assert.deepEqual(Array.from(text, (number, i) => [number, start[i], end[i],
+          searched.dataAt(dataNumber[i], images[i]), images[i]]), expected);
+      }
+    }
+  }
+  assert.equal(dictionary.findColumns([]).start.length, 0);
+  assert.equal(dictionary.dataAt(0xFFFFFFFF), undefined);
+  assert.throws(() => dictionary.findColumns(texts, { mode: 'none' }), TypeError);
+});
+
 test('sources and images are files, bytes and items', async () => {
   const bytes = fs.readFileSync(image);
   const items = [...words];
@@ -131,8 +232,9 @@ test('sources and images are files, bytes and items', async () => {
 test('what is wrong with a source is reported, and the old image stays', async () => {
   const source = write('bad.tsv', 'good\t1\n\xC3\n\nno field\n');
   const old = fs.readFileSync(image);
-  for (const building of [Dictionary.build(source, image), Dictionary.check(source)]) {
-    await assert.rejects(building, (error) => {
+  for (const build of ['build', 'check']) {
+    const rest = build === 'build' ? [image] : [];
+    await assert.rejects(Dictionary[build](source, ...rest), (error) => {
       assert.ok(error instanceof BuildError && error instanceof DictionaryError);
       const { code, kind, path: file, line, severity, problemCount } = error;
       assert.deepEqual({ code, kind, file, line, severity, problemCount },

@@ -20,7 +20,7 @@ export type Source = Path | { readonly bytes: Uint8Array } | Iterable<Item>;
  * `text-too-long`. Of images: `image-too-short`, `image-too-large`, `header`, `area`, `free-cell`,
  * `parent`, `label`, `base`, `feature`. Of sources: `bad-separator`, `no-field`, `empty-record`,
  * `nul`, `record-too-long`, `unfinished`, `empty-key`, `bad-utf8`, `cr`, `bom`, `no-records`,
- * `not-text`, `same-file`, `field-mark`.
+ * `not-text`, `same-file`, `field-mark`. Of segmenters: `no-weight`, `bad-weight`.
  */
 export type ErrorKind = string;
 
@@ -99,6 +99,8 @@ export interface BuildOptions {
   readonly fromWindows?: boolean;
   /** A source without records makes an empty image. */
   readonly allowEmpty?: boolean;
+  /** Folds case and width, in the keys and in whatever is looked up. */
+  readonly folded?: boolean;
   /** How many problems are reported; 100 by default. */
   readonly problemLimit?: number;
   /** Called now and then. The build stops soon after it returns false or throws. */
@@ -165,16 +167,161 @@ export interface Description {
   readonly folded: boolean;
 }
 
+export interface WordOptions {
+  /** A match neither begins nor ends inside a word. */
+  readonly wholeWords?: boolean;
+}
+
+export interface FindOptions extends WordOptions {
+  /** In a set, a key of several images is found in each, and not only in the last of them. */
+  readonly everyImage?: boolean;
+}
+
+export interface PieceOptions extends WordOptions {
+  /** A run of ASCII letters and digits that no key covers is one piece. */
+  readonly joinedRuns?: boolean;
+}
+
+export interface ColumnOptions extends FindOptions {
+  /** As `findAll`, which is the default, `findLongest`, `findPrefixes` and `segment` search. */
+  readonly mode?: 'all' | 'longest' | 'prefixes' | 'segment';
+}
+
+/** The matches of many texts, with one number per match in each column. */
+export interface Columns {
+  /** The number of the text, from 0. */
+  readonly text: Uint32Array;
+  readonly start: Uint32Array;
+  readonly end: Uint32Array;
+  /** The number of the data text, for `dataAt`. */
+  readonly dataNumber: Uint32Array;
+  /** The number of the image in a set, else 0. */
+  readonly image: Uint32Array;
+}
+
+export interface ReplaceOptions extends WordOptions {
+  /** The number of the data field that replaces a key, from 1, which is the default. */
+  readonly field?: number;
+  /** What separates alternatives in the field, of which the first one counts. */
+  readonly alternatives?: string;
+  /** A key with an empty field, or without it, is removed. By default it stays. */
+  readonly removeEmpty?: boolean;
+}
+
+/** A stretch of a text that was replaced, and what it became in the result. */
+export interface Edit {
+  readonly start: number;
+  readonly end: number;
+  readonly resultStart: number;
+  readonly resultEnd: number;
+}
+
+export interface Replacement {
+  readonly text: string;
+  readonly edits: readonly Edit[];
+}
+
 /**
- * An open image, to be used like a read-only Map of keys to data texts.
+ * Cuts texts into keys. Once it is closed, every call but `close` throws an error with the code
+ * `closed`.
  *
- * Its keys come in the order of their code points. Once it is closed, every call but `close` throws
- * an error with the code `closed`. The Async variants search on Node.js's thread pool and reject
- * where the others throw; one that is under way is not disturbed by `close`, and neither is an
- * iterator. The Each variants search many texts in one call. An unpaired surrogate is passed over;
- * no key holds one.
+ * The Async variants work on Node.js's thread pool and reject where the others throw; one that is
+ * under way is not disturbed by `close`. The Each variants take many texts. An unpaired surrogate
+ * is passed over; no key holds one.
  */
-export class Dictionary implements Iterable<[string, string]>, Disposable {
+declare abstract class Segmenting implements Disposable {
+  /** The keys into which a text is cut, one after the other. */
+  segment(text: string, options?: WordOptions): Match[];
+  segmentAsync(text: string, options?: WordOptions): Promise<Match[]>;
+  segmentEach(texts: Iterable<string>, options?: WordOptions): Match[][];
+  segmentEachAsync(texts: Iterable<string>, options?: WordOptions): Promise<Match[][]>;
+
+  /** The whole text in pieces: keys, and each character that is in none. */
+  words(text: string, options?: PieceOptions): string[];
+  wordsAsync(text: string, options?: PieceOptions): Promise<string[]>;
+  wordsEach(texts: Iterable<string>, options?: PieceOptions): string[][];
+  wordsEachAsync(texts: Iterable<string>, options?: PieceOptions): Promise<string[][]>;
+
+  /** The text with the keys of its segmentation replaced by a data field. All else stays. */
+  replace(text: string, options?: ReplaceOptions): string;
+  replaceAsync(text: string, options?: ReplaceOptions): Promise<string>;
+  replaceEach(texts: Iterable<string>, options?: ReplaceOptions): string[];
+  replaceEachAsync(texts: Iterable<string>, options?: ReplaceOptions): Promise<string[]>;
+
+  /** The same, and where. */
+  replaceWithEdits(text: string, options?: ReplaceOptions): Replacement;
+  replaceWithEditsAsync(text: string, options?: ReplaceOptions): Promise<Replacement>;
+
+  /** Releases the image, at the latest when the last search that is under way ends. */
+  close(): void;
+  [Symbol.dispose](): void;
+}
+
+/**
+ * One image or several, to be used like a read-only Map of keys to data texts. The keys come in the
+ * order of their code points; `close` does not disturb their iterators.
+ *
+ * Segments are the longest key at the first position that has one, then the same after it, and so
+ * on.
+ */
+declare abstract class Searchable extends Segmenting implements Iterable<[string, string]> {
+  /**
+   * How many keys there are. Counting those of a dictionary takes one pass over its image, once,
+   * and those of a set goes through all of them.
+   */
+  readonly size: number;
+  /** The data text of `key`, or undefined when it is no key. */
+  get(key: string): string | undefined;
+  /** The same for many keys, which takes less time than one call for each. */
+  getEach(keys: Iterable<string>): (string | undefined)[];
+  /** Whether `key`, the whole of it, is a key. */
+  has(key: string): boolean;
+  /**
+   * The keys that begin with `prefix`. The first such call of an image makes an index of its keys,
+   * which takes a moment and about 7 to 10 bytes per cell.
+   */
+  keys(prefix?: string): IterableIterator<string>;
+  /** The data texts of the keys that begin with `prefix`. */
+  values(prefix?: string): IterableIterator<string>;
+  /** The keys that begin with `prefix`, with their data texts. */
+  entries(prefix?: string): IterableIterator<[string, string]>;
+  [Symbol.iterator](): IterableIterator<[string, string]>;
+  forEach<Self = undefined>(
+    callback: (this: Self, data: string, key: string, dictionary: this) => void, self?: Self): void;
+
+  /** Whether any key is in the text; stops at the first. */
+  test(text: string, options?: WordOptions): boolean;
+
+  /** Every key at every position, by start, shortest first. */
+  findAll(text: string, options?: FindOptions): Match[];
+  findAllAsync(text: string, options?: FindOptions): Promise<Match[]>;
+  findAllEach(texts: Iterable<string>, options?: FindOptions): Match[][];
+  findAllEachAsync(texts: Iterable<string>, options?: FindOptions): Promise<Match[][]>;
+
+  /** The longest key at every position. */
+  findLongest(text: string, options?: FindOptions): Match[];
+  findLongestAsync(text: string, options?: FindOptions): Promise<Match[]>;
+  findLongestEach(texts: Iterable<string>, options?: FindOptions): Match[][];
+  findLongestEachAsync(texts: Iterable<string>, options?: FindOptions): Promise<Match[][]>;
+
+  /** Every key that the text begins with, shortest first. */
+  findPrefixes(text: string, options?: FindOptions): Match[];
+  findPrefixesAsync(text: string, options?: FindOptions): Promise<Match[]>;
+  findPrefixesEach(texts: Iterable<string>, options?: FindOptions): Match[][];
+  findPrefixesEachAsync(texts: Iterable<string>, options?: FindOptions): Promise<Match[][]>;
+
+  /** The matches of many texts as typed arrays, which are not copied. */
+  findColumns(texts: Iterable<string>, options?: ColumnOptions): Columns;
+  findColumnsAsync(texts: Iterable<string>, options?: ColumnOptions): Promise<Columns>;
+  /** The data text with that number in that image of a set. */
+  dataAt(dataNumber: number, image?: number): string | undefined;
+
+  /** Of a set, the sums. */
+  describe(): Description;
+}
+
+/** An open image. */
+export class Dictionary extends Searchable {
   private constructor();
 
   /**
@@ -199,61 +346,38 @@ export class Dictionary implements Iterable<[string, string]>, Disposable {
   static fromBytes(bytes: Uint8Array): Dictionary;
   static fromBytesAsync(bytes: Uint8Array): Promise<Dictionary>;
 
-  /** How many keys there are. Counting them takes one pass over the image, once. */
-  readonly size: number;
-  /** The data text of `key`, or undefined when it is no key. */
-  get(key: string): string | undefined;
-  /** The same for many keys, which takes less time than one call for each. */
-  getEach(keys: Iterable<string>): (string | undefined)[];
-  /** Whether `key`, the whole of it, is a key. */
-  has(key: string): boolean;
-  /**
-   * The keys that begin with `prefix`. The first such call of an image makes an index of its keys,
-   * which takes a moment and about 7 to 10 bytes per cell.
-   */
-  keys(prefix?: string): IterableIterator<string>;
-  /** The data texts of the keys that begin with `prefix`. */
-  values(prefix?: string): IterableIterator<string>;
-  /** The keys that begin with `prefix`, with their data texts. */
-  entries(prefix?: string): IterableIterator<[string, string]>;
-  [Symbol.iterator](): IterableIterator<[string, string]>;
-  forEach<Self = undefined>(
-    callback: (this: Self, data: string, key: string, dictionary: this) => void, self?: Self): void;
-
-  /** Whether any key is in the text; stops at the first. */
-  test(text: string): boolean;
-
-  /** Every key at every position, by start, shortest first. */
-  findAll(text: string): Match[];
-  findAllAsync(text: string): Promise<Match[]>;
-  findAllEach(texts: Iterable<string>): Match[][];
-  findAllEachAsync(texts: Iterable<string>): Promise<Match[][]>;
-
-  /** The longest key at every position. */
-  findLongest(text: string): Match[];
-  findLongestAsync(text: string): Promise<Match[]>;
-  findLongestEach(texts: Iterable<string>): Match[][];
-  findLongestEachAsync(texts: Iterable<string>): Promise<Match[][]>;
-
-  /** Every key that the text begins with, shortest first. */
-  findPrefixes(text: string): Match[];
-  findPrefixesAsync(text: string): Promise<Match[]>;
-  findPrefixesEach(texts: Iterable<string>): Match[][];
-  findPrefixesEachAsync(texts: Iterable<string>): Promise<Match[][]>;
-
-  /** The longest key at the first position that has one, then the same after it, and so on. */
-  segment(text: string): Match[];
-  segmentAsync(text: string): Promise<Match[]>;
-  segmentEach(texts: Iterable<string>): Match[][];
-  segmentEachAsync(texts: Iterable<string>): Promise<Match[][]>;
-
-  describe(): Description;
   /** A copy of the image's bytes, which `fromBytes` takes in a worker, too. */
   toBytes(): Uint8Array;
-  /** Releases the image, at the latest when the last search that is under way ends. */
-  close(): void;
-  [Symbol.dispose](): void;
+}
+
+/**
+ * Up to 64 dictionaries that are searched as one. Where the same stretch of a text is a key of
+ * several, the later dictionary wins. They may be closed before the set.
+ */
+export class DictionarySet extends Searchable {
+  constructor(dictionaries: Iterable<Dictionary>);
+}
+
+/** How the weights of keys are read from a data field of a key's first record, counted from 1. */
+export type SegmenterOptions =
+  /**
+   * The field has counts: a key costs log(total) - log(count), total over all keys, and a character
+   * that is in no key has the count 1.
+   */
+  | { readonly countField: number }
+  /** The field has costs, and a character that is in no key costs `unknownCost`. */
+  | { readonly costField: number; readonly unknownCost: number };
+
+/**
+ * Cuts texts into keys and unknown characters so that their total cost is least, of several ways
+ * with the longer first word. It goes on when its dictionary is closed.
+ */
+export class Segmenter extends Segmenting {
+  /** Throws a DictionaryError that names a key without a weight, if there is one. */
+  constructor(dictionary: Dictionary | DictionarySet, options: SegmenterOptions);
 }
 
 /** The version of the library inside. */
 export const version: string;
+
+export {};

@@ -3,8 +3,10 @@
 const { build } = require('./build.js');
 const { valueOf } = require('./errors.js');
 const native = require('./native.js');
+const { Opened } = require('./opened.js');
 const { pathOf } = require('./path.js');
 const { Searchable } = require('./searchable.js');
+const { Segmenting } = require('./segmenting.js');
 
 // Known to this file alone.
 const OPENED = Symbol('opened');
@@ -47,9 +49,36 @@ class Dictionary extends Searchable {
     return new Dictionary(OPENED, valueOf(await native.openBytesLater(bytes)));
   }
 
+  get size() {
+    return this.describe().keys;
+  }
+
   toBytes() {
-    return native.imageBytes(Searchable.imageOf(this));
+    return native.imageBytes(Opened.imageOf(this));
   }
 }
 
-module.exports = { Dictionary };
+class DictionarySet extends Searchable {
+  constructor(dictionaries) {
+    super(valueOf(native.openSet(Array.from(dictionaries, Opened.imageOf))));
+  }
+
+  get size() {
+    return native.countKeys(valueOf(native.openCursor(Opened.imageOf(this), '')));
+  }
+}
+
+class Segmenter extends Segmenting {
+  constructor(dictionary, { countField, costField, unknownCost } = {}) {
+    const hasCosts = costField !== undefined;
+    if (hasCosts === (countField !== undefined) || hasCosts !== (unknownCost !== undefined)) {
+      throw new TypeError('a segmenter takes a countField, or a costField and an unknownCost');
+    }
+    const field = hasCosts ? costField : countField;
+    const { image, segmenter } =
+      valueOf(native.makeSegmenter(Opened.imageOf(dictionary), field, unknownCost));
+    super(image, segmenter);
+  }
+}
+
+module.exports = { Dictionary, DictionarySet, Segmenter };

@@ -29,20 +29,27 @@ class Match {
 
 const NUMBERS_OF_MATCH = 3;
 
-// The matches of a text, which the native function found: its spans are those from `from` to `to`.
-function matchesOf(text, { spans, data, images }, from = 0, to = spans.length) {
-  const matches = new Array((to - from) / NUMBERS_OF_MATCH);
-  for (let i = 0, next = from; i < matches.length; i++) {
-    const start = spans[next++];
-    const end = spans[next++];
-    const number = spans[next++];
-    matches[i] = new Match(start, end, text.slice(start, end), data[number], images[number] ?? 0);
+// Calls `make` for what the native function found in a text: its spans are those from `from` to
+// `to`.
+function each(make, { spans }, from = 0, to = spans.length) {
+  const list = new Array((to - from) / NUMBERS_OF_MATCH);
+  for (let i = 0, next = from; i < list.length; i++) {
+    list[i] = make(spans[next++], spans[next++], spans[next++]);
   }
-  return matches;
+  return list;
 }
 
-function matchesOfEach(texts, found) {
-  return texts.map((text, i) => matchesOf(text, found, i ? found.ends[i - 1] : 0, found.ends[i]));
-}
+const matchesOf = (text, found, from, to) =>
+  each((start, end, number) => new Match(start, end, text.slice(start, end), found.data[number],
+    found.images[number]), found, from, to);
 
-module.exports = { Match, fields, matchesOf, matchesOfEach, records };
+const keysOf = (text, found, from, to) =>
+  each((start, end) => text.slice(start, end), found, from, to);
+
+const ofEach = (of) => (texts, found) =>
+  texts.map((text, i) => of(text, found, i ? found.ends[i - 1] : 0, found.ends[i]));
+
+module.exports = {
+  Match, fields, keysOf, keysOfEach: ofEach(keysOf), matchesOf, matchesOfEach: ofEach(matchesOf),
+  records,
+};

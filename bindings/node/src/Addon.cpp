@@ -8,6 +8,8 @@
 #include "Image.h"
 #include "Keys.h"
 #include "Napi.h"
+#include "Replacement.h"
+#include "Segmenter.h"
 
 namespace Dictionary::Node {
 
@@ -22,7 +24,8 @@ void addFunctions(const Env& env, napi_value exports, const Functions& functions
 }
 
 napi_value fill(const Env& env, napi_value exports) {
-    for (const auto functions : {imageFunctions, keyFunctions, findFunctions, buildFunctions}) {
+    for (const auto functions : {imageFunctions, keyFunctions, findFunctions, segmenterFunctions,
+                                 replaceFunctions, buildFunctions}) {
         addFunctions(env, exports, functions());
     }
     const napi_value version = env.string(dictionaryVersion());

@@ -117,7 +117,7 @@ private:
             if (!value.isUndefined()) m_options.*flag = value.flag();
         }
         const Value limit = given.member("problemLimit");
-        if (!limit.isUndefined()) m_options.problemLimit = static_cast<unsigned>(limit.number());
+        if (!limit.isUndefined()) m_options.problemLimit = limit.count();
         m_options.onProblem = collect;
         m_options.onProgress = goOn;
         m_options.context = this;

@@ -96,6 +96,47 @@ Job find(const Call& call) {
     });
 }
 
+// ---- Columns
+
+// The matches of texts, in columns that JavaScript uses where they are.
+class Columns {
+public:
+    Columns(const Search& search, const Texts& texts) {
+        const Utf8Texts utf8(texts);
+        DictionaryError error = {};
+        dictionaryFindColumns(search.handle(), &search.options(), utf8.data(), utf8.size(),
+                              &m_columns, &error);
+        if (error.code == DICTIONARY_OK) return;
+        dictionaryFreeColumns(&m_columns);
+        throw Failure(error);
+    }
+    Columns(const Columns&) = delete;
+    ~Columns() { dictionaryFreeColumns(&m_columns); }
+
+    static napi_value toJs(const Env& env, const std::shared_ptr<const Columns>& columns) {
+        const DictionaryColumns& all = columns->m_columns;
+        const auto column = [&](std::uint32_t* numbers) {
+            return env.uint32Array(numbers, all.count, columns);
+        };
+        return env.object({{"text", column(all.text)},
+                           {"start", column(all.start)},
+                           {"end", column(all.end)},
+                           {"dataNumber", column(all.dataNumber)},
+                           {"image", column(all.image)}});
+    }
+
+private:
+    DictionaryColumns m_columns = {};
+};
+
+// findColumns(...search, texts): the columns
+Job findColumns(const Call& call) {
+    return reporting([search = Search(call), texts = call[Search::kArguments].texts()]() -> Answer {
+        const auto columns = std::make_shared<const Columns>(search, texts);
+        return [columns](const Env& env) { return Columns::toJs(env, columns); };
+    });
+}
+
 // contains(...search, text): whether there is any key in it
 Job contains(const Call& call) {
     return reporting([search = Search(call), text = call[Search::kArguments].text()]() -> Answer {
@@ -114,6 +155,8 @@ Functions findFunctions() {
     return {
         {"find", runNow<find>},
         {"findLater", runLater<find>},
+        {"findColumns", runNow<findColumns>},
+        {"findColumnsLater", runLater<findColumns>},
         {"contains", runNow<contains>},
     };
 }

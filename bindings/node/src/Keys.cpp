@@ -74,6 +74,14 @@ Job openCursor(const Call& call) {
     });
 }
 
+// countKeys(cursor): those that are left
+napi_value countKeys(const Call& call) {
+    DictionaryCursor* const cursor = call[0].external<std::shared_ptr<Cursor>>()->cursor.get();
+    double count = 0;
+    for (DictionaryKey key = {}; dictionaryNextKey(cursor, &key);) ++count;
+    return call.env().number(count);
+}
+
 // nextKeys(cursor, count): up to so many keys, each with its data after it, in an array
 napi_value nextKeys(const Call& call) {
     DictionaryCursor* const cursor = call[0].external<std::shared_ptr<Cursor>>()->cursor.get();
@@ -94,6 +102,7 @@ Functions keyFunctions() {
         {"lookup", direct<lookup>},         {"has", direct<has>},
         {"lookupEach", direct<lookupEach>}, {"dataAt", direct<dataAt>},
         {"openCursor", runNow<openCursor>}, {"nextKeys", direct<nextKeys>},
+        {"countKeys", direct<countKeys>},
     };
 }
 

@@ -1,6 +1,7 @@
 #include "Napi.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "Utf8Text.h"
 
@@ -199,6 +200,16 @@ double Value::number() const {
     double number = 0;
     m_env.check(napi_get_value_double(m_env, m_value, &number));
     return number;
+}
+
+std::uint32_t Value::count() const {
+    constexpr double kMost = UINT32_MAX;
+    const double count = number();
+    if (count >= 1 && count <= kMost && count == std::floor(count)) {
+        return static_cast<std::uint32_t>(count);
+    }
+    napi_throw_range_error(m_env, "ERR_OUT_OF_RANGE", "A whole number from 1 was expected");
+    throw ExceptionIsPending();
 }
 
 std::u16string Value::text() const {

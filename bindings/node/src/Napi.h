@@ -64,6 +64,8 @@ public:
     bool isUndefined() const;
     bool flag() const;
     double number() const;
+    // Of fields and the like, from 1.
+    std::uint32_t count() const;
     std::u16string text() const;
     // In UTF-8, for C strings: without a NUL.
     std::string name() const;

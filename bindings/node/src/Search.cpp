@@ -1,6 +1,7 @@
 #include "Search.h"
 
 #include <string>
+#include <utility>
 
 namespace Dictionary::Node {
 
@@ -52,6 +53,13 @@ Search::Search(const Call& call) : m_image(call[0].external<Image>()) {
     m_options.unit = DICTIONARY_UNIT_UTF16;
     m_options.mode = modeOf(call.env(), call[1].name());
     readFlags(call[2], m_options);
+    if (!call[3].isUndefined()) setSegmenter(call[3].external<Segmenter>());
+}
+
+void Search::setSegmenter(Segmenter segmenter) {
+    m_segmenter = std::move(segmenter);
+    m_options.mode = DICTIONARY_FIND_WEIGHTED;
+    m_options.segmenter = m_segmenter->get();
 }
 
 }  // namespace Dictionary::Node

@@ -7,6 +7,7 @@
 #include "Functions.h"
 #include "Image.h"
 #include "Napi.h"
+#include "Segmenter.h"
 
 namespace Dictionary::Node {
 
@@ -23,7 +24,10 @@ public:
     static constexpr std::size_t kArguments = 4;
 
 private:
+    void setSegmenter(Segmenter segmenter);
+
     Image m_image;
+    Segmenter m_segmenter;
     DictionaryFindOptions m_options = {};
 };
 

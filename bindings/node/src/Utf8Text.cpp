@@ -1,5 +1,9 @@
 #include "Utf8Text.h"
 
+#include <cstdint>
+
+#include "Utf8Decoder.h"
+
 namespace Dictionary::Node {
 
 namespace {
@@ -55,6 +59,22 @@ char* Utf8Text::put(char32_t code, char* to) {
     m_isWellFormed = false;
     *to = kIllegalByte;
     return to + 1;
+}
+
+std::u16string unitsOf(std::string_view utf8) {
+    constexpr std::int32_t kReplacement = 0xFFFD;
+    std::u16string units;
+    units.reserve(utf8.size());
+    decodeAllUtf8(utf8.data(), utf8.size(), kReplacement,
+                  [&](std::int32_t code, std::size_t, std::uint32_t) {
+                      if (code < kBmpEnd) {
+                          units += static_cast<char16_t>(code);
+                          return;
+                      }
+                      units += static_cast<char16_t>(highSurrogateOf(code));
+                      units += static_cast<char16_t>(lowSurrogateOf(code));
+                  });
+    return units;
 }
 
 Utf8Texts::Utf8Texts(const std::vector<std::u16string>& texts)

@@ -33,6 +33,9 @@ private:
     bool m_isWellFormed = true;
 };
 
+// The units of UTF-8, with U+FFFD for each byte that begins no legal sequence.
+std::u16string unitsOf(std::string_view utf8);
+
 // Several of them, as the library takes them.
 class Utf8Texts {
 public:

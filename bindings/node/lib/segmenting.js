@@ -1,0 +1,88 @@
+'use strict';
+
+const { valueOf } = require('./errors.js');
+const { keysOf, keysOfEach, matchesOf, matchesOfEach } = require('./match.js');
+const native = require('./native.js');
+const { Opened } = require('./opened.js');
+
+// What a native function takes of a search.
+const searchOf = (opened, mode, options) =>
+  [Opened.imageOf(opened), mode, options, Opened.segmenterOf(opened)];
+
+// The methods of a way to search: of a text and of each of many, at once and later. `ofOne` and
+// `ofEach` make the answer of a text or texts and what the native function found.
+function methodsOf(name, mode, ofOne, ofEach, adjust = (options) => options) {
+  const argumentsOf = (self, texts, options) => [...searchOf(self, mode, adjust(options)), texts];
+  return {
+    [name](text, options) {
+      return ofOne(text, valueOf(native.find(...argumentsOf(this, [text], options))));
+    },
+    async [`${name}Async`](text, options) {
+      return ofOne(text, valueOf(await native.findLater(...argumentsOf(this, [text], options))));
+    },
+    [`${name}Each`](given, options) {
+      const texts = Array.from(given);
+      return ofEach(texts, valueOf(native.find(...argumentsOf(this, texts, options))));
+    },
+    async [`${name}EachAsync`](given, options) {
+      const texts = Array.from(given);
+      const found = await native.findLater(...argumentsOf(this, texts, options));
+      return ofEach(texts, valueOf(found));
+    },
+  };
+}
+
+function define(Class, methods) {
+  for (const [name, value] of Object.entries(methods)) {
+    Object.defineProperty(Class.prototype, name, { value, writable: true, configurable: true });
+  }
+}
+
+const NUMBERS_OF_EDIT = 4;
+
+function replacementOf({ text, edits }) {
+  const list = new Array(edits.length / NUMBERS_OF_EDIT);
+  for (let i = 0, next = 0; i < list.length; i++) {
+    list[i] = {
+      start: edits[next++], end: edits[next++], resultStart: edits[next++], resultEnd: edits[next++],
+    };
+  }
+  return { text, edits: list };
+}
+
+// What can be done with the segments of a text, however they are chosen.
+class Segmenting extends Opened {
+  replace(text, options) {
+    return this.replaceEach([text], options)[0];
+  }
+
+  async replaceAsync(text, options) {
+    return (await this.replaceEachAsync([text], options))[0];
+  }
+
+  replaceEach(texts, options) {
+    return valueOf(native.replace(...searchOf(this, 'segment', options), Array.from(texts)));
+  }
+
+  async replaceEachAsync(texts, options) {
+    const search = searchOf(this, 'segment', options);
+    return valueOf(await native.replaceLater(...search, Array.from(texts)));
+  }
+
+  replaceWithEdits(text, options) {
+    const search = searchOf(this, 'segment', options);
+    return replacementOf(valueOf(native.replaceWithEdits(...search, text)));
+  }
+
+  async replaceWithEditsAsync(text, options) {
+    const search = searchOf(this, 'segment', options);
+    return replacementOf(valueOf(await native.replaceWithEditsLater(...search, text)));
+  }
+}
+
+const withPieces = (options) => ({ ...options, unknownPieces: true });
+
+define(Segmenting, methodsOf('segment', 'segment', matchesOf, matchesOfEach));
+define(Segmenting, methodsOf('words', 'segment', keysOf, keysOfEach, withPieces));
+
+module.exports = { Segmenting, define, methodsOf, searchOf };
