@@ -1,8 +1,10 @@
 #include "CheapestPath.h"
 
 #include <algorithm>
-#include <limits>
 
+#include "KeyScan.h"
+#include "TextSearch.h"
+#include "WalkStep.h"
 #include "WordBoundary.h"
 
 namespace Dictionary {
@@ -10,9 +12,12 @@ namespace Dictionary {
 namespace {
 
 // A text is cut from its end, window by window, so that no more than a window is in memory as
-// labels. The walks of a window may read on for some bytes after it.
+// labels. The walks of a window may read on after it, as far as the longest key goes.
 constexpr std::size_t kWindowBytes = 1 << 15;
-constexpr std::size_t kLookaheadBytes = 1 << 11;
+constexpr std::size_t kMostLabelBytes = 3;
+
+// For so many bytes of a text it is known which keys begin there.
+constexpr std::size_t kSourceBytes = 1 << 15;
 
 // Whether surely no legal sequence goes on across `place`.
 bool isBetweenSequences(std::string_view text, std::size_t place) {
@@ -31,19 +36,6 @@ bool isBetweenSequences(std::string_view text, std::size_t place) {
 std::size_t nextBetweenSequences(std::string_view text, std::size_t place) {
     while (place < text.size() && !isBetweenSequences(text, place)) ++place;
     return std::min(place, text.size());
-}
-
-// Calls `found(end, cell)` for every key that begins at label `place`, shortest first. Returns
-// whether it came to no end because the text did.
-template <class Found>
-bool walkKeys(const CellView& cells, const EncodedText& text, std::size_t place, Found found) {
-    const std::int32_t first = text.next(place);
-    if (!cells.holds(first)) return false;
-    auto cell = static_cast<std::uint32_t>(first);
-    do {
-        if (endsKey(cells.baseOf(cell))) found(place, cell);
-    } while (cells.descend(cell, text.next(place)));
-    return place > text.size();
 }
 
 // How many labels are before byte `place` of what was encoded, where a character begins.
@@ -69,23 +61,25 @@ std::size_t byteOf(const EncodedText& labels, std::size_t place) {
 
 }  // namespace
 
+// In bytes, how far keys reach at most.
+std::size_t CheapestPath::lookahead() const {
+    std::size_t labels = 0;
+    for (const WeightedImage& weighted : m_images.images) {
+        labels = std::max(labels, weighted.longestKey);
+    }
+    return kMostLabelBytes * labels;
+}
+
 void CheapestPath::cut(std::string_view text) {
     m_text = text;
     m_keys.assign(text.size(), kNoKey);
-    m_lookahead = kLookaheadBytes;
-    while (!cutInWindows()) m_lookahead *= 2;
-}
-
-// Returns false when a key may be longer than the lookahead.
-bool CheapestPath::cutInWindows() {
+    m_sources.resize(std::max(m_sources.size(), std::min(text.size(), kSourceBytes)));
     m_longKeys.clear();
     m_scores.clear();
-    for (std::size_t end = m_text.size(); end > 0;) {
-        const std::size_t start = windowStart(end);
-        if (!cutWindow(start, end)) return false;
-        end = start;
+    for (std::size_t end = text.size(), start; end > 0; end = start) {
+        start = windowStart(end);
+        cutWindow(start, end);
     }
-    return true;
 }
 
 // A window is no shorter than the lookahead, so that this ends in the window after it.
@@ -94,7 +88,7 @@ std::size_t CheapestPath::windowStart(std::size_t end) const {
     return end <= most ? 0 : nextBetweenSequences(m_text, end - most);
 }
 
-bool CheapestPath::cutWindow(std::size_t start, std::size_t end) {
+void CheapestPath::cutWindow(std::size_t start, std::size_t end) {
     const std::size_t readEnd = nextBetweenSequences(m_text, end + m_lookahead);
     const SetText window(m_images.images, m_text.substr(start, readEnd - start),
                          [](const WeightedImage& weighted) { return weighted.isFolded; });
@@ -106,85 +100,111 @@ bool CheapestPath::cutWindow(std::size_t start, std::size_t end) {
     m_laterScores.resize(std::max<std::size_t>(m_laterScores.size(), 1));
     std::copy_n(m_laterScores.begin(), labels.size() + 1 - own,
                 m_scores.begin() + static_cast<std::ptrdiff_t>(own));
-    const bool isCutOff = readEnd < m_text.size();
-    for (std::size_t i = own; i-- > 0;) {
-        if (labels.isInsidePair(i)) continue;
-        if (cutAt(window, i, start) && isCutOff) return false;
+    for (std::size_t blockEnd = own, first; blockEnd > 0; blockEnd = first) {
+        first = (blockEnd - 1) / TextSearch::kBlock * TextSearch::kBlock;
+        findKeys(window, first, blockEnd, start);
+        cutBlock(labels, first, blockEnd, start);
     }
-    return true;
 }
 
-// Finds the best path from label `from` of the window that begins at byte `start`. Returns whether
-// a walk ran into the end of the labels.
-bool CheapestPath::cutAt(const SetText& window, std::size_t from, std::size_t start) {
-    const EncodedText& labels = window.any();
-    double best = -std::numeric_limits<double>::infinity();
-    std::size_t bestEnd = from;
-    const bool ran = forEachEdge(window, from, start, [&](const Edge& edge) {
-        const double score = edge.weight + m_scores[edge.end];
-        if (score < best) return;
+// Finds the best paths from the labels from `first` up to, but without, `end` of the window that
+// begins at byte `start`.
+void CheapestPath::cutBlock(const EncodedText& labels, std::size_t first, std::size_t end,
+                            std::size_t start) {
+    m_left = m_found.size();
+    for (std::size_t place = end; place-- > first;) {
+        if (m_left > 0 && m_found[m_left - 1].from == place) {
+            cutAt(labels, place, start);
+        } else if (!labels.isInsidePair(place)) {
+            const std::size_t next = place + (labels.isInsidePair(place + 1) ? 2 : 1);
+            m_scores[place] = m_images.unknownWeight + m_scores[next];
+        }
+    }
+}
+
+// Chooses among the keys that begin at label `from`. Of paths that cost the same, the first that it
+// comes to has the longer word.
+void CheapestPath::cutAt(const EncodedText& labels, std::size_t from, std::size_t start) {
+    const FoundKey* chosen = &m_found[--m_left];
+    double best = chosen->weight + m_scores[chosen->end];
+    for (; m_left > 0 && m_found[m_left - 1].from == from; --m_left) {
+        const FoundKey& key = m_found[m_left - 1];
+        const double score = key.weight + m_scores[key.end];
+        if (score <= best) continue;
         best = score;
-        bestEnd = edge.end;
-    });
-    if (bestEnd == from) {
-        const std::size_t end = from + (labels.isInsidePair(from + 1) ? 2 : 1);
-        m_scores[from] = m_images.unknownWeight + m_scores[end];
-        return ran;
+        chosen = &key;
     }
     m_scores[from] = best;
-    const SPOS span = labels.span(from, bestEnd, kNoFeature);
+    const SPOS span = labels.span(from, chosen->end, kNoFeature);
     note(start + static_cast<std::size_t>(span.start),
-         static_cast<std::size_t>(span.end + 1 - span.start));
-    return ran;
+         static_cast<std::size_t>(span.end + 1 - span.start), chosen->source);
 }
 
-// Calls `found(edge)` for every key at label `from`, shortest first, and returns as walkKeys.
-template <class Found>
-bool CheapestPath::forEachEdge(const SetText& window, std::size_t from, std::size_t start,
-                               Found found) {
-    const std::vector<WeightedImage>& images = m_images.images;
-    const auto walk = [&](const WeightedImage& weighted, auto use) {
+void CheapestPath::note(std::size_t start, std::size_t bytes, Source source) {
+    m_keys[start] = static_cast<std::uint8_t>(std::min<std::size_t>(bytes, kLongKey));
+    if (bytes >= kLongKey) m_longKeys.push_back({start, bytes});
+    if (start < m_sources.size()) m_sources[start] = source;
+}
+
+// Finds the keys that begin at the labels from `first` up to, but without, `end`.
+void CheapestPath::findKeys(const SetText& window, std::size_t first, std::size_t end,
+                            std::size_t start) {
+    m_found.clear();
+    if (m_images.images.size() == 1 && !m_wholeWords) {
+        return findPlainKeys(window.any(), first, end);
+    }
+    for (std::size_t from = first; from < end; ++from) {
+        if (!window.any().isInsidePair(from)) findKeysAt(window, from, start);
+    }
+}
+
+// The weights are read here, and not while paths are compared, so that no comparison waits for one.
+void CheapestPath::findPlainKeys(const EncodedText& labels, std::size_t first, std::size_t end) {
+    const WeightedImage& weighted = m_images.images.front();
+    const TextSearch search(weighted.image.cells(), labels, walkSteps());
+    search.forEachKeyIn(
+        first, kAlphabet, [&](std::size_t from, std::size_t keyEnd, std::int32_t feature) {
+            if (from >= end || labels.isInsidePair(keyEnd)) return;
+            m_found.push_back({from, keyEnd, weighted.weights.of(feature), {0, feature}});
+        });
+}
+
+// Finds the keys that begin at label `from` in each image, as far as they are whole words.
+void CheapestPath::findKeysAt(const SetText& window, std::size_t from, std::size_t start) {
+    const std::size_t firstKey = m_found.size();
+    for (std::uint32_t image = 0; image < m_images.images.size(); ++image) {
+        const WeightedImage& weighted = m_images.images[image];
         const EncodedText& labels = window.of(weighted.isFolded);
         const auto isInside = [&](std::size_t place) {
             return m_wholeWords && isInsideWord(weighted, start + byteOf(labels, place));
         };
-        if (isInside(from)) return false;
-        const CellView& cells = weighted.image.cells();
-        return walkKeys(cells, labels, from, [&](std::size_t end, std::uint32_t cell) {
-            if (!labels.isInsidePair(end) && !isInside(end))
-                use(Edge{end, weighted.weights.of(cells.featureOf(cell))});
-        });
-    };
-    if (images.size() == 1) return walk(images.front(), found);
-    bool ran = false;
-    m_edges.clear();
-    for (const WeightedImage& weighted : images) {
-        ran |= walk(weighted, [&](const Edge& edge) { mergeEdge(edge); });
+        if (isInside(from)) continue;
+        walkFrom(
+            weighted.image.cells(), labels, from, kAlphabet,
+            [&](std::size_t end, std::int32_t feature) {
+                if (labels.isInsidePair(end) || isInside(end)) return;
+                mergeKey(firstKey, {from, end, weighted.weights.of(feature), {image, feature}});
+            });
     }
-    std::for_each(m_edges.begin(), m_edges.end(), found);
-    return ran;
+}
+
+// Puts a key in its place by length among those from number `firstKey` on, or in that of an earlier
+// image's.
+void CheapestPath::mergeKey(std::size_t firstKey, const FoundKey& key) {
+    const auto place =
+        std::lower_bound(m_found.begin() + static_cast<std::ptrdiff_t>(firstKey), m_found.end(),
+                         key, [](const FoundKey& a, const FoundKey& b) { return a.end < b.end; });
+    if (place != m_found.end() && place->end == key.end) {
+        *place = key;
+    } else {
+        m_found.insert(place, key);
+    }
 }
 
 // Whether byte `place` of the text is inside a word.
 bool CheapestPath::isInsideWord(const WeightedImage& weighted, std::size_t place) const {
     if (!weighted.isFolded) return Words<LabelText>(LabelText(m_text)).isInside(place);
     return Words<FoldedText>(FoldedText(m_text)).isInside(place);
-}
-
-// Puts an edge in its place by length, or in that of an earlier image's.
-void CheapestPath::mergeEdge(const Edge& edge) {
-    const auto place = std::lower_bound(m_edges.begin(), m_edges.end(), edge,
-                                        [](const Edge& a, const Edge& b) { return a.end < b.end; });
-    if (place != m_edges.end() && place->end == edge.end) {
-        *place = edge;
-    } else {
-        m_edges.insert(place, edge);
-    }
-}
-
-void CheapestPath::note(std::size_t start, std::size_t bytes) {
-    m_keys[start] = static_cast<std::uint8_t>(std::min<std::size_t>(bytes, kLongKey));
-    if (bytes >= kLongKey) m_longKeys.push_back({start, bytes});
 }
 
 }  // namespace Dictionary

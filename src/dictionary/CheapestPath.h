@@ -22,19 +22,20 @@ struct WeightedImage {
     ImageView image;
     bool isFolded;
     Weights weights;
+    std::size_t longestKey = 0;  // in labels
 };
 struct WeightedImages {
     std::vector<WeightedImage> images;
     double unknownWeight = 0;  // of a character where no key begins
 };
 
-// Cuts texts, one after the other. Beside the text it takes one byte for each of its bytes, and a
-// constant.
+// Cuts texts, one after the other, with the same memory. Beside the text it takes one byte for each
+// of its bytes, and a constant.
 class CheapestPath {
 public:
     // With `wholeWords` no key begins or ends inside a word.
     CheapestPath(const WeightedImages& images, bool wholeWords)
-        : m_images(images), m_wholeWords(wholeWords) {}
+        : m_images(images), m_wholeWords(wholeWords), m_lookahead(lookahead()) {}
 
     // Cuts `text`, which must last as long as its pieces are asked for.
     void cut(std::string_view text);
@@ -53,34 +54,47 @@ private:
         std::size_t start;
         std::size_t bytes;
     };
-    // A key that begins at the label in question.
-    struct Edge {
+    // What is known of a key in a text.
+    struct Source {
+        std::uint32_t image;
+        std::int32_t feature;
+    };
+    // A key between two labels of the window.
+    struct FoundKey {
+        std::size_t from;
         std::size_t end;
         double weight;
+        Source source;
     };
 
-    bool cutInWindows();
+    std::size_t lookahead() const;
     std::size_t windowStart(std::size_t end) const;
-    bool cutWindow(std::size_t start, std::size_t end);
-    bool cutAt(const SetText& window, std::size_t from, std::size_t start);
-    template <class Found>
-    bool forEachEdge(const SetText& window, std::size_t from, std::size_t start, Found found);
+    void cutWindow(std::size_t start, std::size_t end);
+    void cutBlock(const EncodedText& labels, std::size_t first, std::size_t end, std::size_t start);
+    void cutAt(const EncodedText& labels, std::size_t from, std::size_t start);
+    void note(std::size_t start, std::size_t bytes, Source source);
+
+    void findKeys(const SetText& window, std::size_t first, std::size_t end, std::size_t start);
+    void findPlainKeys(const EncodedText& labels, std::size_t first, std::size_t end);
+    void findKeysAt(const SetText& window, std::size_t from, std::size_t start);
     bool isInsideWord(const WeightedImage& weighted, std::size_t place) const;
-    void mergeEdge(const Edge& edge);
-    void note(std::size_t start, std::size_t bytes);
+    void mergeKey(std::size_t firstKey, const FoundKey& key);
 
     template <class Found>
     bool findKey(std::string_view key, Found found) const;
 
     const WeightedImages& m_images;
     const bool m_wholeWords;
+    const std::size_t m_lookahead;  // in bytes; no key is longer
     std::string_view m_text;
-    std::size_t m_lookahead = 0;
     std::vector<std::uint8_t> m_keys;  // by the byte at which they begin
     std::vector<LongKey> m_longKeys;   // from the last one to the first
-    std::vector<double> m_scores;      // by label of the window, of the best path to the end
+    // By the byte at which keys begin, near the text's beginning; others are looked up again.
+    std::vector<Source> m_sources;
+    std::vector<double> m_scores;  // by label of the window, of the best path to the end
     std::vector<double> m_laterScores;
-    std::vector<Edge> m_edges;
+    std::vector<FoundKey> m_found;  // in a block of labels, by start, shortest first
+    std::size_t m_left = 0;         // of them, where no path was chosen yet
 };
 
 // Calls `found(image, feature)` for the key in the last of the images that has it.
@@ -119,7 +133,10 @@ bool CheapestPath::forEachKey(Found found) const {
         const auto foundHere = [&](std::uint32_t image, std::int32_t feature) {
             return found(start, end, image, feature);
         };
-        if (!findKey(m_text.substr(start, bytes), foundHere)) return false;
+        const bool isGoing = start < m_sources.size()
+                                 ? foundHere(m_sources[start].image, m_sources[start].feature)
+                                 : findKey(m_text.substr(start, bytes), foundHere);
+        if (!isGoing) return false;
         start = end;
     }
     return true;

@@ -408,10 +408,10 @@ typedef struct DictionarySegmenterOptions {
  * text, in double precision.
  *
  * Every key must have the field, and a number in it; the error names a key that has not. In a set,
- * a key of several images counts once, as the last of them has it. A segmenter takes 8 bytes per
- * distinct data text, and two bits per 4 to 8 bytes of those. A text takes one byte per byte while
- * it is segmented, and some hundred kilobytes. The handle must stay open. Null options read counts
- * from the first field. */
+ * a key of several images counts once, as the last of them has it. A segmenter takes at most
+ * 8 bytes per distinct data text, and two bits per 4 to 8 bytes of those, but less where weights
+ * repeat. A text takes one byte per byte while it is segmented, and some hundred kilobytes. The
+ * handle must stay open. Null options read counts from the first field. */
 DICTIONARY_EXPORT DictionarySegmenter* dictionaryMakeSegmenter(
     const DictionaryHandle* handle, const DictionarySegmenterOptions* options,
     DictionaryError* error);

@@ -5,15 +5,18 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 #include <string_view>
 
 #include "CallerCallback.h"
+#include "CheapestPath.h"
 #include "ColumnList.h"
 #include "Dictionary.h"
 #include "Errors.h"
 #include "FindRequest.h"
 #include "Handle.h"
 #include "MatchList.h"
+#include "Segmenter.h"
 #include "TextFind.h"
 
 namespace Dictionary {
@@ -53,13 +56,28 @@ void forEachText(const DictionaryText* texts, std::size_t count, const Find& fin
     }
 }
 
+// What cuts one text after the other, when they are segmented by weight.
+class SharedPath {
+public:
+    explicit SharedPath(const DictionaryFindOptions& options) {
+        if (options.mode != DICTIONARY_FIND_WEIGHTED) return;
+        m_path.emplace(options.segmenter->weighted, options.wholeWords);
+    }
+
+    CheapestPath* get() { return m_path.has_value() ? &*m_path : nullptr; }
+
+private:
+    std::optional<CheapestPath> m_path;
+};
+
 void findInTexts(const DictionaryHandle* handle, const DictionaryFindOptions* given,
                  const DictionaryText* texts, std::size_t count, MatchList& list,
                  std::size_t* ends) {
     requireArgument(ends != nullptr || count == 0, "the ends are null");
     const DictionaryFindOptions options = readFindOptions(handle, given);
+    SharedPath path(options);
     forEachText(texts, count, [&](std::size_t number, std::string_view text) {
-        listMatches({*handle, options, text}, list);
+        listMatches({*handle, options, text, path.get()}, list);
         ends[number] = list.count();
     });
 }
@@ -69,8 +87,10 @@ void findColumns(const DictionaryHandle* handle, const DictionaryFindOptions* gi
     requireArgument(count <= std::numeric_limits<std::uint32_t>::max(),
                     "there are more texts than columns can number");
     const DictionaryFindOptions options = readFindOptions(handle, given);
+    SharedPath path(options);
     forEachText(texts, count, [&](std::size_t number, std::string_view text) {
-        listColumns({*handle, options, text}, static_cast<std::uint32_t>(number), columns);
+        listColumns({*handle, options, text, path.get()}, static_cast<std::uint32_t>(number),
+                    columns);
     });
 }
 

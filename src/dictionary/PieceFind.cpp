@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 
 #include "CheapestPath.h"
 #include "LabelText.h"
@@ -84,7 +85,9 @@ bool visitSegments(const TextFind& find, const MatchTaker& taker) {
 bool visitCheapest(const TextFind& find, const MatchTaker& taker) {
     Pieces pieces(find, taker);
     const WeightedImages& weighted = find.options.segmenter->weighted;
-    CheapestPath path(weighted, find.options.wholeWords);
+    std::optional<CheapestPath> own;
+    CheapestPath& path =
+        find.path != nullptr ? *find.path : own.emplace(weighted, find.options.wholeWords);
     path.cut(find.text);
     return path.forEachKey([&](std::size_t start, std::size_t end, std::uint32_t number,
                                std::int32_t feature) {

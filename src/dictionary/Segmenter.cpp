@@ -2,6 +2,7 @@
 
 #include "Segmenter.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -34,6 +35,13 @@ void forEachKeyCell(const CellView& cells, Use use) {
     }
 }
 
+// How many labels lead to `cell`, which must be a node of a sound image.
+std::size_t labelsTo(const CellView& cells, std::int32_t cell) {
+    std::size_t labels = 0;
+    for (; cell != kRootCheck; cell = cells.checkOf(static_cast<std::uint32_t>(cell))) ++labels;
+    return labels;
+}
+
 // The weights of one image's keys, read from a field of their data.
 class WeightReader {
 public:
@@ -43,6 +51,7 @@ public:
           m_options(options),
           m_field(options.field == 0 ? 1 : options.field),
           m_weights(weighted.weights),
+          m_longestKey(weighted.longestKey),
           m_keys(m_weights.numbers().count()) {
         countKeys();
         readNumbers();
@@ -75,6 +84,7 @@ private:
     const DictionarySegmenterOptions& m_options;
     const unsigned m_field;
     Weights& m_weights;
+    std::size_t& m_longestKey;
     std::vector<std::uint32_t> m_keys;  // how many have each data text, by its number
 };
 
@@ -82,6 +92,7 @@ void WeightReader::countKeys() {
     forEachKeyCell(cells(), [&](std::int32_t cell, std::int32_t feature) {
         if (feature < 0) refuse(cell, DICTIONARY_NO_WEIGHT, {});
         ++m_keys[m_weights.numbers().of(feature)];
+        m_longestKey = std::max(m_longestKey, labelsTo(cells(), cell));
     });
 }
 
@@ -174,6 +185,7 @@ template <class Change>
 void changeWeights(WeightedImages& weighted, Change change) {
     for (WeightedImage& one : weighted.images) {
         for (double& weight : one.weights.values()) weight = change(weight);
+        one.weights.pack(one.image.featureArea());
     }
 }
 

@@ -13,10 +13,13 @@
 
 namespace Dictionary {
 
+class CheapestPath;
+
 struct TextFind {
     const DictionaryHandle& handle;
     const DictionaryFindOptions& options;
     std::string_view text;
+    CheapestPath* path = nullptr;  // that of the texts before, whose memory may be used again
 };
 
 // Takes matches one by one, and returns false to stop.

@@ -26,9 +26,15 @@ void forEachRecord(std::string_view area, Use use) {
 // the largest power of two of bytes that no record is smaller than.
 class RecordNumbers {
 public:
+    RecordNumbers() = default;
     explicit RecordNumbers(std::string_view area);
 
     std::size_t count() const { return m_count; }
+
+    // By two to which power the offsets of records are divided, so that no two of them are the
+    // same.
+    unsigned shift() const { return m_shift; }
+    std::size_t bytes() const { return m_blocks.size() * sizeof(Block); }
 
     // Of the record that begins at byte `offset` of the area.
     std::size_t of(std::int32_t offset) const {
@@ -64,14 +70,27 @@ public:
     // All weights are 0.
     explicit Weights(const ImageView& image);
 
-    double of(std::int32_t feature) const { return m_weights[m_numbers.of(feature)]; }
+    double of(std::int32_t feature) const {
+        if (m_slots.empty()) return m_values[m_numbers.of(feature)];
+        return m_values[m_slots[static_cast<std::uint32_t>(feature) >> m_shift]];
+    }
 
+    // By number of the record, until they are packed.
     const RecordNumbers& numbers() const { return m_numbers; }
-    std::vector<double>& values() { return m_weights; }
+    std::vector<double>& values() { return m_values; }
+
+    // Keeps each distinct weight once where that takes less memory, and finds it faster then.
+    void pack(std::string_view area);
 
 private:
+    std::vector<std::uint16_t> slotsFor(std::string_view area,
+                                        const std::vector<double>& distinct) const;
+
     RecordNumbers m_numbers;
-    std::vector<double> m_weights;
+    std::vector<double> m_values;
+    // When packed: the number of the value by slot of the record, see RecordNumbers.
+    std::vector<std::uint16_t> m_slots;
+    unsigned m_shift = 0;
 };
 
 }  // namespace Dictionary
