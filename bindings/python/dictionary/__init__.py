@@ -18,7 +18,8 @@ library searches, builds and opens.
 """
 
 from ._build import BuildError, BuildReport, BuildStopped
-from ._dictionary import Dictionary
+from ._columns import Columns
+from ._dictionary import Dictionary, DictionarySet
 from ._digest import DigestError
 from ._errors import DictionaryError, ImageError, Problem
 from ._library import library
@@ -31,6 +32,6 @@ from ._segmenter import Segmenter
 __version__: str = library.dictionaryVersion().decode()
 """The version of the shared library that runs."""
 
-__all__ = ["BuildError", "BuildReport", "BuildStopped", "Description", "Dictionary",
-           "DictionaryError", "DigestError", "Edit", "ImageError", "Match",
+__all__ = ["BuildError", "BuildReport", "BuildStopped", "Columns", "Description", "Dictionary",
+           "DictionaryError", "DictionarySet", "DigestError", "Edit", "ImageError", "Match",
            "Problem", "Reloader", "Replacement", "Searchable", "Segmenter", "fields", "records"]

@@ -1,8 +1,8 @@
-"""The class that users open, search and close."""
+"""The classes that users open, search and close."""
 
 import io
 import os
-from collections.abc import Callable
+from collections.abc import Callable, Iterable
 from typing import Any
 
 from ._build import build
@@ -85,6 +85,32 @@ class Dictionary(Searchable):
     def __repr__(self) -> str:
         place = "in memory" if self._path is None else repr(self._path)
         return f"<{'closed ' if self.closed else ''}Dictionary {place}>"
+
+
+class DictionarySet(Searchable):
+    """Several dictionaries that are searched as one. Where the same stretch of a text is a key of
+    several, the later one has it, unless ``every_image`` asks for all; ``Match.image`` is its
+    number, from 0. The dictionaries may be closed meanwhile.
+
+    >>> own = Dictionary.of({"東京": "my town"})
+    >>> words = DictionarySet([Dictionary.open("sample.bin"), own])
+    >>> [(match.key, match.data, match.image) for match in words.segment("東京、京")]
+    [('東京', 'my town\\t', 1), ('京', 'noun\\tcapital\\t', 0)]
+    """
+
+    def __init__(self, dictionaries: Iterable[Dictionary]) -> None:
+        self.dictionaries = tuple(dictionaries)
+        """Those of the set; 1 to 64."""
+        self._image = Image.of_set([each._opened() for each in self.dictionaries])
+
+    def __len__(self) -> int:
+        return sum(1 for _ in self)
+
+    def __reduce__(self) -> tuple[Callable[..., Any], tuple[Any, ...]]:
+        return type(self), (self.dictionaries,)
+
+    def __repr__(self) -> str:
+        return f"<{'closed ' if self.closed else ''}DictionarySet of {list(self.dictionaries)}>"
 
 
 def _reopened(kind: type[Dictionary], path: str, copy: bool, digest: str) -> Dictionary:

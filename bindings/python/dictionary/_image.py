@@ -3,13 +3,15 @@
 import contextlib
 import struct
 from array import array
-from collections.abc import Callable, Iterable, Iterator
-from ctypes import Array, addressof, byref, c_bool, c_char, create_string_buffer, string_at
+from collections.abc import Callable, Iterable, Iterator, Sequence
+from ctypes import (Array, addressof, byref, c_bool, c_char, c_void_p, create_string_buffer,
+                    string_at)
 from functools import lru_cache
 from itertools import chain, islice
 from typing import Any, AnyStr
 
 from . import _collector
+from ._columns import Columns
 from ._errors import ImageError, exception_of
 from ._form import PLACE_SIZE, Form, Forms
 from ._library import (OPEN_BORROW, OPEN_COPY, OPEN_SHARE, UNIT_BYTE, UNIT_CODE_POINT, Description,
@@ -118,6 +120,13 @@ class Image:
         handle = library.dictionaryOpenBytes(data, len(data), OPEN_BORROW, byref(error))
         return cls(handle, error, data)
 
+    @classmethod
+    def of_set(cls, images: Sequence["Image"]) -> "Image":
+        error = Error()
+        handles = (c_void_p * len(images))(*(image.handle for image in images))
+        handle = library.dictionaryOpenSet(handles, len(images), byref(error))
+        return cls(handle, error, images)
+
     def describe(self) -> Description:
         description, error = Description(), Error()
         if library.dictionaryDescribe(self.handle, byref(description), byref(error)):
@@ -132,6 +141,10 @@ class Image:
 
     def form(self, text: AnyStr) -> Form[AnyStr]:
         return self._forms.of(text)
+
+    def data_at(self, number: int, image: int) -> str | None:
+        data = library.dictionaryDataAt(self.handle, image, number)
+        return self._forms.str.decode(string_at(data.bytes, data.size)) if data.bytes else None
 
     def lookup(self, key: AnyStr) -> AnyStr | None:
         form = self._forms.of(key)
@@ -156,22 +169,22 @@ class Image:
         return batch.form.data_texts(places)
 
     def keys(self, prefix: AnyStr) -> Iterator[AnyStr]:
-        return (key for key, _ in self._list(prefix))
+        return self._list(prefix, False)
 
     def items(self, prefix: AnyStr) -> Iterator[tuple[AnyStr, AnyStr]]:
-        data: Any = self._forms.of(prefix)
-        return ((key, data[place]) for key, place in self._list(prefix))
+        return self._list(prefix, True)
 
-    def _list(self, prefix: AnyStr) -> Iterator[tuple[AnyStr, bytes]]:
-        """The keys that begin with a prefix, and where their data is."""
+    def _list(self, prefix: AnyStr, with_data: bool) -> Iterator[Any]:
+        """The keys that begin with a prefix."""
         form = self._forms.of(prefix)
         raw, key, decode = form.encode(prefix), create_string_buffer(_KEY.size), form.decode
-        next_key = library.dictionaryNextKey
+        next_key, unpack = library.dictionaryNextKey, _KEY.unpack
         with _cursor(self) as cursor:
             library.dictionarySeekPrefix(cursor, raw, len(raw))
             while next_key(cursor, key):
-                begin, size, place = _KEY.unpack(key)
-                yield decode(string_at(begin, size)), place
+                begin, size, place = unpack(key)
+                text = decode(string_at(begin, size))
+                yield (text, form[place]) if with_data else text
 
     def contains_key(self, search: Search, text: AnyStr) -> bool:
         raw = self._forms.of(text).encode(text)
@@ -213,6 +226,15 @@ class Image:
         for text, end in zip(batch, ends):
             yield make(text, islice(rows, end - begin), batch.form)
             begin = end
+
+    def find_columns(self, search: Search, texts: Iterable[AnyStr], skip_missing: bool) -> Columns:
+        columns, error = Columns(), Error()
+        batch = Batch(texts, 0, self._forms, skip_missing)
+        if library.dictionaryFindColumns(self.handle, search[batch.form.unit],
+                                         batch.packed.address, len(batch),
+                                         byref(columns.memory), byref(error)):
+            raise exception_of(error)
+        return columns
 
 
 @contextlib.contextmanager

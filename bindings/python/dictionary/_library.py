@@ -51,6 +51,12 @@ class Matches(ctypes.Structure):
     _fields_ = [("items", c_void_p), ("count", c_size_t), ("capacity", c_size_t)]
 
 
+class Columns(ctypes.Structure):
+    _fields_ = [("text", c_void_p), ("start", c_void_p), ("end", c_void_p),
+                ("dataNumber", c_void_p), ("image", c_void_p), ("count", c_size_t),
+                ("capacity", c_size_t)]
+
+
 class SegmenterOptions(Sized):
     _fields_ = [("size", c_size_t), ("weights", c_int), ("field", c_uint),
                 ("unknownCost", c_double)]
@@ -113,10 +119,12 @@ _FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
     "dictionaryDataAt": (Text, [_HANDLE, c_uint32, c_uint32]),
     "dictionaryDescribe": (c_int, [_HANDLE, _POINTER, _ERROR]),
     "dictionaryErrorMessage": (c_size_t, [_ERROR, c_char_p, c_size_t]),
+    "dictionaryFindColumns": (c_int, [_HANDLE, _POINTER, _POINTER, c_size_t, _POINTER, _ERROR]),
     "dictionaryFindInTexts": (c_int, [_HANDLE, _POINTER, _POINTER, c_size_t, _POINTER, _POINTER,
                                       _ERROR]),
     "dictionaryFindMatches": (c_int, [_HANDLE, _POINTER, *_TEXT, _POINTER, _ERROR]),
     "dictionaryFreeBuffer": (None, [_POINTER]),
+    "dictionaryFreeColumns": (None, [_POINTER]),
     "dictionaryFreeMatches": (None, [_POINTER]),
     "dictionaryFreeReplacement": (None, [_POINTER]),
     "dictionaryFreeSegmenter": (None, [_SEGMENTER]),

@@ -1,8 +1,9 @@
 """What one dictionary and a set of several have in common."""
 
 from collections.abc import Iterable, Iterator, Mapping
-from typing import Any, AnyStr, NamedTuple, TypeVar, overload
+from typing import Any, AnyStr, Literal, NamedTuple, TypeVar, overload
 
+from ._columns import Columns
 from ._image import Image, Search, search_of
 from ._library import FIND_ALL, FIND_LONGEST, FIND_PREFIXES, FIND_SEGMENT
 from ._match import Match
@@ -11,6 +12,8 @@ from ._views import Items, Keys, Values
 
 _Default = TypeVar("_Default")
 _Self = TypeVar("_Self", bound="Searchable")
+
+_MODES = {"all": FIND_ALL, "longest": FIND_LONGEST, "segment": FIND_SEGMENT}
 
 
 class Description(NamedTuple):
@@ -179,6 +182,23 @@ class Searchable(Mapping[str, str], Segmentation):
         """``find_longest`` for each of many texts."""
         search = search_of(FIND_LONGEST, whole_words, every_image)
         return self._opened().find_each(search, texts, skip_missing)
+
+    def find_columns(self, texts: Iterable[AnyStr],
+                     mode: Literal["all", "longest", "segment"] = "all", *,
+                     whole_words: bool = False, every_image: bool = False,
+                     skip_missing: bool = False) -> Columns:
+        """The matches of many texts as arrays, in one call.
+
+        >>> columns = Dictionary.open("sample.bin").find_columns(["京", "", "東京"], "longest")
+        >>> list(columns.text), list(columns.start), list(columns.end)
+        ([0, 2, 2], [0, 0, 1], [1, 2, 2])
+        """
+        search = search_of(_MODES[mode], whole_words, every_image)
+        return self._opened().find_columns(search, texts, skip_missing)
+
+    def data_at(self, number: int, image: int = 0) -> str | None:
+        """The data text with a number from columns; None for a number that is none."""
+        return self._opened().data_at(number, image)
 
     def _segmentation(self, whole_words: bool, unknown_pieces: bool, joined_runs: bool) -> Search:
         return search_of(FIND_SEGMENT, whole_words, False, unknown_pieces, joined_runs)

@@ -4,7 +4,7 @@ from collections.abc import Callable
 from ctypes import byref
 from typing import Any
 
-from ._dictionary import Dictionary
+from ._dictionary import Dictionary, DictionarySet
 from ._errors import exception_of
 from ._image import Image, Search, search_of
 from ._library import (FIND_WEIGHTED, WEIGHTS_COSTS, WEIGHTS_COUNTS, Error, SegmenterOptions,
@@ -45,7 +45,7 @@ class Segmenter(Segmentation):
     ['北京', '大学', '生']
     """
 
-    def __init__(self, dictionary: Dictionary, *, count_field: int | None = None,
+    def __init__(self, dictionary: Dictionary | DictionarySet, *, count_field: int | None = None,
                  cost_field: int | None = None, unknown_cost: float | None = None) -> None:
         if (count_field is None) == (cost_field is None):
             raise TypeError("expected either count_field or cost_field")

@@ -14,13 +14,14 @@ import threading
 import time
 import tomllib
 import unittest
+import warnings
 from collections.abc import Mapping
 from pathlib import Path
 from unittest import mock
 
 import dictionary
 from dictionary import (BuildError, BuildStopped, DigestError, Dictionary, DictionaryError,
-                        ImageError, Match, Reloader, Segmenter, _build,
+                        DictionarySet, ImageError, Match, Reloader, Segmenter, _build,
                         _dictionary, _match, _reloader, _searchable, _segmenter)
 
 PROJECT = Path(__file__).parents[1]
@@ -64,7 +65,9 @@ def wait_until(holds):
 
 def status_of_child(run):
     """The status of a forked process that runs something: 0, or 1 if that fails."""
-    child = os.fork()
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore")  # there are threads: that is what is tested
+        child = os.fork()
     if child:
         return os.waitpid(child, 0)[1]
     status = 1
@@ -107,12 +110,23 @@ class SearchTest(FolderTest):
                 found = list(getattr(words, name + "_each")(iter(many)))
                 self.assertEqual(found, [each[name] for each in expected])
                 self.assertEqual(found, list(map(getattr(words, name), many)))
+                self.check_columns(words, many, name.removeprefix("find_"), found)
             everything = [each["find_all"] for each in expected]
             self.assertEqual(list(map(words.any_in, many)), list(map(bool, everything)))
             self.assertEqual(list(map(words.prefixes, many)),
                              [[match for match in found if not match.start]
                               for found in everything])
             self.check_pieces(words, many)
+
+    def check_columns(self, words, texts, mode, found):
+        columns = words.find_columns(texts, mode)
+        self.assertEqual(
+            [(text, start, end, words.data_at(data))
+             for text, start, end, data in zip(columns.text, columns.start, columns.end,
+                                               columns.data_number)],
+            [(number, match.start, match.end, match.data if isinstance(match.data, str) else
+              match.data.decode()) for number, each in enumerate(found) for match in each])
+        self.assertEqual(set(columns.image), {0})
 
     def check_pieces(self, words, texts):
         pieces = list(words.words_each(texts))
@@ -125,7 +139,8 @@ class SearchTest(FolderTest):
         for method in (words.lookup, words.find_all, words.__contains__, words.keys().__class__):
             for argument in (None, 1, bytearray(b"a"), ["a"]):
                 self.assertRaises(TypeError, method, argument)
-        for many in (words.find_all_each, words.lookup_each, words.replace_each):
+        for many in (words.find_all_each, words.lookup_each, words.find_columns,
+                     words.replace_each):
             for texts in ("text", b"text", 1, [1], ["a", b"a"], [b"a", "a"]):
                 if many != words.replace_each or not isinstance(texts, list) or texts == [1]:
                     self.assertRaises(TypeError, lambda: list(many(texts)))
@@ -138,6 +153,8 @@ class SearchTest(FolderTest):
                              [None] * 101 + [data])
             found = list(words.segment_each(column, skip_missing=True))
             self.assertEqual(found, [[]] * 101 + [[Match(0, len(key), key, data)]])
+            columns = words.find_columns(column, skip_missing=True)
+            self.assertEqual([*columns.text, *columns.end], [101, len(key)])
             with self.assertRaisesRegex(TypeError, r"item 70 \(from 0\) is None: "):
                 list(words.segment_each([key] * 70 + [None]))
 
@@ -212,6 +229,34 @@ class MappingTest(FolderTest):
             self.assertEqual(words.get(miss, 5), 5)
             self.assertRaises(KeyError, words.__getitem__, miss)
 
+    def test_sets_folding_and_whole_words(self):
+        general = Dictionary.of({"he": "1", "hello": "2", "東京": "3"}, folded=True)
+        own = Dictionary.of({"東京": "4", "Ll": "5"}, folded=True)
+        both = DictionarySet([general, own])
+        self.assertTrue(both.describe().folded)
+        text = "HEllow東京 he"
+        for words, everything, whole in (
+                (general, "HE 1, HEllo 2, 東京 3, he 1", "東京 3, he 1"),
+                (own, "ll 5, 東京 4", "東京 4"),
+                (both, "HE 1, HEllo 2, ll 5, 東京 4, he 1", "東京 4, he 1")):
+            for matches, expected in ((words.find_all(text), everything),
+                                      (words.find_longest(text, whole_words=True), whole)):
+                found = (f"{match.key} {match.fields[0]}" for match in matches)
+                self.assertEqual(", ".join(found), expected)
+            self.assertFalse(words.any_in("hell", whole_words=True))
+            keys = list(words)
+            self.assertEqual((keys, len(words)), (sorted(keys), len(keys)))
+            self.assertEqual(list(words.keys("Ｈ")), [key for key in keys if key[0] == "h"])
+            self.assertEqual(list(words.lookup_each(["HELLO", "LL", "東京"])),
+                             [words.get("hello"), words.get("ＬＬ"), words["東京"]])
+        self.assertEqual([match.image for match in both.find_all("東京")], [1])
+        self.assertEqual([match.image for match in both.find_all("東京", every_image=True)], [0, 1])
+        self.assertEqual(list(both.find_columns(["東京"], every_image=True).image), [0, 1])
+        general.close()
+        self.assertEqual(both["hello"], "2\t")
+        self.assertRaises(ValueError, DictionarySet, [general])
+        self.assertRaises(ValueError, DictionarySet, [])
+
 
 class SegmentationTest(FolderTest):
     COUNTS = {"北京": ["noun", "5"], "北京大": ["noun", "1"], "大学": ["noun", "9"],
@@ -222,6 +267,7 @@ class SegmentationTest(FolderTest):
         text = "北京大学生 ab1 x😀\ud800"
         pieces = ["北京", "大学", "生", " ", "ab1", " ", "x", "😀", "\ud800"]
         for segmenter in (Segmenter(words, count_field=2),
+                          Segmenter(DictionarySet([words]), count_field=2),
                           pickle.loads(pickle.dumps(Segmenter(words, count_field=2))),
                           Segmenter(Dictionary.of({key: ["", str(10 - int(count))] for
                                                    key, (_, count) in self.COUNTS.items()}),
@@ -283,9 +329,15 @@ class LifetimeTest(FolderTest):
         del pending, keys
         self.assertEqual(mappings_of("sample.bin"), 0)
 
+    def test_columns_outlive_the_dictionary(self):
+        starts = Dictionary.of({"a": ""}).find_columns(["xxa"] * 10000).start
+        gc.collect()
+        self.assertEqual((list(starts), starts.format, starts.contiguous),
+                         ([2] * 10000, "I", True))
+
     def test_pickling_keeps_path_mode_and_content(self):
         words = [Dictionary.open("sample.bin", copy) for copy in (False, True)]
-        words += [Dictionary.from_bytes(Path("sample.bin").read_bytes())]
+        words += [Dictionary.from_bytes(Path("sample.bin").read_bytes()), DictionarySet(words)]
         for each in words:
             with contextlib.chdir("/"):
                 self.assertEqual(pickle.loads(pickle.dumps(each)), each)
@@ -387,8 +439,9 @@ class BuildTest(FolderTest):
             with self.assertRaisesRegex(BuildError, f"^none.*: {code}: ") as raised:
                 Dictionary.build(source, image)
             self.assertEqual((raised.exception.errno, raised.exception.line), (2, None))
-        for items, error in ((["ab"], TypeError), ([("a", 1)], TypeError), ([("a", [1])], TypeError),
-                             ([("a",)], ValueError), ([("a", "\ud800")], ValueError),
+        for items, error in ((["ab"], TypeError), ([("a", 1)], TypeError),
+                             ([("a", [1])], TypeError), ([("a",)], ValueError),
+                             ([("a", "\ud800")], ValueError),
                              ((1 / 0 for _ in "a"), ZeroDivisionError), (5, TypeError)):
             self.assertRaises(error, Dictionary.build, items, "image.bin")
         self.assertFalse(Path("image.bin").exists())
