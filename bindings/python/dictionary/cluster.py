@@ -1,0 +1,142 @@
+"""Dictionaries on a cluster of dask: an image reaches every worker, is checked there before work
+begins, and is opened once per worker process. It needs the package ``distributed``.
+
+    client = Client("tcp://scheduler:8786")
+    image = upload(client, "words.bin")
+    client.submit(lambda text: image.dictionary.find_all(text), "東京都")
+"""
+
+import os
+from collections.abc import Iterable
+from functools import lru_cache
+from typing import Any, NamedTuple
+
+from distributed import Client, Worker, WorkerPlugin, get_worker
+
+from . import Dictionary, ImageError, __version__
+
+_MOST_OPEN = 8
+
+_Path = str | os.PathLike[str]
+
+
+class WorkerError(Exception):
+    """Workers that were refused. ``problems`` has a line for each: its address, and what differs
+    there.
+    """
+
+    def __init__(self, *problems: str) -> None:
+        super().__init__(*problems)
+        self.problems = problems
+
+    def __str__(self) -> str:
+        return "\n".join(self.problems)
+
+
+class SharedImage(NamedTuple):
+    """An image that every worker has. Give it to tasks; it is small."""
+
+    path: str
+    """On the workers; a name without a folder is in the worker's own folder."""
+    digest: str
+    version: str
+    """Of this package, as the client has it."""
+
+    @property
+    def dictionary(self) -> Dictionary:
+        """The dictionary, inside a task. It belongs to the worker process and stays open. The first
+        call in a process checks version and digest: WorkerError if they are not the client's. Later
+        calls find it open.
+        """
+        return self._on(get_worker())
+
+    def _on(self, worker: Worker) -> Dictionary:
+        return _opened(self, worker.local_directory, worker.address)
+
+
+def upload(client: Client, path: _Path) -> SharedImage:
+    """Sends the image file at the client to every worker, those included that join later.
+
+    Raises WorkerError when any worker has another version of this package, or has another image
+    then; ImageError or OSError when the file is refused at the client. The image passes through
+    the memory of the scheduler, and each worker process keeps a file of its own in its folder. For
+    large images see ``installed``.
+    """
+    image = _image(path)
+    # Bytes that some process has mapped must not change: other bytes have another name.
+    stored = image._replace(path=f"{image.digest}-{os.path.basename(path)}")
+    return _share(client, stored, _Upload(path, stored.path))
+
+
+def installed(client: Client, path: _Path) -> SharedImage:
+    """An image file that the client and every worker have under the same path already, on a shared
+    disk or copied there. Worker processes of one machine share its memory. Raises what ``upload``
+    raises.
+    """
+    return _share(client, _image(path))
+
+
+class _Upload(WorkerPlugin):
+    """Stores a file on a worker when the worker begins, or now."""
+
+    def __init__(self, path: _Path, name: str) -> None:
+        self._name = name
+        with open(path, "rb") as file:
+            self._data = file.read()
+
+    async def setup(self, worker: Worker) -> None:
+        if not os.path.exists(os.path.join(worker.local_directory, self._name)):
+            await worker.upload_file(self._name, self._data, load=False)
+        # The scheduler keeps it for the workers that join later.
+        self._data = b""
+
+
+def _image(path: _Path) -> SharedImage:
+    with Dictionary.open(path) as words:
+        return SharedImage(os.path.abspath(path), words.digest, __version__)
+
+
+def _share(client: Any, image: SharedImage, upload: _Upload | None = None) -> SharedImage:
+    _check_versions(client)
+    if upload:
+        client.register_worker_plugin(upload, name=image.path)
+    answers = client.run(_check, image, on_error="return")
+    _refuse(str(answer) if isinstance(answer, WorkerError) else f"{worker}: {answer!r}"
+            for worker, answer in answers.items() if answer is not None)
+    return image
+
+
+def _check_versions(client: Any) -> None:
+    """Asks through the engine, as other versions of this module may not understand this one."""
+    workers = client.get_versions(packages=[__package__])["workers"]
+    found = {worker: answer["packages"][__package__] for worker, answer in workers.items()}
+    _refuse(_version_problem(worker, version, __version__)
+            for worker, version in found.items() if version != __version__)
+
+
+def _check(image: SharedImage, dask_worker: Worker) -> None:
+    image._on(dask_worker)
+
+
+def _refuse(problems: Iterable[str]) -> None:
+    if lines := tuple(problems):
+        raise WorkerError(*lines)
+
+
+@lru_cache(_MOST_OPEN)
+def _opened(image: SharedImage, folder: str, worker: str) -> Dictionary:
+    if image.version != __version__:
+        raise WorkerError(_version_problem(worker, __version__, image.version))
+    path = os.path.join(folder, image.path)
+    try:
+        words = Dictionary.open(path)
+    except (ImageError, OSError) as error:
+        raise WorkerError(f"{worker}: {error}") from error
+    if words.digest != image.digest:
+        raise WorkerError(f"{worker}: {path}: another image than the client's: its digest is "
+                          f"{words.digest}, expected {image.digest}")
+    return words
+
+
+def _version_problem(worker: str, found: Any, expected: str) -> str:
+    return f"{worker}: package {__package__} {found or 'missing'}, expected {expected}"
