@@ -36,6 +36,15 @@ public:
     template <class Found>
     void forEachLongestKey(const Found& found) const;
 
+    // Calls `found(key)` for the longest key at the first character that begins one, and so on. Of
+    // one image alone.
+    template <class Found>
+    void forEachSegment(const Found& found) const {
+        searchOf(0).forEachSegment([&](std::size_t from, std::size_t end, std::int32_t feature) {
+            found(SetKey{from, {end, 0, feature}});
+        });
+    }
+
 private:
     using Keys = std::vector<SetKey>;
 

@@ -182,7 +182,14 @@ bool listLongest(const TextFind& find, const Use& use) {
 
 template <class Use>
 bool listSegments(const TextFind& find, const Use& use) {
-    if (!isPlain(find) || find.options.unknownPieces) return visitPieces<visitSegments>(find, use);
+    if (find.handle.images.size() > 1 || find.options.unknownPieces) {
+        return visitPieces<visitSegments>(find, use);
+    }
+    if (!isPlain(find)) {
+        return listSetBy(
+            find, [](const SetSearch& search, const auto& found) { search.forEachSegment(found); },
+            use);
+    }
     return listBy(
         find, EncodedText::kPassOver,
         [](const TextSearch& search, const auto& found) { search.forEachSegment(found); }, use);

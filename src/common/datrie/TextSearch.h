@@ -27,7 +27,7 @@ public:
         : m_cells(cells), m_text(text), m_steps(steps) {}
 
     // Leaves keys out that begin or end at a place whose entry in `closed` is not 0; there is one
-    // for each place, that at the end included. Not for segments.
+    // for each place, that at the end included.
     void closePlaces(const std::uint8_t* closed) { m_closed = closed; }
 
     // Calls `found(from, end, feature)` for every key that begins at a character of the alphabet,
@@ -59,7 +59,12 @@ public:
     // then at the first after that key, and so on.
     template <class Found>
     void forEachSegment(Found found) const {
-        segment(m_cells, m_text, found);
+        if (m_closed == nullptr) return segment(m_cells, m_text, found);
+        for (std::size_t from = 0; from < m_text.size();) {
+            const LongestKey longest = longestBetweenOpen(from);
+            if (longest.found) found(from, longest.end, longest.feature);
+            from = longest.end;
+        }
     }
 
 private:
@@ -95,11 +100,22 @@ private:
 
     template <class Found>
     void searchLongest(std::size_t from, std::int32_t alphabet, Found& found) const {
-        LongestKey longest = {false, from, kNoFeature};
+        const LongestKey longest = longestToOpen(from, alphabet);
+        if (longest.found) found(from, longest.end, longest.feature);
+    }
+
+    // The longest key at `from` that ends at an open place.
+    LongestKey longestToOpen(std::size_t from, std::int64_t alphabet) const {
+        LongestKey longest = {false, from + 1, kNoFeature};
         walkFrom(m_cells, m_text, from, alphabet, [&](std::size_t end, std::int32_t feature) {
             if (!isClosed(end)) longest = {true, end, feature};
         });
-        if (longest.found) found(from, longest.end, longest.feature);
+        return longest;
+    }
+
+    LongestKey longestBetweenOpen(std::size_t from) const {
+        if (m_text.isInsidePair(from) || isClosed(from)) return {false, from + 1, kNoFeature};
+        return longestToOpen(from, kNoAlphabet);
     }
 
     // Searches from the characters from `begin` up to, but without, `end`, block by block or all at
