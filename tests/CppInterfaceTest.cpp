@@ -98,6 +98,25 @@ TEST(CppInterface, FindsInEveryWay) {
     EXPECT_EQ(moved.describe().images, 1u);
 }
 
+TEST(CppInterface, SegmentsByWeightAndReplaces) {
+    const Image image = imageOf({{"ab", "100"}, {"abc", "1"}, {"cd", "100"}, {"d", "1"}});
+    const Segmenter segmenter(image);
+    FindOptions options = FindMode::weighted;
+    options.segmenter = &segmenter;
+    options.unknownPieces = true;
+    std::string pieces;
+    const std::string text = "abcdx";
+    for (const Match& match : image.find(text, options)) {
+        pieces += text.substr(match.start, match.length) + (match.isKey ? "+" : "-");
+    }
+    EXPECT_EQ(pieces, "ab+cd+x-");
+    options.unknownPieces = false;
+    EXPECT_EQ(image.replace(text, {}, options), "100100x");
+    EXPECT_EQ(image.replace(text), "11x");
+    const Image noNumbers = imageOf({{"a", "x"}});
+    EXPECT_THROW(Segmenter{noNumbers}, Error);
+}
+
 TEST(CppInterface, ErrorsCarryTheirRecords) {
     const TemporaryFile noImage("no image\2\2\2\2");
     const auto errorOf = [](const auto& action) {
