@@ -1,6 +1,6 @@
 #include "DictionaryVersion.h"
 
-#include "DATChecked.h"
+#include "Dictionary.h"
 
 const char* dictionaryVersion() {
     return DICTIONARY_VERSION;

@@ -1,5 +1,5 @@
 /* The version of these headers, for the preprocessor. The library that runs tells its own through
- * dictionaryVersion() of DATChecked.h; a host may compare the two. The build takes the version of
+ * dictionaryVersion() of Dictionary.h; a host may compare the two. The build takes the version of
  * the whole project from here.
  */
 

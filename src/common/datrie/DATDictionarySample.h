@@ -90,7 +90,6 @@ public:
 
 private:
     friend struct EntryPoints;
-    friend struct ImageHandle;
 
     // The mapping that queries read; null when there is none.
     DICTIONARY_LOCAL void* image() const;
