@@ -19,12 +19,12 @@ from dictionary.cluster import upload
 
 def count(path, image, field):
     """How often each part of speech is in a file, which is segmented into words."""
+    words = image.dictionary
     with open(path, "rb") as lines:
-        found = Counter(match.data for matches in image.dictionary.segment_each(lines)
-                        for match in matches)
+        found = Counter(words.find_columns(lines, "segment").data_number)
     counts = Counter()
-    for data, times in found.items():
-        counts[fields(data)[field - 1].decode()] += times
+    for number, times in found.items():
+        counts[fields(words.data_at(number))[field - 1]] += times
     return counts
 
 
