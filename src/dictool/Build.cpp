@@ -26,6 +26,7 @@ struct BuildOptions {
     bool lenient = false;
     bool windows = false;
     bool allowEmpty = false;
+    bool folded = false;
     bool quiet = false;
     bool progress = false;
 };
@@ -139,6 +140,7 @@ int callLibrary(Build& build, const DictionaryTarget& target, DictionaryBuildRep
     options.lenient = given.lenient;
     options.fromWindows = given.windows;
     options.allowEmpty = given.allowEmpty;
+    options.folded = given.folded;
     options.onProblem = onProblem;
     options.onProgress = onProgress;
     options.context = &build;
@@ -206,6 +208,8 @@ void addOptions(CLI::App& command, BuildOptions& options) {
     command.add_flag("--windows", options.windows,
                      "Leave out carriage returns at the ends of lines, and a byte-order mark");
     command.add_flag("--allow-empty", options.allowEmpty, "Take a source without records");
+    command.add_flag("--fold", options.folded,
+                     "Fold case and width, in the keys and in whatever is looked up");
     addText(command, "--field-separator", options.fieldSeparator, "Ends a field")
         .type_name("BYTES");
     addText(command, "--record-separator", options.recordSeparator, "Ends a record")

@@ -56,6 +56,32 @@ CLI::Option& addArguments(CLI::App& command, const std::string& name,
                 ->option_text(" ");
 }
 
+CLI::Option& addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                      const std::string& help) {
+    const auto take = [&values](const CLI::results_t& results) {
+        for (const std::string& result : results) values.push_back(unguarded(result));
+        return true;
+    };
+    return *command.add_option(name, take, help)
+                ->expected(1, CLI::detail::expected_max_vector_size)
+                ->allow_extra_args(false);
+}
+
+CLI::Option& addNumber(CLI::App& command, const std::string& name, unsigned& value,
+                       const std::string& help) {
+    return *command.add_option(name, value, help)->type_name("N");
+}
+
+void addLineFormat(CLI::App& command, std::string& format, bool& zeroEnded) {
+    addChoice(command, "-f,--format", format, {"text", "tsv", "json"},
+              "How to write what is found");
+    addZero(command, zeroEnded);
+}
+
+void addZero(CLI::App& command, bool& zeroEnded) {
+    command.add_flag("-z,--zero", zeroEnded, "Lines end with a NUL, in and out");
+}
+
 CLI::Option& addChoice(CLI::App& command, const std::string& name, std::string& value,
                        const std::vector<std::string>& choices, const std::string& help) {
     return *command.add_option(name, value, help)

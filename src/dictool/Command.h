@@ -16,8 +16,10 @@ using Action = std::function<int()>;
 // Each adds commands to `program`; one that is chosen sets `action`.
 using DefineCommand = void (*)(CLI::App& program, Action& action);
 void defineBuild(CLI::App& program, Action& action);  // build and lint
+void defineKeys(CLI::App& program, Action& action);
 void defineSearch(CLI::App& program, Action& action);
 void defineSegment(CLI::App& program, Action& action);
+void defineReplace(CLI::App& program, Action& action);
 void defineLookup(CLI::App& program, Action& action);
 void defineDump(CLI::App& program, Action& action);
 void defineStat(CLI::App& program, Action& action);
@@ -56,6 +58,18 @@ void addArgument(CLI::App& command, const std::string& name, std::string& value,
 // Any number of positional arguments.
 CLI::Option& addArguments(CLI::App& command, const std::string& name,
                           std::vector<std::string>& values, const std::string& help);
+
+// An option with a text that can be given more than once.
+CLI::Option& addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                      const std::string& help);
+
+// An option that is a number, not below 0.
+CLI::Option& addNumber(CLI::App& command, const std::string& name, unsigned& value,
+                       const std::string& help);
+
+// The options by which lines are written.
+void addLineFormat(CLI::App& command, std::string& format, bool& zeroEnded);
+void addZero(CLI::App& command, bool& zeroEnded);
 
 // An option that is one of a few words.
 CLI::Option& addChoice(CLI::App& command, const std::string& name, std::string& value,

@@ -24,9 +24,12 @@ constexpr char kDetails[] =
     "separators whose keys or data hold a tab or a newline, cannot be given back. An image whose\n"
     "cells another writer placed differently is: the source has its keys and data and builds to\n"
     "other bytes, the first of which is reported.\n"
-    "Where lint has objections, as to data that ends in a carriage return, the source needs\n"
-    "'dictool build --lenient'.\n"
+    "The source of a folded image needs 'dictool build --fold'. Where lint has objections, as to\n"
+    "data that ends in a carriage return, the source needs 'dictool build --lenient'.\n"
     "\nExit status: 0 when the source builds to the same bytes, 1 when it builds to others.";
+
+// The record by which an image says that it is folded, and to which no key refers.
+constexpr std::size_t kFoldedMarkBytes = 11;
 
 constexpr std::string_view kWrittenNewline = "\\n";
 
@@ -107,7 +110,7 @@ private:
         std::sort(m_features.begin(), m_features.end());
         m_features.erase(std::unique(m_features.begin(), m_features.end()), m_features.end());
         constexpr std::size_t kLengthBytes = sizeof(std::int32_t);
-        std::size_t offset = 0;
+        std::size_t offset = m_image.folded() ? kFoldedMarkBytes : 0;
         std::string_view before;
         for (const std::int32_t feature : m_features) {
             const std::string_view data = m_image.data(feature);
@@ -145,6 +148,7 @@ std::string sourceOf(const Trie& trie) {
 std::size_t differenceOf(const std::string& source, const Image& image) {
     dictionary::BuildOptions options;
     options.lenient = options.allowEmpty = true;
+    options.folded = image.folded();
     dictionary::ImageBuffer buffer;
     dictionary::buildBytes(source, buffer, options);
     const std::string_view built = buffer.view(), given = image.bytes();
@@ -174,6 +178,7 @@ int run(const DumpOptions& options) {
     Output output;
     output.write(source);
     output.finish();
+    if (image.folded()) remark(image.file() + ": folded; build its source with --fold");
     if (difference == std::string::npos) return kDone;
     reportDifference(image, difference);
     return kNone;

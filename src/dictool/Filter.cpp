@@ -4,6 +4,8 @@
 #include <atomic>
 #include <thread>
 
+#include "Dictionaries.h"
+
 namespace dictool {
 
 namespace {
@@ -29,6 +31,8 @@ public:
         return m_work->take(line, number, out);
     }
 
+    bool endBlock(std::string& out) override { return m_work->endBlock(out); }
+
 private:
     std::unique_ptr<LineWork> m_work;
 };
@@ -44,20 +48,22 @@ public:
         return m_work->take(line, number, out);
     }
 
+    bool endBlock(std::string& out) override { return m_work->endBlock(out); }
+
 private:
     std::unique_ptr<LineWork> m_work;
     std::atomic<bool>& m_sawReturn;
 };
 
-int filter(const FilterOptions& options, Lines& lines, Output& output,
-           const MakeImageWork& makeWork) {
-    const dictionary::Image image = dictionary::Image::open(options.image);
+int filter(const FilterOptions& options, Lines& lines, Output& output, const Prepare& prepare) {
+    const Dictionaries dictionaries(options.image, options.moreImages);
+    const MakeLineWork makeWork = prepare(dictionaries.get());
     const unsigned cores = std::max(std::thread::hardware_concurrency(), 1u);
     const unsigned threads = options.threads == 0 ? cores : options.threads;
     std::atomic<bool> sawReturn{false};
     const auto makeLineWork = [&]() -> std::unique_ptr<LineWork> {
-        if (options.windows) return std::make_unique<WindowsWork>(makeWork(image));
-        return std::make_unique<NoticingWork>(makeWork(image), sawReturn);
+        if (options.windows) return std::make_unique<WindowsWork>(makeWork());
+        return std::make_unique<NoticingWork>(makeWork(), sawReturn);
     };
     const bool found = runLines(lines, output, threads, makeLineWork);
     output.finish();
@@ -70,10 +76,13 @@ int filter(const FilterOptions& options, Lines& lines, Output& output,
 
 }  // namespace
 
+void addMoreImages(CLI::App& command, FilterOptions& options) {
+    addTexts(command, "-D,--dictionary", options.moreImages,
+             "Another image, searched as one with IMAGE; the last that has a key counts")
+        .type_name("IMAGE");
+}
+
 void addFilterOptions(CLI::App& command, FilterOptions& options) {
-    addChoice(command, "-f,--format", options.format, {"text", "tsv", "json"},
-              "How to write what is found");
-    command.add_flag("-z,--zero", options.zeroEnded, "Lines end with a NUL, in and out");
     command.add_flag("--windows", options.windows,
                      "Leave out a carriage return that ends a line and a mark that begins it");
     command.add_option("-j,--jobs", options.threads, "Threads; 0 for one a core")
@@ -87,20 +96,20 @@ void addFilterOptions(CLI::App& command, FilterOptions& options) {
 }
 
 int filterFiles(const FilterOptions& options, const std::vector<std::string>& files,
-                const MakeImageWork& makeWork) {
+                const Prepare& prepare) {
     Output output;
     Lines lines(files, options.end(), options.lineBuffered || output.isTerminal());
-    return filter(options, lines, output, makeWork);
+    return filter(options, lines, output, prepare);
 }
 
 int filterTexts(const FilterOptions& options, const std::vector<std::string>& texts,
-                const MakeImageWork& makeWork) {
+                const Prepare& prepare) {
     constexpr char kEnd = '\0';
     std::string joined;
     for (const std::string& text : texts) joined.append(text) += kEnd;
     Output output;
     Lines lines(joined, kEnd);
-    return filter(options, lines, output, makeWork);
+    return filter(options, lines, output, prepare);
 }
 
 }  // namespace dictool

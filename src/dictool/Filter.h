@@ -3,6 +3,8 @@
 #ifndef DICTOOL_FILTER_H
 #define DICTOOL_FILTER_H
 
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,7 @@ namespace dictool {
 
 struct FilterOptions {
     std::string image;
+    std::vector<std::string> moreImages;
     std::string format = "text";
     bool zeroEnded = false;
     bool lineBuffered = false;
@@ -25,28 +28,61 @@ struct FilterOptions {
     char end() const { return zeroEnded ? '\0' : '\n'; }
 };
 
+void addMoreImages(CLI::App& command, FilterOptions& options);
 void addFilterOptions(CLI::App& command, FilterOptions& options);
 
-// Runs lines through works made over the options' image and writes what they give. Lines of files
-// come from `files`, or from standard input when that is empty.
-using MakeImageWork = std::function<std::unique_ptr<LineWork>(const dictionary::Image& image)>;
-int filterFiles(const FilterOptions& options, const std::vector<std::string>& files,
-                const MakeImageWork& makeWork);
-// The same for the texts themselves, a line each.
-int filterTexts(const FilterOptions& options, const std::vector<std::string>& texts,
-                const MakeImageWork& makeWork);
+// Makes, once an image is open, what makes the works of the threads.
+using Prepare = std::function<MakeLineWork(const dictionary::Image& image)>;
 
-// The same for commands that find matches, which have these options, too.
-struct MatchOptions : FilterOptions {
+// Runs lines through works over the options' images and writes what they give. Lines of files come
+// from `files`, or from standard input when that is empty.
+int filterFiles(const FilterOptions& options, const std::vector<std::string>& files,
+                const Prepare& prepare);
+// The same for the texts themselves, one line each.
+int filterTexts(const FilterOptions& options, const std::vector<std::string>& texts,
+                const Prepare& prepare);
+
+// For commands that find keys in texts.
+struct TextOptions : FilterOptions {
     std::vector<std::string> files;
+    bool wholeWords = false;
+    unsigned countField = 0;  // 0 for none
+    unsigned costField = 0;
+    double unknownCost = 0;
+
+    bool isWeighted() const { return countField != 0 || costField != 0; }
+};
+
+void addTextOptions(CLI::App& command, TextOptions& options);
+void addWeightOptions(CLI::App& command, TextOptions& options);
+
+// How keys are found, with the segmenter where there are weights.
+class FindRequest {
+public:
+    // `mode` is one of DictionaryFindMode, and counts where there are no weights.
+    FindRequest(const dictionary::Image& image, int mode, const TextOptions& options);
+
+    const DictionaryFindOptions& options() const { return m_options; }
+
+private:
+    DictionaryFindOptions m_options = {};
+    std::optional<dictionary::Segmenter> m_segmenter;
+};
+
+// For commands that write the keys that they find.
+struct MatchOptions : TextOptions {
     std::string offset = "byte";
     bool data = false;
-    bool keep = false;  // writes what lies between matches, too
+    bool keep = false;      // writes what lies between matches, too
+    bool pieces = false;    // the same, one piece for each character
+    bool joinRuns = false;  // and one for each run of ASCII letters and digits
+
+    bool wantsPieces() const { return pieces || joinRuns; }
 };
 
 void addMatchOptions(CLI::App& command, MatchOptions& options);
 
-// `mode` is one of DictionaryFindMode.
+// `mode` is as for FindRequest.
 int filterMatches(const MatchOptions& options, int mode);
 
 }  // namespace dictool

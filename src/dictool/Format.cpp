@@ -177,6 +177,30 @@ void answerJson(std::string& out, const Answer& answer) {
     out += answer.end;
 }
 
+void keyText(std::string& out, const KeyLine& line) {
+    appendEscaped(out, line.key, line.escapes ? kTorn : "");
+    out += line.end;
+}
+
+void keyData(std::string& out, const KeyLine& line) {
+    appendRow(out, line.key, line.data, line.end, line.escapes);
+}
+
+void keyTable(std::string& out, const KeyLine& line) {
+    append(out, line.number);
+    out += '\t';
+    keyData(out, line);
+}
+
+void keyJson(std::string& out, const KeyLine& line) {
+    out += "{\"key\":";
+    appendJson(out, line.key);
+    out += ",\"data\":";
+    appendJsonFields(out, line.data);
+    out += '}';
+    out += line.end;
+}
+
 void appendEscaped(std::string& out, std::string_view text, std::string_view special) {
     if (holdsOneOf(text, special)) {
         for (std::size_t at; (at = text.find_first_of(special)) != std::string_view::npos;) {

@@ -35,6 +35,20 @@ void formatKeysData(std::string& out, const LinePieces& pieces);  // as it does 
 void formatTable(std::string& out, const LinePieces& pieces);
 void formatJson(std::string& out, const LinePieces& pieces);
 
+// A key of a list.
+struct KeyLine {
+    std::string_view key;
+    std::string_view data;
+    std::uint64_t number;
+    char end;
+    bool escapes;
+};
+
+void keyText(std::string& out, const KeyLine& line);
+void keyData(std::string& out, const KeyLine& line);
+void keyTable(std::string& out, const KeyLine& line);
+void keyJson(std::string& out, const KeyLine& line);
+
 // The answer for one key.
 struct Answer {
     std::string_view key;

@@ -28,6 +28,7 @@ public:
     const dictionary::Image& opened() const { return m_image; }
     std::string_view bytes() const { return m_bytes.text(); }
     std::int32_t cellCount() const { return static_cast<std::int32_t>(m_description.cells); }
+    bool folded() const { return m_description.folded; }
     std::uint64_t featureBytes() const { return m_description.featureBytes; }
 
     // The cells from 1 on; cell 0 is the header.

@@ -1,7 +1,5 @@
 // lookup: whether texts are keys, and their data.
 
-#include <optional>
-
 #include "Filter.h"
 
 namespace dictool {
@@ -41,30 +39,54 @@ public:
           m_end(options.end()),
           m_escapes(!options.zeroEnded) {}
 
-    bool take(std::string_view line, std::uint64_t number, std::string& out) override {
-        const std::optional<std::string_view> data = m_image.lookup(line);
-        const bool found = data.has_value();
+    bool take(std::string_view line, std::uint64_t number, std::string&) override {
+        m_keys.push_back({line.data(), line.size()});
+        m_numbers.push_back(number);
+        return false;
+    }
+
+    // Many keys in one call take less time.
+    bool endBlock(std::string& out) override {
+        m_data.resize(m_keys.size());
+        dictionaryLookupKeys(m_image.handle(), m_keys.data(), m_keys.size(), m_data.data());
+        bool any = false;
+        for (std::size_t i = 0; i < m_keys.size(); ++i) any |= answer(i, out);
+        m_keys.clear();
+        m_numbers.clear();
+        return any;
+    }
+
+private:
+    bool answer(std::size_t i, std::string& out) const {
+        const bool found = m_data[i].bytes != nullptr;
         if (m_writesAll || found == m_wanted) {
-            m_format(out, {line, number, found, data.value_or(""), m_end, m_escapes});
+            m_format(out, {{m_keys[i].bytes, m_keys[i].size},
+                           m_numbers[i],
+                           found,
+                           {m_data[i].bytes, m_data[i].size},
+                           m_end,
+                           m_escapes});
         }
         return found == m_wanted;
     }
 
-private:
     const dictionary::Image& m_image;
     FormatAnswer m_format;
     bool m_writesAll;
     bool m_wanted;
     char m_end;
     bool m_escapes;
+    std::vector<DictionaryText> m_keys;  // of the block
+    std::vector<std::uint64_t> m_numbers;
+    std::vector<DictionaryText> m_data;
 };
 
 int run(const LookupOptions& options) {
-    const auto makeWork = [&](const dictionary::Image& image) {
-        return std::make_unique<LookupWork>(image, options);
+    const auto prepare = [&](const dictionary::Image& image) {
+        return [&] { return std::make_unique<LookupWork>(image, options); };
     };
-    if (options.keys.empty()) return filterFiles(options, {}, makeWork);
-    return filterTexts(options, options.keys, makeWork);
+    if (options.keys.empty()) return filterFiles(options, {}, prepare);
+    return filterTexts(options, options.keys, prepare);
 }
 
 }  // namespace
@@ -76,6 +98,8 @@ void defineLookup(CLI::App& program, Action& action) {
     addArgument(command, "IMAGE", options.image, "The image");
     addArguments(command, "KEY", options.keys, "Keys; none for one per line of standard input");
     command.add_flag("-m,--missing", options.missing, "Write the keys that are not there instead");
+    addMoreImages(command, options);
+    addLineFormat(command, options.format, options.zeroEnded);
     addFilterOptions(command, options);
 }
 

@@ -14,9 +14,10 @@ namespace dictool {
 
 namespace {
 
-constexpr DefineCommand kCommands[] = {defineBuild, defineSearch, defineSegment,    defineLookup,
-                                       defineDump,  defineStat,   defineVerify,     defineDiff,
-                                       defineView,  defineManual, defineCompletion, defineHelp};
+constexpr DefineCommand kCommands[] = {defineBuild,      defineSearch, defineSegment, defineReplace,
+                                       defineLookup,     defineKeys,   defineDump,    defineStat,
+                                       defineVerify,     defineDiff,   defineView,    defineManual,
+                                       defineCompletion, defineHelp};
 
 constexpr char kDetails[] =
     "Exit status: 0 found or done; 1 nothing found, or different; 2 wrong usage, or a file\n"

@@ -1,5 +1,7 @@
 // Filters that write the matches found in each line.
 
+#include <algorithm>
+
 #include "Filter.h"
 
 namespace dictool {
@@ -14,14 +16,18 @@ FormatPieces formatOf(const MatchOptions& options) {
 
 class MatchWork : public LineWork {
 public:
-    MatchWork(const dictionary::Image& image, int mode, const MatchOptions& options)
+    MatchWork(const dictionary::Image& image, const DictionaryFindOptions& findOptions,
+              const MatchOptions& options)
         : m_image(image),
-          m_options(optionsOf(mode)),
+          m_options(findOptions),
           m_format(formatOf(options)),
           m_unit(options.offset == "char" ? Unit::kCharacter : Unit::kByte),
-          m_keep(options.keep),
+          m_keep(options.keep && !options.wantsPieces()),
           m_end(options.end()),
-          m_escapes(!options.zeroEnded && mode != DICTIONARY_FIND_CLASSIC) {}
+          m_escapes(!options.zeroEnded && findOptions.mode != DICTIONARY_FIND_CLASSIC) {
+        m_options.unknownPieces = options.wantsPieces();
+        m_options.joinedRuns = options.joinRuns;
+    }
     MatchWork(const MatchWork&) = delete;
     MatchWork& operator=(const MatchWork&) = delete;
     ~MatchWork() override { dictionaryFreeMatches(&m_matches); }
@@ -40,17 +46,11 @@ public:
             pieces.count = m_pieces.size();
         }
         m_format(out, pieces);
-        return m_matches.count > 0;
+        return std::any_of(m_matches.items, m_matches.items + m_matches.count,
+                           [](const Piece& piece) { return piece.data.bytes != nullptr; });
     }
 
 private:
-    static DictionaryFindOptions optionsOf(int mode) {
-        DictionaryFindOptions options = {};
-        options.size = sizeof options;
-        options.mode = mode;
-        return options;
-    }
-
     // Fills the pieces with the matches, which do not overlap, and with what lies around them.
     void addStretches(std::string_view line) {
         m_pieces.clear();
@@ -81,16 +81,19 @@ private:
 }  // namespace
 
 void addMatchOptions(CLI::App& command, MatchOptions& options) {
-    addArgument(command, "IMAGE", options.image, "The image");
-    addArguments(command, "FILE", options.files, "Texts; standard input for none and for -");
+    addTextOptions(command, options);
     command.add_flag("-d,--data", options.data, "In text form, write position and data, too");
     addChoice(command, "--offset", options.offset, {"byte", "char"}, "What positions count");
+    addLineFormat(command, options.format, options.zeroEnded);
     addFilterOptions(command, options);
 }
 
 int filterMatches(const MatchOptions& options, int mode) {
     return filterFiles(options, options.files, [&](const dictionary::Image& image) {
-        return std::make_unique<MatchWork>(image, mode, options);
+        const auto request = std::make_shared<FindRequest>(image, mode, options);
+        return [&image, &options, request] {
+            return std::make_unique<MatchWork>(image, request->options(), options);
+        };
     });
 }
 

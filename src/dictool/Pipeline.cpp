@@ -30,6 +30,7 @@ public:
                 forEachLine(block, m_lines.end(), [&](std::string_view line, std::uint64_t number) {
                     if (work.take(line, number, out)) m_found = true;
                 });
+                if (work.endBlock(out)) m_found = true;
             } while (write(turn, out));
         } catch (...) {
             stop(std::current_exception());

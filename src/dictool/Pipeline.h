@@ -19,7 +19,11 @@ public:
     virtual ~LineWork() = default;
 
     // Appends to `out` what the line gives. Returns whether anything was found.
+    // The line lasts until the end of its block.
     virtual bool take(std::string_view line, std::uint64_t number, std::string& out) = 0;
+
+    // After the last line of a block: the same for the lines that were put off.
+    virtual bool endBlock(std::string&) { return false; }
 };
 
 using MakeLineWork = std::function<std::unique_ptr<LineWork>()>;

@@ -55,6 +55,7 @@ std::string textOf(const Statistics& statistics) {
         {"data bytes", std::to_string(statistics.featureBytes)},
         {"data texts", std::to_string(statistics.dataTexts)},
         {"keys", std::to_string(statistics.keys)},
+        {"folded", statistics.folded ? "yes" : "no"},
         {"key bytes", std::to_string(statistics.keyBytes)},
         {"bytes per key", fixed(statistics.bytesPerKey(), "")},
     };

@@ -70,6 +70,7 @@ Statistics statisticsOf(const Image& image) {
     statistics.imageBytes = image.bytes().size();
     statistics.cells = static_cast<std::uint64_t>(image.cellCount());
     statistics.featureBytes = image.featureBytes();
+    statistics.folded = image.folded();
     const Trie trie(image);
     std::vector<std::int32_t> features;
     for (Cursor cursor(trie); cursor.next();) {
@@ -97,6 +98,7 @@ nlohmann::ordered_json jsonOf(const Statistics& statistics) {
             {"dataBytes", statistics.featureBytes},
             {"dataTexts", statistics.dataTexts},
             {"keys", statistics.keys},
+            {"folded", statistics.folded},
             {"keyBytes", statistics.keyBytes},
             {"bytesPerKey", statistics.bytesPerKey()},
             {"keysByLength", jsonOf(statistics.keysByLength)},

@@ -39,6 +39,7 @@ struct Statistics {
     std::uint64_t dataTexts = 0;  // distinct ones of keys
     std::uint64_t keys = 0;
     std::uint64_t keyBytes = 0;
+    bool folded = false;
     Histogram keysByLength;  // in characters
     Histogram nodesByDepth;  // 1 for a first character
     Histogram nodesByChildren;

@@ -15,7 +15,7 @@ import unittest
 DICTOOL = os.environ["DICTOOL"]
 EXAMPLES = os.environ["EXAMPLES"]
 HERE = tempfile.mkdtemp(prefix="dictool")
-COMMANDS = "build lint search segment lookup dump stat verify diff view".split()
+COMMANDS = "build lint search segment replace lookup keys dump stat verify diff view".split()
 SOURCE = "\\n\tline\nabc\tn\t1\nbc\tv\nab\t\n東京\tplace\n東京都\tplace\tbig\nbc\tw\n"
 FREE_CELL = struct.pack("<3i", 0, 0, -1)
 NONE, TROUBLE, BAD_IMAGE, INTERRUPTED, CLOSED_PIPE = 1, 2, 4, 130, 141
@@ -43,6 +43,7 @@ def read(name):
 
 def setUpModule():
     assert run("build", "-", "words.bin", given=SOURCE)[0] == 0
+    assert run("build", "-", "mine.bin", given="xab\tmine\nbc\tmine\n")[0] == 0
     assert run("build", os.path.join(EXAMPLES, "sample.tsv"), "sample.bin")[0] == 0
     words = [line.split("\t")[0] for line in run("dump", "sample.bin")[1].decode().splitlines()]
     dice = random.Random(7)
@@ -95,6 +96,22 @@ ANSWERS = [
     ("lookup -z", "\n\0x", "\n\tline\0"),
     ("lookup -f json", "x\nab\n", lines_of({"line": 1, "key": "x", "found": False},
                                            {"line": 2, "key": "ab", "found": True, "data": [""]})),
+    ("keys", "", "\\n\nab\nabc\nbc\n東京\n東京都\n"),
+    ("keys 東 --data", "", "東京\tplace\n東京都\tplace\tbig\n"),
+    ("keys -z -d --limit 2", "", "\n\tline\0ab\t\0"),
+    ("keys -f tsv --limit 2", "", "1\t\\n\tline\n2\tab\t\n"),
+    ("keys -f json b", "", lines_of({"key": "bc", "data": ["v", ";w"]})),
+    ("keys --count", "", "6\n"),
+    ("search --word", "abc bcx bc\n", "abc\tbc\t\n"),
+    ("segment --word --pieces", "xbc bc", "x\tb\tc\t \tbc\t\n"),
+    ("segment --join-runs -f tsv", "xy ab", "1\t0\t2\txy\t\n1\t2\t1\t \t\n1\t3\t2\tab\t\n"),
+    ("replace", b"xabc, \xff\nab\xe6\x9d\xb1\xe4\xba\xac", b"xn, \xff\nabplace\n"),
+    ("replace --word", "xabc abc\n", "xabc n\n"),
+    ("replace --field 2 --remove-empty", "abc, 東京都東京\n", "1, big\n"),
+    ("replace --alternatives a", "東京\n", "pl\n"),
+    ("search -D mine.bin -d", "xabc", "xab/0:mine\t\tabc/1:n\t1\t\tbc/2:mine\t\t\n"),
+    ("lookup -D mine.bin", "bc\nxab\nab\n", "bc\tmine\nxab\tmine\nab\t\n"),
+    ("replace -D mine.bin -D words.bin", "xabbc\n", "minev\n"),
     ("dump", "", "\\n\tline\nab\t\nabc\tn\t1\nbc\tv\t;w\n東京\tplace\n東京都\tplace\tbig\n"),
     ("verify", "", "words.bin: ok\n"),
     ("verify -q", "", ""),
@@ -131,7 +148,8 @@ class Dictool(unittest.TestCase):
             with self.subTest(arguments, given=given):
                 command, *options = arguments.split()
                 result = run(command, "words.bin", *options, given=given)
-                self.assertEqual(result, (0, expected.encode(), ""))
+                expected = expected if isinstance(expected, bytes) else expected.encode()
+                self.assertEqual(result, (0, expected, ""))
 
     def test_keys_are_taken_as_they_come(self):
         keys = ["[a,b]", "[]", "{}", "", "%%", "search", "-", "--", "--all", "[b]", "東京"]
@@ -142,7 +160,8 @@ class Dictool(unittest.TestCase):
         self.assertEqual([answer["found"] for answer in answers], 9 * [False] + [True])
 
     def test_nothing_found(self):
-        for arguments in (["search"], ["segment", "--keep"], ["lookup", "-f", "json"]):
+        for arguments in (["search"], ["segment", "--keep"], ["segment", "--pieces"], ["replace"],
+                          ["lookup", "-f", "json"]):
             self.assertEqual(run(*arguments, "words.bin", given="q\n")[0], NONE)
             self.assertEqual(run(*arguments, "words.bin", "--exit-zero", given="q\n")[0], 0)
 
@@ -213,8 +232,10 @@ class Dictool(unittest.TestCase):
 
     def test_dump_gives_back_the_image_or_says_that_it_cannot(self):
         run("build", "-", "planes.bin", given="\uffff\tb\n😀\tc\n\ue000\ta\n😁x\td\n😁\te\n")
-        for image in ("sample.bin", "words.bin", "planes.bin"):
-            again = run("build", "-", "again.bin", given=run("dump", image)[1])
+        run("build", "--fold", "-", "folded.bin", given="Ab\tx\nＡB\ty\n\\n\tz\n")
+        for image, *options in (["sample.bin"], ["words.bin"], ["planes.bin"],
+                                ["folded.bin", "--fold"]):
+            again = run("build", "-", "again.bin", *options, given=run("dump", image)[1])
             self.assertEqual((again[0], read("again.bin")), (0, read(image)))
         comma = ["--record-separator", ",", "--field-separator", ";"]
         for source, options in [(b"\tx\nb\ty\n", []), (b"a\tx\na\xff\ty\n", []),
@@ -268,6 +289,18 @@ class Dictool(unittest.TestCase):
         self.assertEqual(run("diff", "-q", "words.bin", "other.bin"), (NONE, b"", ""))
         self.assertEqual(run("diff", "words.bin", "words.bin"), (0, b"", ""))
 
+    def test_weights_and_folding(self):
+        run("build", "--fold", "-", "weights.bin", given="A\t9\t2\nb\t9\t2\nab\t1\t3\n")
+        for arguments, expected in (("segment", "Ab\t\n"), ("segment --count-field 1", "A\tb\t\n"),
+                                    ("segment --cost-field 2", "Ab\t\n"),
+                                    ("replace --count-field 1 --field 2", "22\n")):
+            command, *options = arguments.split()
+            answer = run(command, "weights.bin", *options, "-j2", given="Ab\n")
+            self.assertEqual(answer, (0, expected.encode(), ""))
+        self.assertRefused(run("segment", "words.bin", "--count-field", "1"), TROUBLE,
+                           "words.bin: error ")
+        self.assertIn(b"folded                       yes\n", run("stat", "weights.bin")[1])
+
     def test_stat_and_view(self):
         numbers = json.loads(run("stat", "-f", "json", "words.bin")[1])
         self.assertEqual([numbers[name] for name in ("keys", "dataTexts", "usedCells", "keyBytes")],
@@ -283,7 +316,8 @@ class Dictool(unittest.TestCase):
             self.assertNotIn(outside, page)
 
     def test_threads_and_processes_give_the_same_bytes(self):
-        for options in ("search -d", "search -f json --all --offset char", "segment -k", "lookup"):
+        for options in ("search -d", "search -f json --all --offset char", "segment -k", "replace -w",
+                        "lookup"):
             command = [DICTOOL, options.split()[0], "sample.bin", *options.split()[1:]]
             alone = run(*command[1:], given=read("large.txt"))
             self.assertEqual(run(*command[1:], "-j8", given=read("large.txt")), alone, options)
@@ -326,7 +360,7 @@ class Dictool(unittest.TestCase):
             process.stdin.close()
 
     def test_output_that_fails(self):
-        writing = [["search", "-j4"], ["segment"], ["lookup"], ["dump"], ["stat"], ["verify"],
+        writing = [["search", "-j4"], ["segment"], ["replace"], ["lookup"], ["keys"], ["dump"], ["stat"], ["verify"],
                    ["view", "-o", "-"], ["--help"], ["search", "--help"], ["--version"]]
         for command in writing:
             image = [] if command[-1][:2] == "--" else ["words.bin"]
@@ -344,6 +378,7 @@ class Dictool(unittest.TestCase):
         for arguments in ([], ["bogus"], ["search"], ["search", "words.bin", "--bogus"],
                           ["search", "words.bin", "-f", "xml"], ["search", "words.bin", "-j", "-1"],
                           ["search", "words.bin", "--all", "--longest"], ["diff", "words.bin"],
+                          ["segment", "words.bin", "--count-field", "1", "--cost-field", "1"],
                           ["lint", "x", "--max-problems", "0"], ["stat", "words.bin", "more"]):
             self.assertRefused(run(*arguments), TROUBLE, "error usage: ")
         write("-x.tsv", SOURCE)

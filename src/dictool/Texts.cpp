@@ -1,0 +1,43 @@
+// What the commands that find keys in texts have in common.
+
+#include "Filter.h"
+
+namespace dictool {
+
+FindRequest::FindRequest(const dictionary::Image& image, int mode, const TextOptions& options) {
+    m_options.size = sizeof m_options;
+    m_options.mode = mode;
+    m_options.wholeWords = options.wholeWords;
+    if (!options.isWeighted()) return;
+    const bool counts = options.countField != 0;
+    try {
+        m_segmenter.emplace(image,
+                            counts ? dictionary::Weights::counts : dictionary::Weights::costs,
+                            counts ? options.countField : options.costField, options.unknownCost);
+    } catch (const dictionary::Error& error) {
+        throw failureOf(error.record(), options.image);
+    }
+    m_options.mode = DICTIONARY_FIND_WEIGHTED;
+    m_options.segmenter = m_segmenter->segmenter();
+}
+
+void addTextOptions(CLI::App& command, TextOptions& options) {
+    addArgument(command, "IMAGE", options.image, "The image");
+    addArguments(command, "FILE", options.files, "Texts; standard input for none and for -");
+    addMoreImages(command, options);
+    command.add_flag("-w,--word", options.wholeWords,
+                     "Only keys that neither begin nor end inside a word");
+}
+
+void addWeightOptions(CLI::App& command, TextOptions& options) {
+    CLI::Option& count = addNumber(command, "--count-field", options.countField,
+                                   "Cut by counts, which are in this data field, from 1");
+    CLI::Option& cost = addNumber(command, "--cost-field", options.costField,
+                                  "Cut by costs, which are in this data field, from 1");
+    cost.excludes(&count);
+    command.add_option("--unknown-cost", options.unknownCost, "What an unknown character costs")
+        ->type_name("X")
+        ->needs(&cost);
+}
+
+}  // namespace dictool
