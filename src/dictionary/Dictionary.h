@@ -13,13 +13,13 @@
  * Conventions, the same for all functions:
  * - No function writes to a stream, ends the process or lets an exception out.
  * - A function that can fail returns a DictionaryCode, or a pointer that is null, and fills an
- * error record. The record may be null. It is filled on success, too, with DICTIONARY_OK.
+ *   error record. The record may be null. It is filled on success, too, with DICTIONARY_OK.
  * - Texts and keys are UTF-8, given with their size; they need no NUL and may have any. Paths are
  *   NUL-terminated. Sizes and offsets are in bytes unless a unit is named; lines, columns, items
- * and fields are counted from 1.
+ *   and fields are counted from 1.
  * - A struct that begins with `size` is to be zeroed and given its own sizeof there, so that later
  *   versions can add members. Any other size is DICTIONARY_BAD_ARGUMENT. Where such a struct is an
- *   argument, null stands for one with all else zero.
+ *   argument, null means one with all else zero.
  * - Handles, segmenters and key numbers may be used by any number of threads at once. Making one,
  *   and everything that is not const, belongs to one thread at a time.
  */
@@ -43,7 +43,7 @@
 extern "C" {
 #endif
 
-/* Some bytes. They belong to whoever the function says, and have no NUL at the end. */
+/* Some bytes. The function says to whom they belong. They have no NUL at the end. */
 typedef struct DictionaryText {
     const char* bytes; /* may be null when `size` is 0 */
     size_t size;
@@ -363,8 +363,8 @@ DICTIONARY_EXPORT int dictionaryContainsKey(const DictionaryHandle* handle,
                                             DictionaryText text, bool* contains,
                                             DictionaryError* error);
 
-/* The matches of many texts as arrays that stand side by side, one entry per match, for hosts to
- * whom a record per match is too much. Zero it first, free it at last. */
+/* The matches of many texts as arrays of equal length, one entry per match, for hosts for which a
+ * record per match is too much. Zero it first, free it at last. */
 typedef struct DictionaryColumns {
     uint32_t* text;       /* number of the text, from 0 */
     uint32_t* start;      /* in the unit */

@@ -187,7 +187,7 @@ struct Match {
           isKey(match.data.bytes != nullptr) {}
 };
 
-// The matches of many texts as arrays that stand side by side; see DictionaryColumns. Can be moved,
+// The matches of many texts as arrays of equal length; see DictionaryColumns. Can be moved,
 // but not copied.
 class Columns {
 public:

@@ -1,5 +1,5 @@
-/* The version of these headers, for the preprocessor. The library that runs tells its own through
- * dictionaryVersion() of Dictionary.h; a host may compare the two. The build takes the version of
+/* The version of these headers, for the preprocessor. dictionaryVersion() of Dictionary.h returns
+ * that of the library that runs; a host may compare the two. The build takes the version of
  * the whole project from here.
  */
 

@@ -46,7 +46,7 @@ public:
     CDictionayApp& operator=(const CDictionayApp&) = delete;
 
     // Builds the trie from the text file `fileName`: records end with `recordSeparator`, and
-    // their fields, of which the first is the key, are set apart by `fieldSeparator`, both in the
+    // their fields, of which the first is the key, are separated by `fieldSeparator`, both in the
     // notation of getEscapeSeparator. A key's data text is every further field followed by a tab;
     // data of a repeated key is joined with ";". The key written as a backslash and an n stands
     // for the newline character.

@@ -18,11 +18,11 @@
 extern "C" {
 #endif
 
-/* Builds the image file `binaryFileName` from the text source `sourceFileName`: a record a line,
- * key and data fields set apart by tabs, the last line ended like the others. Progress goes to
- * standard output, a line a record to standard error. Ends the process with status 1, after a
- * message on standard output, when the source cannot be opened or its name is null. A line without
- * a tab stops the build; the image written then holds no key and has 12 bytes. */
+/* Builds the image file `binaryFileName` from the text source `sourceFileName`: one line per
+ * record, key and data fields separated by tabs, the last line ended like the others. Progress goes
+ * to standard output, one line per record to standard error. Ends the process with status 1, after
+ * a message on standard output, when the source cannot be opened or its name is null. A line
+ * without a tab stops the build; the image written then holds no key and has 12 bytes. */
 DICTIONARY_EXPORT void buildTree(const char* sourceFileName, const char* binaryFileName);
 
 /* Maps the image file `fileName` and returns a handle to it, never null. When the file cannot be

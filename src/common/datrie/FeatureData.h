@@ -1,5 +1,5 @@
 // Feature records: the data of a key as a length-prefixed byte string, and the area that holds
-// such records one behind the other, addressed by byte offset.
+// such records one after the other, addressed by byte offset.
 
 #ifndef DICTIONARY_FEATURE_DATA_H
 #define DICTIONARY_FEATURE_DATA_H

@@ -17,7 +17,7 @@ namespace Dictionary {
 
 // ---- Separator notation
 
-// Turns a separator in its written form into the bytes it stands for: a backslash with three
+// Turns a separator in its written form into the bytes it means: a backslash with three
 // decimal digits, and a backslash with "u" and four decimal digits, each become the one byte of
 // that value modulo 256. The digits are decimal: "\009" is a tab, "\010" a newline. Everything
 // else, other backslashes included, comes through unchanged. The result may hold zero bytes.
@@ -32,7 +32,7 @@ DICTIONARY_EXPORT std::string getEscapeSeparator(std::string separator);
 DICTIONARY_EXPORT int SplitStr(const std::string& text, char separator,
                                std::vector<std::string>& pieces);
 
-// Collects what stands between an `open` and the first `close` after it; pairs do not nest. Text
+// Collects what is between an `open` and the first `close` after it; pairs do not nest. Text
 // outside the pairs is ignored, and so is everything from an `open` that is never closed.
 DICTIONARY_EXPORT int SplitStr(const std::string& text, char open, char close,
                                std::vector<std::string>& pieces);
@@ -70,7 +70,7 @@ DICTIONARY_EXPORT unsigned long GBKSubStr(std::string& text, unsigned long maxLe
 
 // The decimal number that `text` begins with, after white space and a sign if there are any; 0
 // without digits. What follows the number is ignored. A number too large or too small for a long
-// gives the nearest long; Str2Int keeps the low 32 bits of what Str2Long gives.
+// returns the nearest long; Str2Int keeps the low 32 bits of what Str2Long returns.
 DICTIONARY_EXPORT int Str2Int(std::string text);
 DICTIONARY_EXPORT long Str2Long(std::string text);
 
@@ -97,9 +97,9 @@ DICTIONARY_EXPORT int wildcard(const char* pattern, const char* text);
 // is 1 when "from " comes first. Keywords are found in lower case only, anywhere in the statement
 // up to its first zero byte.
 //
-// A statement with "delete ", "truncate " or "update " gives 0 and says so on standard output; one
-// without "from " or "select" gives -1 and says so on standard error. An empty statement gives -1
-// without a word.
+// A statement with "delete ", "truncate " or "update " returns 0 and says so on standard output;
+// one without "from " or "select" returns -1 and says so on standard error. An empty statement
+// returns -1 without a word.
 DICTIONARY_EXPORT int GetItemNumFromSQL(std::string statement);
 
 // Reads year, month, day, hour, minute and second from the first six numbers of `timeText`, which
@@ -116,7 +116,7 @@ DICTIONARY_EXPORT bool Str2TimeStruct(const std::string& timeText, std::tm* time
 DICTIONARY_EXPORT std::time_t Str2Seconds(const std::string& timeText);
 
 // The same, less the zone's standard offset from UTC, so that the reading counts as UTC; within
-// daylight saving time it stays off by the saving. 0 when Str2Seconds gives less than 1.
+// daylight saving time it stays off by the saving. 0 when Str2Seconds returns less than 1.
 DICTIONARY_EXPORT std::time_t Str2SecondsSimple(const std::string& timeText);
 
 // Sets `files` to the entries of the directory `path`, each as the path, "/" and the name, in the
