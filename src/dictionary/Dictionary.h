@@ -296,7 +296,7 @@ enum DictionaryUnit {
     DICTIONARY_UNIT_UTF16 = 2       /* 16-bit units of UTF-16: two for a character above U+FFFF */
 };
 
-typedef struct DictionarySegmenter DictionarySegmenter;
+typedef struct DictionarySegmenter DictionarySegmenter; /* weights of keys */
 
 /* How a text is searched. */
 typedef struct DictionaryFindOptions {
@@ -346,7 +346,7 @@ DICTIONARY_EXPORT int dictionaryFindInTexts(const DictionaryHandle* handle,
                                             DictionaryMatches* matches, size_t* ends,
                                             DictionaryError* error);
 
-DICTIONARY_EXPORT void dictionaryFreeMatches(DictionaryMatches* matches);
+DICTIONARY_EXPORT void dictionaryFreeMatches(DictionaryMatches* matches); /* may be null */
 
 /* Calls `visit` for the matches of `text`, by start, until it returns false, and returns
  * DICTIONARY_STOPPED then. Stopped early, no more of the text is searched than has to be. The match
@@ -374,13 +374,13 @@ typedef struct DictionaryColumns {
     size_t count;
     size_t capacity;
 } DictionaryColumns;
-
+/* As dictionaryFindInTexts, but in columns, which are empty after an error. */
 DICTIONARY_EXPORT int dictionaryFindColumns(const DictionaryHandle* handle,
                                             const DictionaryFindOptions* options,
                                             const DictionaryText* texts, size_t count,
                                             DictionaryColumns* columns, DictionaryError* error);
 
-DICTIONARY_EXPORT void dictionaryFreeColumns(DictionaryColumns* columns);
+DICTIONARY_EXPORT void dictionaryFreeColumns(DictionaryColumns* columns); /* may be null */
 
 /* Whether the first character of `text` belongs to words of scripts that are written with blanks: a
  * letter, a mark or a digit; see docs/words.md. */
@@ -416,7 +416,7 @@ DICTIONARY_EXPORT DictionarySegmenter* dictionaryMakeSegmenter(
     const DictionaryHandle* handle, const DictionarySegmenterOptions* options,
     DictionaryError* error);
 
-DICTIONARY_EXPORT void dictionaryFreeSegmenter(DictionarySegmenter* segmenter);
+DICTIONARY_EXPORT void dictionaryFreeSegmenter(DictionarySegmenter* segmenter); /* may be null */
 
 /* ---- Replacement ---- */
 
@@ -455,7 +455,7 @@ DICTIONARY_EXPORT int dictionaryReplaceKeys(const DictionaryHandle* handle,
                                             DictionaryText text, DictionaryReplacement* result,
                                             DictionaryError* error);
 
-DICTIONARY_EXPORT void dictionaryFreeReplacement(DictionaryReplacement* result);
+DICTIONARY_EXPORT void dictionaryFreeReplacement(DictionaryReplacement* result); /* may be null */
 
 /* ---- Building ---- */
 
@@ -487,7 +487,7 @@ typedef struct DictionaryTarget {
     DictionaryImageBuffer* buffer; /* whatever it holds is overwritten; empty after an error */
 } DictionaryTarget;
 
-DICTIONARY_EXPORT void dictionaryFreeBuffer(DictionaryImageBuffer* buffer);
+DICTIONARY_EXPORT void dictionaryFreeBuffer(DictionaryImageBuffer* buffer); /* may be null */
 
 /* What a build is at; the stages come in this order. */
 enum DictionaryBuildStage {

@@ -48,8 +48,8 @@ public:
     // Builds the trie from the text file `fileName`: records end with `recordSeparator`, and
     // their fields, of which the first is the key, are separated by `fieldSeparator`, both in the
     // notation of getEscapeSeparator. A key's data text is every further field followed by a tab;
-    // data of a repeated key is joined with ";". The key written as a backslash and an n stands
-    // for the newline character.
+    // data of a repeated key is joined with ";". The key written as a backslash and an n is
+    // the newline character.
     //
     // Writes one line for each record to standard error, before it waits for more of the source,
     // and "Build OK" at the end, and the progress line to standard

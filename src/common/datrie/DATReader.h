@@ -54,7 +54,7 @@ public:
     // ascending. With `fromFirstOnly`, only keys that begin at the first character that can begin
     // one. A key right before a character outside the alphabet is not reported. In reverse mode
     // all of `matches`, with what it held before, is turned round at the end, so that records
-    // stand by end ascending, longest first.
+    // are ordered by end, ascending, the longest first.
     void allMatch(const char* text, std::vector<SPOS>& matches, bool fromFirstOnly, int length);
 
     // Appends one list for every byte position of `text` (of its first `length` bytes as above;

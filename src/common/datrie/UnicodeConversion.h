@@ -28,7 +28,7 @@ typedef enum ConversionResult {
     sourceIllegal = 3    /* the source holds an illegal sequence or value */
 } ConversionResult;
 
-/* What to do with surrogates that stand alone and with values above U+10FFFF. */
+/* What to do with unpaired surrogates and with values above U+10FFFF. */
 typedef enum ConversionFlags {
     strictConversion = 0, /* refuse them */
     lenientConversion = 1 /* pass them on or replace them by U+FFFD, as each function says */
