@@ -35,6 +35,7 @@ public:
         *this = other;
     }
     CDATReader& operator=(const CDATReader& other) {
+        if (this == &other) return *this;
         m_coder = other.m_coder;
         m_image = other.m_image;
         m_reverse = other.m_reverse;
