@@ -174,7 +174,7 @@ bool ImageCheck::reservedCellsAreRight() {
         const bool isRoot = cell.check == kRootCheck && index < m_alphabetSize;
         const bool isRight = isFree(cell) ? isBlank(cell) : isRoot && isFilled(cell);
         if (!isRight) return refuseCell(index);
-        m_hasHalves |= isSurrogate(index) & !isFree(cell);
+        m_hasHalves |= isSurrogate(index) && !isFree(cell);
     }
     return true;
 }
@@ -191,7 +191,7 @@ bool ImageCheck::otherCellsAreRight() {
         const std::int64_t label = distance(index, parent);
         const bool isChild = isLabel(label) && !isFree(parent);
         if (!(isFree(cell) ? isBlank(cell) : isChild && isFilled(cell))) return refuseCell(index);
-        m_hasHalves |= isSurrogate(label) & !isFree(cell);
+        m_hasHalves |= isSurrogate(label) && !isFree(cell);
         // In a circle of parents, the two above its lowest cell do not lie below that.
         const bool mayBeLowest = (cell.check >= index) & (parent.check >= index);
         if (mayBeLowest && !wayUpEnds(index)) return false;
