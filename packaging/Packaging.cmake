@@ -28,11 +28,11 @@ macro(describe_package component name section description)
     set(CPACK_COMPONENT_${component}_DEPENDS ${ARGN})
 endmacro()
 
-set(about "It turns a text dictionary (one line per record: a key, then its data, separated
-by tabs) into a compact binary image, maps the image back read-only and finds
-in a UTF-8 text every key with its position and data, one key exactly, or the
-longest words one after the other. Any number of threads and processes can
-search one image.
+set(about "It turns a text dictionary (one line per record: a key, then its data,
+separated by tabs) into a compact binary image, maps the image back
+read-only and finds in a UTF-8 text every key with its position and data,
+one key exactly, or the longest words one after the other. Any number of
+threads and processes can search one image.
 ")
 describe_package(RUNTIME libdictionary${PROJECT_VERSION_MAJOR} libs
     "library of double-array trie dictionaries - shared library
