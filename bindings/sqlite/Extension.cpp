@@ -1,4 +1,4 @@
-// The entry point of the extension: `.load mod_dictionary` in the sqlite3 shell.
+// The entry point of the extension: `.load .../mod_dictionary` in the sqlite3 shell.
 
 #include <sqlite3ext.h>
 
