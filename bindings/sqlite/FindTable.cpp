@@ -2,13 +2,13 @@
 
 #include <Dictionary.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <new>
 #include <string>
 #include <string_view>
 
+#include "Characters.h"
 #include "Error.h"
 #include "Value.h"
 #include "Words.h"
@@ -26,12 +26,6 @@ constexpr int kFirstArgument = kPath;
 constexpr int kArguments = kColumns - kFirstArgument;
 constexpr int kNeededArguments = 2;
 
-std::int64_t charactersIn(std::string_view text) {
-    return std::count_if(text.begin(), text.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0u) != 0x80u;
-    });
-}
-
 class Cursor : public sqlite3_vtab_cursor {
 public:
     Cursor() : sqlite3_vtab_cursor() {}
@@ -46,7 +40,7 @@ public:
                                                 : DICTIONARY_FIND_LONGEST;
         m_text = textOf(arguments[1]);
         m_words = Words::open(options);
-        m_words->find(m_text, options.mode, DICTIONARY_UNIT_BYTE, m_matches);
+        m_words->find(m_text, options.mode, m_matches);
         passTo();
     }
 

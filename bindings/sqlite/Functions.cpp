@@ -29,37 +29,37 @@ const Words& openOnce(sqlite3_context* context, sqlite3_value** arguments, Opene
     return *opened;
 }
 
-void fail(sqlite3_context* context, const Error& error) {
-    sqlite3_result_error(context, error.what(), -1);
+// Runs `work`, which sets the result. Nothing may be thrown through SQLite.
+template <class Work>
+void answer(sqlite3_context* context, Work work) {
+    try {
+        work();
+    } catch (const Error& error) {
+        sqlite3_result_error(context, error.what(), -1);
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    }
 }
 
 // The data text of a key, or NULL for what is no key.
 void lookup(sqlite3_context* context, int, sqlite3_value** arguments) {
-    try {
+    answer(context, [&] {
         Opened opened;
         const Words& words = openOnce(context, arguments, opened);
         const std::string key = textOf(arguments[1]);
         DictionaryText data = {nullptr, 0};
         if (!dictionaryLookupKey(words.handle(), {key.data(), key.size()}, &data)) return;
         sqlite3_result_text64(context, data.bytes, data.size, SQLITE_TRANSIENT, SQLITE_UTF8);
-    } catch (const Error& error) {
-        fail(context, error);
-    } catch (const std::bad_alloc&) {
-        sqlite3_result_error_nomem(context);
-    }
+    });
 }
 
 // "ok", or an error that says what is wrong with the image.
 void verify(sqlite3_context* context, int, sqlite3_value** arguments) {
-    try {
+    answer(context, [&] {
         DictionaryError error;
         check(dictionaryVerifyImage(textOf(arguments[0]).c_str(), &error), error);
         sqlite3_result_text(context, "ok", -1, SQLITE_STATIC);
-    } catch (const Error& error) {
-        fail(context, error);
-    } catch (const std::bad_alloc&) {
-        sqlite3_result_error_nomem(context);
-    }
+    });
 }
 
 }  // namespace

@@ -3,19 +3,14 @@
 #include <algorithm>
 #include <string>
 
+#include "Characters.h"
+
 namespace dictionary_sqlite {
 
 namespace {
 
 bool wordsOverlap(int mode) {
     return mode == DICTIONARY_FIND_ALL || mode == DICTIONARY_FIND_LONGEST;
-}
-
-std::size_t endOfCharacter(std::string_view text, std::size_t place) {
-    do {
-        ++place;
-    } while (place < text.size() && (static_cast<unsigned char>(text[place]) & 0xC0u) == 0x80u);
-    return place;
 }
 
 }  // namespace
@@ -37,7 +32,7 @@ void Tokens::cut(std::string_view text, int reason, int mode) {
     m_text = text;
     m_tokens.clear();
     m_textUnits = m_units.of(text, reason);
-    m_words->find(text, mode, DICTIONARY_UNIT_BYTE, m_matches);
+    m_words->find(text, mode, m_matches);
     addUnitsOfSymbols();
     placeWords();
 }

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "Characters.h"
+
 namespace dictionary_sqlite {
 
 namespace {
@@ -18,11 +20,7 @@ struct Character {
 // The character at `place` of a stretch that unicode61 took for a word, which is legal UTF-8 but
 // for what it passed over.
 Character characterAt(std::string_view text, std::size_t place) {
-    const auto isContinuation = [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
-    };
-    std::size_t end = place + 1;
-    while (end < text.size() && isContinuation(text[end])) ++end;
+    const std::size_t end = endOfCharacter(text, place);
     return {end, dictionaryIsWordCharacter({text.data() + place, end - place})};
 }
 

@@ -71,11 +71,10 @@ std::shared_ptr<const Words> Words::open(const WordsOptions& options) {
     return words;
 }
 
-void Words::find(std::string_view text, int mode, int unit, Matches& matches) const {
+void Words::find(std::string_view text, int mode, Matches& matches) const {
     DictionaryFindOptions options = {};
     options.size = sizeof options;
     options.mode = mode;
-    options.unit = unit;
     options.wholeWords = true;
     if (mode == DICTIONARY_FIND_WEIGHTED) options.segmenter = m_segmenter;
     DictionaryError error;

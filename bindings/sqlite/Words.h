@@ -55,9 +55,9 @@ public:
     const DictionaryHandle* handle() const { return m_handle; }
     int mode() const { return m_mode; }
 
-    // Fills `matches` with what `mode` finds in `text`, in a DictionaryUnit. Words of scripts that
-    // are written with blanks are found whole. Throws an Error.
-    void find(std::string_view text, int mode, int unit, Matches& matches) const;
+    // Fills `matches` with what `mode` finds in `text`, in bytes. Words of scripts that are written
+    // with blanks are found whole. Throws an Error.
+    void find(std::string_view text, int mode, Matches& matches) const;
 
 private:
     // Takes over the handle.

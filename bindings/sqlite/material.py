@@ -1,26 +1,33 @@
 """A dictionary and a text of Chinese and Japanese from Debian packages: python3-jieba, edict,
 manpages-zh and manpages-ja."""
 
-import glob
-import gzip
+import importlib.machinery
+import importlib.util
 import itertools
 import os
-import re
 import subprocess
 
-CHINESE_WORDS = "/usr/lib/python3/dist-packages/jieba/dict.txt"
 JAPANESE_WORDS = "/usr/share/edict/edict"
-PAGES = ("/usr/share/man/zh_CN/man*/*.gz", "/usr/share/man/ja/man*/*.gz")
+PAGES = (("manpages-zh", "/man/zh_CN/"), ("manpages-ja", "/man/ja/"))
 LINES_OF_EACH = 30_000
-MARKUP = re.compile(r"\\f(\(..|\[.*?\]|.)|\\\(..|\\\[.*?\]|\\s[-+]?\d|\\[&|^/,%:]")
+
+
+def load_data():
+    """The program that makes the benchmarks' data, as a module."""
+    path = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../bench/data")
+    loader = importlib.machinery.SourceFileLoader("bench_data", path)
+    module = importlib.util.module_from_spec(importlib.util.spec_from_loader("bench_data", loader))
+    loader.exec_module(module)
+    return module
+
+
+data = load_data()
 
 
 def words():
     """Pairs of a word and its fields; the first field is a count."""
-    with open(CHINESE_WORDS, encoding="utf-8") as lines:
-        for line in lines:
-            word, count, kind = line.rstrip("\n").rsplit(" ", 2)
-            yield word, (count, kind)
+    for word, *fields in data.chinese():
+        yield word, tuple(fields)
     with open(JAPANESE_WORDS, encoding="euc-jp", errors="ignore") as lines:
         for line in itertools.islice(lines, 1, None):
             yield line.split(" ", 1)[0], ("3", "ja")
@@ -35,16 +42,12 @@ def build(dictool, folder):
     return image
 
 
-def lines_of(pattern):
-    for path in sorted(glob.glob(pattern)):
-        with gzip.open(path, "rt", encoding="utf-8", errors="ignore") as page:
-            for line in page:
-                line = " ".join(MARKUP.sub("", line).split())
-                if line and not line.startswith((".", "'")):
-                    yield line
+def lines_of(package, folder):
+    for page in data.manual_pages(package, folder):
+        yield from filter(None, (" ".join(line.split()) for line in page.split("\n")))
 
 
 def lines():
     """Lines of prose, Chinese ones first."""
-    return [line for pattern in PAGES
-            for line in itertools.islice(lines_of(pattern), LINES_OF_EACH)]
+    return [line for pages in PAGES
+            for line in itertools.islice(lines_of(*pages), LINES_OF_EACH)]

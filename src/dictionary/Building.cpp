@@ -11,6 +11,7 @@
 #include "Errors.h"
 #include "ImageBuild.h"
 #include "ImageTarget.h"
+#include "ReadStruct.h"
 #include "SourceItems.h"
 #include "SourceText.h"
 #include "SystemFailure.h"
@@ -18,16 +19,6 @@
 namespace Dictionary {
 
 namespace {
-
-// The struct that was given, or an empty one.
-template <class Struct>
-Struct readStruct(const Struct* given, const char* wrongSize) {
-    Struct read = {};
-    read.size = sizeof read;
-    if (given != nullptr) read = *given;
-    requireArgument(read.size == sizeof read, wrongSize);
-    return read;
-}
 
 // What is built, from where, and how.
 struct BuildRequest {

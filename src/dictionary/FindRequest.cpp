@@ -6,6 +6,7 @@
 
 #include "Errors.h"
 #include "Handle.h"
+#include "ReadStruct.h"
 #include "Segmenter.h"
 
 namespace Dictionary {
@@ -32,7 +33,6 @@ void requireRight(const DictionaryHandle& handle, const DictionaryFindOptions& o
         bool isRight;
         const char* otherwise;
     } rules[] = {
-        {options.size == sizeof options, "the options' size is not sizeof(DictionaryFindOptions)"},
         {isMode(options.mode), "the mode is none of DictionaryFindMode"},
         {isUnit(options.unit), "the unit is none of DictionaryUnit"},
         {weighted == (options.segmenter != nullptr),
@@ -57,9 +57,8 @@ void requireRight(const DictionaryHandle& handle, const DictionaryFindOptions& o
 DictionaryFindOptions readFindOptions(const DictionaryHandle* handle,
                                       const DictionaryFindOptions* options) {
     requireArgument(handle != nullptr, "the handle is null");
-    DictionaryFindOptions read = {};
-    read.size = sizeof read;
-    if (options != nullptr) read = *options;
+    const DictionaryFindOptions read =
+        readStruct(options, "the options' size is not sizeof(DictionaryFindOptions)");
     requireRight(*handle, read);
     return read;
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "DataText.h"
 #include "Dictionary.h"
 #include "Errors.h"
 #include "Handle.h"
@@ -15,7 +16,6 @@ namespace Dictionary {
 
 namespace {
 
-constexpr DictionaryText kNoText = {nullptr, 0};
 constexpr char kFieldEnd = '\t';
 constexpr char kRecordMark = ';';
 
@@ -35,11 +35,6 @@ DictionaryDescription describe(const DictionaryHandle& handle) {
 
 const OpenImage* imageOf(const DictionaryHandle* handle, std::uint32_t number) {
     return handle == nullptr ? nullptr : handle->imageAt(number);
-}
-
-// A data text, empty or not, is never null.
-DictionaryText dataText(std::string_view data) {
-    return {data.empty() ? "" : data.data(), data.size()};
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "DataText.h"
 #include "Dictionary.h"
 #include "Errors.h"
 #include "Folding.h"
@@ -71,12 +72,12 @@ bool DictionaryCursor::next(DictionaryKey& key) {
         if (least == nullptr || source.cursor.text() <= least->cursor.text()) least = &source;
     }
     if (least == nullptr) return false;
-    const std::string_view text = least->cursor.text(), data = least->cursor.data();
+    const std::string_view text = least->cursor.text();
     for (Source& source : sources) {
         source.mustMove = &source == least || (source.hasKey && source.cursor.text() == text);
     }
     key.text = {text.data(), text.size()};
-    key.data = {data.empty() ? "" : data.data(), data.size()};
+    key.data = Dictionary::dataText(least->cursor.data());
     key.image = static_cast<uint32_t>(least - sources.data());
     return true;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "DataText.h"
 #include "Utf8Text.h"
 
 namespace Dictionary {
@@ -117,8 +118,7 @@ void ManyLookups::found(const Walk& walk) {
 }
 
 void ManyLookups::deliver(const Found& found) {
-    const std::string_view text = m_image.featureText(found.feature);
-    m_data[found.key] = {text.empty() ? "" : text.data(), text.size()};
+    m_data[found.key] = dataText(m_image.featureText(found.feature));
 }
 
 }  // namespace

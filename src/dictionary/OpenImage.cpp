@@ -68,13 +68,9 @@ bool OpenImage::isRecord(std::uint32_t offset) const {
 }
 
 void OpenImage::findRecords() const {
-    const auto size = static_cast<std::size_t>(featureBytes());
-    const char* const area = m_bytes.view().data() + cellBytesOf(m_header);
-    std::vector<bool> isRecord(size);
-    for (std::size_t offset = 0; offset < size;) {
-        isRecord[offset] = true;
-        offset += kRecordLengthBytes + static_cast<std::size_t>(recordLengthAt(area + offset));
-    }
+    const std::string_view area = m_view.featureArea();
+    std::vector<bool> isRecord(area.size());
+    forEachRecord(area, [&](std::size_t offset, std::size_t) { isRecord[offset] = true; });
     m_isRecord.swap(isRecord);
 }
 

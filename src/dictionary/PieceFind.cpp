@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "CheapestPath.h"
+#include "DataText.h"
 #include "LabelText.h"
 #include "Segmenter.h"
 #include "TextKeys.h"
@@ -34,8 +35,7 @@ public:
                  std::int32_t feature) {
         if (!takeUnknown(start)) return false;
         m_end = end;
-        const std::string_view data = image.featureText(feature);
-        return take(start, end, {data.empty() ? "" : data.data(), data.size()},
+        return take(start, end, dataText(image.featureText(feature)),
                     static_cast<std::uint32_t>(feature), number);
     }
 
@@ -45,7 +45,7 @@ public:
         while (m_end < end) {
             const std::size_t start = m_end;
             passUnknown(end);
-            if (!take(start, m_end, {nullptr, 0}, kNoData, 0)) return false;
+            if (!take(start, m_end, kNoText, kNoData, 0)) return false;
         }
         return true;
     }

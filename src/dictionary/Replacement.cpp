@@ -16,6 +16,7 @@
 #include "Handle.h"
 #include "LabelText.h"
 #include "MatchList.h"
+#include "ReadStruct.h"
 #include "TextFind.h"
 #include "TextUnits.h"
 
@@ -123,11 +124,8 @@ private:
 };
 
 DictionaryReplaceOptions readReplaceOptions(const DictionaryReplaceOptions* options) {
-    DictionaryReplaceOptions read = {};
-    read.size = sizeof read;
-    if (options != nullptr) read = *options;
-    requireArgument(read.size == sizeof read,
-                    "the options' size is not sizeof(DictionaryReplaceOptions)");
+    const DictionaryReplaceOptions read =
+        readStruct(options, "the options' size is not sizeof(DictionaryReplaceOptions)");
     requireArgument(read.alternatives == nullptr || *read.alternatives != '\0',
                     "what separates alternatives is empty");
     return read;
@@ -150,14 +148,15 @@ void replaceKeys(const DictionaryHandle* handle, const DictionaryFindOptions* fi
                  DictionaryReplacement& result) {
     DictionaryFindOptions find = readSegmentation(handle, findOptions);
     const DictionaryReplaceOptions read = readReplaceOptions(options);
-    Replacer replacer(readText(text), find.unit, read, result);
+    const std::string_view searched = readText(text);
+    Replacer replacer(searched, find.unit, read, result);
     find.unit = DICTIONARY_UNIT_BYTE;
     find.unknownPieces = false;
     const auto replace = [](void* context, const DictionaryMatch* key) {
         static_cast<Replacer*>(context)->replace(*key);
         return true;
     };
-    visitMatches({*handle, find, readText(text)}, {replace, &replacer});
+    visitMatches({*handle, find, searched}, {replace, &replacer});
     replacer.finish();
 }
 

@@ -19,6 +19,7 @@
 #include "EscapedLine.h"
 #include "Handle.h"
 #include "KeyLabels.h"
+#include "ReadStruct.h"
 #include "Walk.h"
 
 namespace Dictionary {
@@ -218,11 +219,8 @@ WeightedImages weigh(const DictionaryHandle& handle, const DictionarySegmenterOp
 }
 
 DictionarySegmenterOptions readOptions(const DictionarySegmenterOptions* options) {
-    DictionarySegmenterOptions read = {};
-    read.size = sizeof read;
-    if (options != nullptr) read = *options;
-    requireArgument(read.size == sizeof read,
-                    "the options' size is not sizeof(DictionarySegmenterOptions)");
+    const DictionarySegmenterOptions read =
+        readStruct(options, "the options' size is not sizeof(DictionarySegmenterOptions)");
     requireArgument(
         read.weights == DICTIONARY_WEIGHTS_COUNTS || read.weights == DICTIONARY_WEIGHTS_COSTS,
         "the weights are none of DictionaryWeights");

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "DataText.h"
 #include "EncodedText.h"
 #include "KeyScan.h"
 #include "PieceFind.h"
@@ -19,12 +20,9 @@ namespace {
 // ---- What becomes of a match, or of a key and the stretch of the text where it is ----
 
 DictionaryMatch matchOf(const Images& images, const Stretch& stretch, const KeyAt& key) {
-    const std::string_view data = images[key.image]->view().featureText(key.feature);
-    return {stretch.start,
-            stretch.length,
-            {data.empty() ? "" : data.data(), data.size()},
-            static_cast<std::uint32_t>(key.feature),
-            key.image};
+    return {stretch.start, stretch.length,
+            dataText(images[key.image]->view().featureText(key.feature)),
+            static_cast<std::uint32_t>(key.feature), key.image};
 }
 
 struct ToList {

@@ -12,16 +12,6 @@
 
 namespace Dictionary {
 
-// Calls `use(offset, bytes)` for every record of a sound feature area, with its size.
-template <class Use>
-void forEachRecord(std::string_view area, Use use) {
-    for (std::size_t offset = 0, bytes; offset < area.size(); offset += bytes) {
-        const RecordLength length = recordLengthAt(area.data() + offset);
-        bytes = kRecordLengthBytes + static_cast<std::size_t>(length);
-        use(offset, bytes);
-    }
-}
-
 // Numbers the records of a feature area from 0, in their order. Takes two bits per slot, which is
 // the largest power of two of bytes that no record is smaller than.
 class RecordNumbers {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
+#include "DataText.h"
 #include "Dictionary.h"
 #include "Handle.h"
 #include "KeyScan.h"
@@ -17,16 +17,12 @@ namespace Dictionary {
 
 namespace {
 
-constexpr DictionaryText kNoData = {nullptr, 0};
-
 // The key's data text; null when it is no key.
 template <class Text>
 DictionaryText lookUpText(const OpenImage& image, const Text& key) {
-    DictionaryText data = kNoData;
-    lookUp(image.view().cells(), key, kAlphabet, [&](std::int32_t feature) {
-        const std::string_view text = image.view().featureText(feature);
-        data = {text.empty() ? "" : text.data(), text.size()};
-    });
+    DictionaryText data = kNoText;
+    lookUp(image.view().cells(), key, kAlphabet,
+           [&](std::int32_t feature) { data = dataText(image.view().featureText(feature)); });
     return data;
 }
 
@@ -41,7 +37,7 @@ DictionaryText lookUpKey(const Images& images, DictionaryText key) {
         const DictionaryText data = lookUpKey(**image, key);
         if (data.bytes != nullptr) return data;
     }
-    return kNoData;
+    return kNoText;
 }
 
 // Looks up the keys that have no data yet; returns how many there are.
@@ -59,7 +55,7 @@ std::size_t lookUpInTurn(const OpenImage& image, const DictionaryText* keys, std
 // The same for many. What the last image has not is looked up in the one before it.
 std::size_t lookUpKeys(const Images& images, const DictionaryText* keys, std::size_t count,
                        DictionaryText* data) {
-    std::fill_n(data, count, kNoData);
+    std::fill_n(data, count, kNoText);
     std::size_t found = 0;
     for (auto image = images.rbegin(); image != images.rend(); ++image) {
         found += (*image)->isFolded() ? lookUpInTurn(**image, keys, count, data)
@@ -85,7 +81,7 @@ std::size_t countKeys(const Images& images, const DictionaryText* keys, std::siz
 
 bool dictionaryLookupKey(const DictionaryHandle* handle, DictionaryText key, DictionaryText* data) {
     const DictionaryText found = handle == nullptr || key.bytes == nullptr
-                                     ? Dictionary::kNoData
+                                     ? Dictionary::kNoText
                                      : Dictionary::lookUpKey(handle->images, key);
     if (data != nullptr) *data = found;
     return found.bytes != nullptr;
@@ -94,7 +90,7 @@ bool dictionaryLookupKey(const DictionaryHandle* handle, DictionaryText key, Dic
 size_t dictionaryLookupKeys(const DictionaryHandle* handle, const DictionaryText* keys,
                             size_t count, DictionaryText* data) {
     if (handle == nullptr || keys == nullptr) {
-        if (data != nullptr) std::fill_n(data, count, Dictionary::kNoData);
+        if (data != nullptr) std::fill_n(data, count, Dictionary::kNoText);
         return 0;
     }
     if (data == nullptr) return Dictionary::countKeys(handle->images, keys, count);

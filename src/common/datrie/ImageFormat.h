@@ -152,6 +152,16 @@ inline RecordLength recordLengthAt(const char* record) {
     return length;
 }
 
+// Calls `use(offset, bytes)` for every record of a sound feature area, with its size.
+template <class Use>
+void forEachRecord(std::string_view area, Use use) {
+    for (std::size_t offset = 0, bytes; offset < area.size(); offset += bytes) {
+        const RecordLength length = recordLengthAt(area.data() + offset);
+        bytes = kRecordLengthBytes + static_cast<std::size_t>(length);
+        use(offset, bytes);
+    }
+}
+
 // The text of the record at byte `offset` of a feature area, up to its first NUL; empty for a
 // negative offset. Valid as long as the area.
 inline std::string_view featureTextAt(const char* area, std::int32_t offset) {

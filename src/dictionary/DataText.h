@@ -1,0 +1,22 @@
+// Helper, not installed: the form in which Dictionary.h hands out data texts.
+
+#ifndef DICTIONARY_DATA_TEXT_H
+#define DICTIONARY_DATA_TEXT_H
+
+#include <string_view>
+
+#include "Dictionary.h"
+
+namespace Dictionary {
+
+// Of what is no key.
+constexpr DictionaryText kNoText = {nullptr, 0};
+
+// A data text, empty or not, is never null.
+inline DictionaryText dataText(std::string_view data) {
+    return {data.empty() ? "" : data.data(), data.size()};
+}
+
+}  // namespace Dictionary
+
+#endif
