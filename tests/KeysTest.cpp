@@ -1,6 +1,7 @@
 // Lists of keys and lookups of many, against std::map.
 
 #include <algorithm>
+#include <optional>
 #include <random>
 #include <thread>
 #include <tuple>
@@ -40,23 +41,41 @@ Listed listed(DictionaryCursor* cursor) {
 
 const Texts kIllegal = {"\xED\xA0\x80", "\xED\xA0\x80\xED\xB0\x80", "\xEF", "a\xEF"};
 
+bool isLegal(const std::string& text) {
+    return std::count(kIllegal.begin(), kIllegal.end(), text) == 0;
+}
+
 // Several images by their numbers; the last with a key wins. No key begins with illegal UTF-8.
-Listed expected(const std::vector<Words>& images, const std::string& prefix) {
+Listed expected(const std::vector<Source>& images, const std::string& prefix) {
     std::map<std::string, std::pair<std::string, std::uint32_t>> all;
     for (std::uint32_t image = 0; image < images.size(); ++image) {
-        for (const auto& [key, data] : images[image]) all[key] = {data + '\t', image};
+        const std::string begin = images[image].key(prefix);
+        for (const auto& [key, data] : images[image].content()) {
+            const bool begins = isLegal(prefix) && key.compare(0, begin.size(), begin) == 0;
+            if (begins) all[key] = {data, image};
+        }
     }
     Listed keys;
-    for (const auto& [key, found] : all) {
-        if (key.compare(0, prefix.size(), prefix) != 0) continue;
-        if (std::count(kIllegal.begin(), kIllegal.end(), prefix) != 0) continue;
-        keys.emplace_back(key, found.first, found.second);
-    }
+    for (const auto& [key, found] : all) keys.emplace_back(key, found.first, found.second);
     return keys;
 }
 
+std::optional<std::string> lookedUp(const std::vector<Source>& images, const std::string& text) {
+    for (auto image = images.rbegin(); image != images.rend(); ++image) {
+        const Words content = image->content();
+        const auto found = content.find(image->key(text));
+        if (found != content.end()) return found->second;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> answerOf(const DictionaryText& data) {
+    if (data.bytes == nullptr) return std::nullopt;
+    return std::string(data.bytes, data.size);
+}
+
 // Every list and every lookup of `texts` in the handle equals that in the maps.
-void expectModel(const Handle& handle, const std::vector<Words>& images, const Texts& texts) {
+void expectModel(const Handle& handle, const std::vector<Source>& images, const Texts& texts) {
     const Cursor cursor = cursorOf(handle);
     const Listed all = expected(images, "");
     EXPECT_EQ(listed(cursor.get()), all);
@@ -72,53 +91,46 @@ void expectModel(const Handle& handle, const std::vector<Words>& images, const T
     EXPECT_EQ(dictionaryLookupKeys(handle.get(), keys.data(), keys.size(), data.data()), found);
     EXPECT_EQ(dictionaryLookupKeys(handle.get(), keys.data(), keys.size(), nullptr), found);
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        const auto key = std::find_if(all.begin(), all.end(), [&](const auto& each) {
-            return std::get<0>(each) == texts[i];
-        });
-        ASSERT_EQ(data[i].bytes != nullptr, key != all.end()) << texts[i];
-        if (key == all.end()) continue;
-        EXPECT_EQ(std::string(data[i].bytes, data[i].size), std::get<1>(*key));
+        const auto answer = lookedUp(images, texts[i]);
+        EXPECT_EQ(answerOf(data[i]), answer) << texts[i];
+        DictionaryText one = {"", 7};
+        EXPECT_EQ(dictionaryLookupKey(handle.get(), keys[i], &one), answer.has_value());
+        EXPECT_EQ(answerOf(one), answer) << texts[i];
     }
     dictionarySeekPrefix(cursor.get(), {nullptr, 0});
     EXPECT_EQ(listed(cursor.get()).size(), all.size());
 }
 
-Handle setOf(const Handle& first, const Handle& second) {
-    const DictionaryHandle* const images[] = {first.get(), second.get()};
-    return {dictionaryOpenSet(images, 2, nullptr), dictionaryClose};
-}
-
-// One character of each length, the last of their planes among them, in the order of their bytes.
-const Texts kCharacters = {"a", "\u00e9", "\uffff", "\U00010000", "\U0010FFFF"};
+// One character of each length, the last of their planes among them, in the order of their bytes,
+// and letters that are folded.
+const Texts kCharacters = {"a", "\u00e9", "\uffff", "\U00010000", "\U0010FFFF",
+                           "A", "\u00c9", "\u212a", "\u023a",     "\U00010400"};
 
 TEST(Keys, SmallDictionariesEqualAMap) {
-    // All texts of one and two characters, and what is none.
+    // All texts of one character and many of two, and what is none.
     Texts texts = kCharacters;
     for (const std::string& first : kCharacters) {
-        for (const char* second : {"a", "\uffff", "\U00010000"}) {
+        for (const char* second : {"a", "\uffff", "\U00010000", "\u023a"}) {
             texts.push_back(first + second);
         }
     }
     Texts queries = texts;
     queries.insert(queries.end(), kIllegal.begin(), kIllegal.end());
-    queries.insert(queries.end(), {"", "b"});
+    queries.insert(queries.end(), {"", "b", "k", "\u2c65", "\U00010428a", std::string(99, 'A')});
     queries.emplace_back(1, '\0');
     std::mt19937 random(3);
-    Handle before(nullptr, dictionaryClose);
-    Words wordsBefore;
     for (int round = 0; round < 60 && !testing::Test::HasFailure(); ++round) {
-        Words words;
-        for (const std::string& text : texts) {
-            if (random() % 3 == 0) words[text] = std::to_string(round);
+        std::vector<Source> sources(1 + random() % 3);
+        std::vector<Handle> images;
+        for (Source& source : sources) {
+            source.isFolded = random() % 2 == 0;
+            for (const std::string& text : texts) {
+                if (random() % 5 == 0) source.words[text] = std::to_string(round);
+            }
+            images.push_back(imageOf(source.words, source.isFolded));
+            expectModel(images.back(), {source}, queries);
         }
-        if (words.empty()) continue;
-        Handle handle = imageOf(words);
-        expectModel(handle, {words}, queries);
-        if (before != nullptr) {
-            expectModel(setOf(before, handle), {wordsBefore, words}, queries);
-        }
-        before = std::move(handle);
-        wordsBefore = std::move(words);
+        expectModel(setOf(images), sources, queries);
     }
 }
 
@@ -149,7 +161,7 @@ TEST(Keys, RandomAndLongKeysEqualAMap) {
         words[longKey.substr(0, size) + "\U0001F600" + longKey.substr(0, 300)] = "";
     }
     queries.insert(queries.end(), {longKey, longKey.substr(0, 300), longKey + "x"});
-    expectModel(imageOf(words), {words}, queries);
+    expectModel(imageOf(words), {{words}}, queries);
 }
 
 TEST(Keys, ArgumentsThatAreNoneFindNothing) {
@@ -182,7 +194,7 @@ TEST(Keys, FirstCursorsMayRace) {
         threads.emplace_back([&] { list = listed(cursorOf(handle).get()); });
     }
     for (std::thread& thread : threads) thread.join();
-    for (const Listed& list : lists) EXPECT_EQ(list, expected({words}, ""));
+    for (const Listed& list : lists) EXPECT_EQ(list, expected({{words}}, ""));
 }
 
 // Whatever the cells hold, a list ends, and each of its keys is found by its own prefix.

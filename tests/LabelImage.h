@@ -1,4 +1,4 @@
-// Images in memory, built of words.
+// Images in memory, built of words, and what folding makes of these.
 
 #ifndef TESTS_LABEL_IMAGE_H
 #define TESTS_LABEL_IMAGE_H
@@ -8,6 +8,8 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "Dictionary.h"
 
@@ -15,7 +17,43 @@
 using Words = std::map<std::string, std::string>;
 using Handle = std::unique_ptr<DictionaryHandle, decltype(&dictionaryClose)>;
 
-inline Handle imageOf(const Words& words) {
+// Some letters, and what they are when they are folded: of as many bytes, of fewer and of more.
+inline const std::pair<std::string, std::string> kFoldings[] = {{"A", "a"},
+                                                                {"\u00c9", "\u00e9"},
+                                                                {"\uff21", "a"},
+                                                                {"\u212a", "k"},
+                                                                {"\u023a", "\u2c65"},
+                                                                {"\u0345", "\u03b9"},
+                                                                {"\U00010400", "\U00010428"}};
+
+inline std::string foldedSlowly(std::string text) {
+    for (const auto& [letter, folded] : kFoldings) {
+        for (std::size_t at = 0; (at = text.find(letter, at)) != text.npos; at += folded.size()) {
+            text.replace(at, letter.size(), folded);
+        }
+    }
+    return text;
+}
+
+// What an image is made of.
+struct Source {
+    Words words;
+    bool isFolded = false;
+
+    std::string key(const std::string& text) const { return isFolded ? foldedSlowly(text) : text; }
+
+    // Each key with its data text. Keys that folding makes one have the data of both.
+    Words content() const {
+        Words all;
+        for (const auto& [word, data] : words) {
+            std::string& text = all[key(word)];
+            text += (text.empty() ? "" : ";") + data + '\t';
+        }
+        return all;
+    }
+};
+
+inline Handle imageOf(const Words& words, bool isFolded = false) {
     std::string records;
     for (const auto& [key, data] : words) records += key + '\t' + data + '\n';
     DictionarySource source = {};
@@ -24,6 +62,7 @@ inline Handle imageOf(const Words& words) {
     DictionaryBuildOptions options = {};
     options.size = sizeof options;
     options.allowEmpty = true;
+    options.folded = isFolded;
     DictionaryImageBuffer image = {};
     const DictionaryTarget target = {sizeof target, nullptr, &image};
     EXPECT_EQ(dictionaryBuildFrom(&source, &target, &options, nullptr, nullptr), DICTIONARY_OK);
@@ -31,6 +70,13 @@ inline Handle imageOf(const Words& words) {
         dictionaryOpenBytes({image.bytes, image.size}, DICTIONARY_OPEN_COPY, nullptr);
     dictionaryFreeBuffer(&image);
     return {handle, dictionaryClose};
+}
+
+// A set of images, which must outlive it.
+inline Handle setOf(const std::vector<Handle>& images) {
+    std::vector<const DictionaryHandle*> handles;
+    for (const Handle& image : images) handles.push_back(image.get());
+    return {dictionaryOpenSet(handles.data(), handles.size(), nullptr), dictionaryClose};
 }
 
 #endif

@@ -1,9 +1,7 @@
-// Lookups as records, against a model that knows a text as characters and the keys as a map.
+// Matches, against a model that knows a text as characters and the keys as a map.
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <memory>
 #include <random>
 #include <string>
 #include <tuple>
@@ -12,53 +10,16 @@
 #include "DATInterface.h"
 #include "Dictionary.h"
 #include "LabelImage.h"
+#include "MatchModel.h"
 
 namespace {
 
-struct Character {
-    std::string bytes;
-    std::size_t utf16 = 1;
-};
-
-using Text = std::vector<Character>;
-using Found = std::vector<std::tuple<std::size_t, std::size_t, std::string>>;
-
-std::string bytesOf(const Text& text, std::size_t from, std::size_t to) {
-    std::string bytes;
-    for (std::size_t i = from; i < to; ++i) bytes += text[i].bytes;
-    return bytes;
-}
-
-std::size_t sizeOf(const Text& text, std::size_t from, std::size_t to, int unit) {
-    if (unit == DICTIONARY_UNIT_BYTE) return bytesOf(text, from, to).size();
-    std::size_t size = 0;
-    for (std::size_t i = from; i < to; ++i) {
-        size += unit == DICTIONARY_UNIT_UTF16 ? text[i].utf16 : 1;
-    }
-    return size;
-}
-
-Found expected(const Words& words, const Text& text, int mode, int unit) {
-    Found all;
-    for (std::size_t from = 0, next = 1; from < text.size(); from = next, next = from + 1) {
-        if (mode == DICTIONARY_FIND_PREFIXES && from > 0) break;
-        const bool isEvery = mode == DICTIONARY_FIND_ALL || mode == DICTIONARY_FIND_PREFIXES;
-        bool isFirst = true;
-        for (std::size_t to = from + 1; to <= text.size(); ++to) {
-            const auto word = words.find(bytesOf(text, from, to));
-            if (word == words.end()) continue;
-            if (!isEvery && !isFirst) all.pop_back();
-            isFirst = false;
-            if (mode == DICTIONARY_FIND_SEGMENT) next = to;
-            all.emplace_back(sizeOf(text, 0, from, unit), sizeOf(text, from, to, unit),
-                             word->second + '\t');
-        }
-    }
-    return all;
-}
-
 std::string textOf(DictionaryText text) {
     return std::string(text.bytes == nullptr ? "" : text.bytes, text.size);
+}
+
+DictionaryText viewOf(const std::string& text) {
+    return {text.data(), text.size()};
 }
 
 DictionaryFindOptions optionsOf(int mode, int unit = DICTIONARY_UNIT_BYTE) {
@@ -69,92 +30,231 @@ DictionaryFindOptions optionsOf(int mode, int unit = DICTIONARY_UNIT_BYTE) {
     return options;
 }
 
-// Matches of a text, found once as a list and once one by one.
-Found found(const Handle& image, const std::string& text, int mode, int unit) {
-    const DictionaryFindOptions options = optionsOf(mode, unit);
-    const DictionaryText searched = {text.data(), text.size()};
-    DictionaryMatches matches = {};
-    EXPECT_EQ(dictionaryFindMatches(image.get(), &options, searched, &matches, nullptr),
+bool add(void* found, const DictionaryMatch* match) {
+    static_cast<Found*>(found)->emplace_back(match->start, match->length, textOf(match->data),
+                                             match->image);
+    return true;
+}
+
+// The same by columns.
+Found inColumns(const Handle& handle, const DictionaryFindOptions& options, DictionaryText text) {
+    Found found;
+    DictionaryColumns columns = {};
+    EXPECT_EQ(dictionaryFindColumns(handle.get(), &options, &text, 1, &columns, nullptr),
               DICTIONARY_OK);
-    Found all, visited;
-    const auto add = [](void* found, const DictionaryMatch* match) {
-        static_cast<Found*>(found)->emplace_back(match->start, match->length, textOf(match->data));
-        return true;
-    };
-    for (std::size_t i = 0; i < matches.count; ++i) {
-        add(&all, &matches.items[i]);
-        const DictionaryMatch& match = matches.items[i];
-        EXPECT_EQ(dictionaryDataAt(image.get(), match.image, match.dataNumber).bytes,
-                  match.data.bytes);
+    for (std::size_t i = 0; i < columns.count; ++i) {
+        const DictionaryText data =
+            dictionaryDataAt(handle.get(), columns.image[i], columns.dataNumber[i]);
+        found.emplace_back(columns.start[i], columns.end[i] - columns.start[i], textOf(data),
+                           columns.image[i]);
     }
+    dictionaryFreeColumns(&columns);
+    return found;
+}
+
+// Matches of a text, found once as a list, once one by one and once in columns.
+Found found(const Handle& handle, const DictionaryFindOptions& options, const std::string& text) {
+    DictionaryMatches matches = {};
+    DictionaryError error;
+    EXPECT_EQ(dictionaryFindMatches(handle.get(), &options, viewOf(text), &matches, &error),
+              DICTIONARY_OK)
+        << error.text;
+    Found all, visited;
+    for (std::size_t i = 0; i < matches.count; ++i) add(&all, &matches.items[i]);
     dictionaryFreeMatches(&matches);
-    EXPECT_EQ(dictionaryVisitMatches(image.get(), &options, searched, add, &visited, nullptr),
+    EXPECT_EQ(dictionaryVisitMatches(handle.get(), &options, viewOf(text), add, &visited, nullptr),
               DICTIONARY_OK);
     EXPECT_EQ(all, visited);
+    EXPECT_EQ(all, inColumns(handle, options, viewOf(text)));
     return all;
 }
 
-bool isKey(const Handle& image, const std::string& key, const std::string& expectedData) {
-    DictionaryText data = {"before", 6};
-    const bool is = dictionaryLookupKey(image.get(), {key.data(), key.size()}, &data);
-    EXPECT_EQ(data.bytes != nullptr, is);
-    EXPECT_EQ(textOf(data), is ? expectedData + '\t' : "");
-    return is;
-}
-
-bool contains(const Handle& image, const std::string& text) {
+bool contains(const Handle& handle, const DictionaryFindOptions& options, const std::string& text) {
     bool answer = false;
-    EXPECT_EQ(
-        dictionaryContainsKey(image.get(), nullptr, {text.data(), text.size()}, &answer, nullptr),
-        DICTIONARY_OK);
+    EXPECT_EQ(dictionaryContainsKey(handle.get(), &options, viewOf(text), &answer, nullptr),
+              DICTIONARY_OK);
     return answer;
 }
 
-TEST(Match, EqualsTheModelInEveryModeAndUnit) {
-    const Words words = {{"a", "1"},
-                         {"ab", "22"},
-                         {"aba", "333"},
-                         {"b\u00e9", ""},
-                         {"\u00e9", "5"},
-                         {"\u4e2d", "6"},
-                         {"\uffff", "7"},
-                         {"bb\uffff", "8"},
-                         {"\U0001F600", "9"},
-                         {"\U0001F600a", "10"},
-                         {"b\U0001F600\U00010061", "11"}};
-    const Handle image = imageOf(words);
-    const Text letters = {{"a"},    {"b"},    {"\u00e9"}, {"\u4e2d"},        {"\uffff"},
-                          {"\x80"}, {"\xF5"}, {{'\0'}},   {"\U0001F600", 2}, {"\U00010061", 2}};
-    const Text surrogates = {{"\xED"}, {"\xA0"}, {"\xBD"}, {"\xED"}, {"\xB8"}, {"\x80"}};
-    std::mt19937 random(11);
-    for (int round = 0; round < 3000 && !testing::Test::HasFailure(); ++round) {
-        Text text;
-        for (auto i = random() % 40; i > 0; --i) text.push_back(letters[random() % letters.size()]);
-        if (round % 10 == 0) text.insert(text.end(), surrogates.begin(), surrogates.end());
-        const std::string bytes = bytesOf(text, 0, text.size());
-        for (const int mode : {DICTIONARY_FIND_ALL, DICTIONARY_FIND_LONGEST,
-                               DICTIONARY_FIND_SEGMENT, DICTIONARY_FIND_PREFIXES}) {
-            for (int unit = DICTIONARY_UNIT_BYTE; unit <= DICTIONARY_UNIT_UTF16; ++unit) {
-                EXPECT_EQ(found(image, bytes, mode, unit), expected(words, text, mode, unit));
+std::string replaced(const Handle& handle, const DictionaryFindOptions& options,
+                     const std::string& text) {
+    DictionaryReplacement result = {};
+    EXPECT_EQ(
+        dictionaryReplaceKeys(handle.get(), &options, nullptr, viewOf(text), &result, nullptr),
+        DICTIONARY_OK);
+    const std::string answer(result.bytes == nullptr ? "" : result.bytes, result.size);
+    dictionaryFreeReplacement(&result);
+    return answer;
+}
+
+// The text with the first field of each of its segments, which are measured in bytes.
+std::string replacedSlowly(const Found& segments, const std::string& text) {
+    std::string result;
+    std::size_t done = 0;
+    for (const auto& [start, length, data, image] : segments) {
+        result += text.substr(done, start - done) + data.substr(0, data.find('\t'));
+        done = start + length;
+    }
+    return result + text.substr(done);
+}
+
+// One image or a set of several, twice: as they are and as maps.
+class World {
+public:
+    explicit World(const std::vector<Source>& sources) : m_model(sources) {
+        for (const Source& source : sources) {
+            m_images.push_back(imageOf(source.words, source.isFolded));
+        }
+        if (sources.size() > 1) m_set = setOf(m_images);
+    }
+    World(const World&) = delete;
+    ~World() { dictionaryFreeSegmenter(m_segmenter); }
+
+    const Handle& handle() const { return m_set == nullptr ? m_images.front() : m_set; }
+
+    void weigh(int weights, double unknownCost) {
+        const DictionarySegmenterOptions options = {sizeof options, weights, 1, unknownCost};
+        DictionaryError error;
+        m_segmenter = dictionaryMakeSegmenter(handle().get(), &options, &error);
+        EXPECT_NE(m_segmenter, nullptr) << error.text;
+        weights == DICTIONARY_WEIGHTS_COUNTS ? m_model.weighCounts()
+                                             : m_model.weighCosts(unknownCost);
+    }
+
+    // What is found and replaced, by any options, equals what the model finds.
+    void expectModel(const Text& text, int unit) const {
+        const std::string bytes = text.bytes(0, text.size());
+        const ModelKeys keys = m_model.keysIn(text, kLongest);
+        for (const DictionaryFindOptions& options : everyOptions(unit)) {
+            ASSERT_EQ(found(handle(), options, bytes), m_model.find(text, keys, options)) << bytes;
+            if (!isSegmentation(options.mode)) continue;
+            DictionaryFindOptions inBytes = options;
+            inBytes.unit = DICTIONARY_UNIT_BYTE;
+            ASSERT_EQ(replaced(handle(), options, bytes),
+                      replacedSlowly(m_model.find(text, keys, inBytes), bytes));
+        }
+        for (const bool wholeWords : {false, true}) {
+            DictionaryFindOptions any = optionsOf(DICTIONARY_FIND_ALL);
+            any.wholeWords = wholeWords;
+            ASSERT_EQ(contains(handle(), any, bytes), !m_model.find(text, keys, any).empty());
+        }
+    }
+
+    static constexpr std::size_t kLongest = 4;  // key, in characters
+
+private:
+    static bool isSegmentation(int mode) {
+        return mode == DICTIONARY_FIND_SEGMENT || mode == DICTIONARY_FIND_WEIGHTED;
+    }
+
+    std::vector<DictionaryFindOptions> everyOptions(int unit) const {
+        std::vector<DictionaryFindOptions> all;
+        for (int mode = DICTIONARY_FIND_ALL; mode <= DICTIONARY_FIND_PREFIXES; ++mode) {
+            DictionaryFindOptions options = optionsOf(mode, unit);
+            if (mode == DICTIONARY_FIND_WEIGHTED) options.segmenter = m_segmenter;
+            for (const bool everyImage : {false, true}) {
+                options.everyImage = everyImage;
+                if (everyImage && isSegmentation(mode)) continue;
+                for (const bool wholeWords : {false, true}) {
+                    options.wholeWords = wholeWords;
+                    all.push_back(options);
+                }
             }
         }
-        const auto word = words.find(bytes);
-        const bool isWord = word != words.end();
-        EXPECT_EQ(isKey(image, bytes, isWord ? word->second : ""), isWord);
-        EXPECT_EQ(contains(image, bytes), !expected(words, text, DICTIONARY_FIND_ALL, 0).empty());
-
-        std::string listed;
-        for (const auto& [start, length, feature] :
-             found(image, bytes, DICTIONARY_FIND_CLASSIC, DICTIONARY_UNIT_BYTE)) {
-            listed +=
-                bytes.substr(start, length) + '/' + std::to_string(start) + ':' + feature + '\t';
-        }
-        char* const result = search(bytes.c_str(), image.get(), true);
-        EXPECT_EQ(listed, result);
-        freeResult(result);
+        return all;
     }
-    for (const auto& [key, data] : words) {
-        EXPECT_TRUE(isKey(image, key, data)) << key;
+
+    MatchModel m_model;
+    std::vector<Handle> m_images;
+    Handle m_set{nullptr, dictionaryClose};
+    DictionarySegmenter* m_segmenter = nullptr;
+};
+
+const Characters kLetters = {"a",          "A",          "b",          "\u00e9",    "\u00c9",
+                             "\uff21",     "\u212a",     "\u023a",     "\u0345",    "\u0301",
+                             "\u4e2d",     "\uffff",     "-",          "k",         "\u03b9",
+                             "\U0001F600", "\U00010061", "\U00010400", "\U00010428"};
+const Characters kOutsiders = {"\x80", "\xF5", std::string(1, '\0'), "z"};
+const Characters kSurrogates = {"\xED", "\xA0", "\xBD", "\xED", "\xB8", "\x80"};
+
+class Dice {
+public:
+    std::size_t below(std::size_t limit) { return m_bits() % limit; }
+
+    std::string letter() {
+        // Some are more frequent, so that keys are found.
+        return kLetters[below(below(2) == 0 ? 4 : kLetters.size())];
+    }
+
+    std::vector<Source> sources() {
+        std::vector<Source> sources(1 + below(3));
+        for (Source& source : sources) {
+            source.isFolded = below(2) == 0;
+            for (auto words = 1 + below(40); words > 0; --words) {
+                std::string key;
+                for (auto size = 1 + below(World::kLongest); size > 0; --size) key += letter();
+                source.words[key] = std::to_string(1 + below(9));
+            }
+        }
+        return sources;
+    }
+
+    Text text(std::size_t size) {
+        Characters text;
+        while (text.size() < size) {
+            text.push_back(below(10) == 0 ? kOutsiders[below(kOutsiders.size())] : letter());
+        }
+        if (below(10) == 0) text.insert(text.end(), kSurrogates.begin(), kSurrogates.end());
+        return Text(text);
+    }
+
+private:
+    std::mt19937 m_bits{11};
+};
+
+TEST(Match, EqualsTheModelInEveryModeAndUnit) {
+    Dice dice;
+    for (int round = 0; round < 200 && !testing::Test::HasFailure(); ++round) {
+        World world(dice.sources());
+        const bool hasCosts = round % 2 == 0;
+        world.weigh(hasCosts ? DICTIONARY_WEIGHTS_COSTS : DICTIONARY_WEIGHTS_COUNTS,
+                    hasCosts ? 7 : 0);
+        for (int i = 0; i < 20 && !testing::Test::HasFailure(); ++i) {
+            world.expectModel(dice.text(dice.below(40)), i % 3);
+        }
+    }
+}
+
+// Such texts are searched block by block and segmented window by window.
+TEST(Match, EqualsTheModelInLongTexts) {
+    Dice dice;
+    for (int round = 0; round < 4 && !testing::Test::HasFailure(); ++round) {
+        std::vector<Source> sources = dice.sources();
+        // Words do not end at the same places in both.
+        for (const bool isFolded : {false, true}) sources.push_back({{{"a", "1"}}, isFolded});
+        World world(sources);
+        world.weigh(DICTIONARY_WEIGHTS_COSTS, 7);
+        world.expectModel(dice.text(30'000), DICTIONARY_UNIT_BYTE);
+    }
+}
+
+TEST(Match, ClassicModeFindsWhatSearchFinds) {
+    Dice dice;
+    for (int round = 0; round < 100; ++round) {
+        const World world(dice.sources());
+        for (int i = 0; i < 20; ++i) {
+            const Text text = dice.text(dice.below(40));
+            const std::string bytes = text.bytes(0, text.size());
+            std::string listed;
+            for (const auto& [start, length, data, image] :
+                 found(world.handle(), optionsOf(DICTIONARY_FIND_CLASSIC), bytes)) {
+                listed +=
+                    bytes.substr(start, length) + '/' + std::to_string(start) + ':' + data + '\t';
+            }
+            char* const result = search(bytes.c_str(), world.handle().get(), true);
+            EXPECT_EQ(listed, result);
+            freeResult(result);
+        }
     }
 }
 

@@ -201,8 +201,9 @@ void CheapestPath::mergeKey(std::size_t firstKey, const FoundKey& key) {
     }
 }
 
-// Whether byte `place` of the text is inside a word.
+// Whether byte `place` of the text is inside a word where that counts.
 bool CheapestPath::isInsideWord(const WeightedImage& weighted, std::size_t place) const {
+    if (!m_wholeWords) return false;
     if (!weighted.isFolded) return Words<LabelText>(LabelText(m_text)).isInside(place);
     return Words<FoldedText>(FoldedText(m_text)).isInside(place);
 }

@@ -81,7 +81,7 @@ private:
     void mergeKey(std::size_t firstKey, const FoundKey& key);
 
     template <class Found>
-    bool findKey(std::string_view key, Found found) const;
+    bool findKey(std::size_t start, std::size_t end, Found found) const;
 
     const WeightedImages& m_images;
     const bool m_wholeWords;
@@ -97,9 +97,11 @@ private:
     std::size_t m_left = 0;         // of them, where no path was chosen yet
 };
 
-// Calls `found(image, feature)` for the key in the last of the images that has it.
+// Calls `found(image, feature)` for the key in the bytes from `start` up to, but without, `end`, as
+// the last of the images has it of which it is a key there.
 template <class Found>
-bool CheapestPath::findKey(std::string_view key, Found found) const {
+bool CheapestPath::findKey(std::size_t start, std::size_t end, Found found) const {
+    const std::string_view key = m_text.substr(start, end - start);
     bool going = true;
     for (std::size_t i = m_images.images.size(), done = 0; i-- > done;) {
         const auto foundHere = [&](std::int32_t feature) {
@@ -107,6 +109,7 @@ bool CheapestPath::findKey(std::string_view key, Found found) const {
             done = i;
         };
         const WeightedImage& weighted = m_images.images[i];
+        if (isInsideWord(weighted, start) || isInsideWord(weighted, end)) continue;
         if (weighted.isFolded) {
             lookUp(weighted.image.cells(), FoldedText(key), kNoAlphabet, foundHere);
         } else {
@@ -135,7 +138,7 @@ bool CheapestPath::forEachKey(Found found) const {
         };
         const bool isGoing = start < m_sources.size()
                                  ? foundHere(m_sources[start].image, m_sources[start].feature)
-                                 : findKey(m_text.substr(start, bytes), foundHere);
+                                 : findKey(start, end, foundHere);
         if (!isGoing) return false;
         start = end;
     }
