@@ -21,13 +21,17 @@ using Dictionary::TextSearch;
 
 using Found = std::vector<std::tuple<std::size_t, std::size_t, std::int32_t>>;
 
+// By place, whether keys may neither begin nor end there.
+using Closed = std::vector<std::uint8_t>;
+
 Found oneByOne(const Dictionary::CellView& cells, const EncodedText& text, std::int32_t alphabet,
-               bool longest) {
+               bool longest, const Closed& closed) {
     Found found;
     for (std::size_t from = 0; from < text.size(); ++from) {
-        if (text.codes()[from] >= alphabet) continue;
+        if (text.codes()[from] >= alphabet || closed[from] != 0) continue;
         const std::size_t before = found.size();
         const auto add = [&](std::size_t end, std::int32_t feature) {
+            if (closed[end] != 0) return;
             if (longest) found.resize(before);
             found.emplace_back(from, end, feature);
         };
@@ -36,7 +40,8 @@ Found oneByOne(const Dictionary::CellView& cells, const EncodedText& text, std::
     return found;
 }
 
-Found together(const TextSearch& search, std::int32_t alphabet, bool longest) {
+Found together(TextSearch search, std::int32_t alphabet, bool longest, const Closed* closed) {
+    if (closed != nullptr) search.closePlaces(closed->data());
     Found found;
     const auto add = [&](std::size_t from, std::size_t end, std::int32_t feature) {
         found.emplace_back(from, end, feature);
@@ -80,13 +85,18 @@ TEST(WalkBlock, FindsWhatWalksOneByOneFind) {
         for (const std::size_t size : {0u, 1u, 9u, 17u, 255u, 256u, 257u, 700u}) {
             const std::string content = text(size, round % 10 == 0 ? 1 : letters + 1);
             const EncodedText codes(coder, content.c_str(), -1, round % 2 == 1);
+            Closed open(codes.size() + 1), closed(codes.size() + 1);
+            for (std::uint8_t& place : closed) place = random() % 3 == 0;
             // The smaller alphabet leaves out letters that keys have.
             for (const std::int32_t alphabet : {64, 3}) {
                 for (const bool longest : {false, true}) {
-                    const Found expected = oneByOne(view.cells(), codes, alphabet, longest);
+                    const Found all = oneByOne(view.cells(), codes, alphabet, longest, open);
+                    const Found some = oneByOne(view.cells(), codes, alphabet, longest, closed);
                     for (const auto* steps : {Dictionary::walkSteps(), oneByOneSteps}) {
-                        EXPECT_EQ(together({view.cells(), codes, steps}, alphabet, longest),
-                                  expected)
+                        const TextSearch search(view.cells(), codes, steps);
+                        EXPECT_EQ(together(search, alphabet, longest, nullptr), all)
+                            << "round " << round << ", " << size << " letters";
+                        EXPECT_EQ(together(search, alphabet, longest, &closed), some)
                             << "round " << round << ", " << size << " letters";
                         if (steps == nullptr || round % 10 == 0 || size != 17u) continue;
                         // Few and short keys have room: no walk needs to be taken alone.
