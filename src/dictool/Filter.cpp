@@ -76,8 +76,8 @@ int filter(const FilterOptions& options, Lines& lines, Output& output, const Pre
 
 }  // namespace
 
-void addMoreImages(CLI::App& command, FilterOptions& options) {
-    addTexts(command, "-D,--dictionary", options.moreImages,
+void addMoreImages(CLI::App& command, std::vector<std::string>& images) {
+    addTexts(command, "-D,--dictionary", images,
              "Another image, searched as one with IMAGE; the last that has a key counts")
         .type_name("IMAGE");
 }

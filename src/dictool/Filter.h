@@ -28,7 +28,7 @@ struct FilterOptions {
     char end() const { return zeroEnded ? '\0' : '\n'; }
 };
 
-void addMoreImages(CLI::App& command, FilterOptions& options);
+void addMoreImages(CLI::App& command, std::vector<std::string>& images);
 void addFilterOptions(CLI::App& command, FilterOptions& options);
 
 // Makes, once an image is open, what makes the works of the threads.
@@ -46,6 +46,7 @@ int filterTexts(const FilterOptions& options, const std::vector<std::string>& te
 struct TextOptions : FilterOptions {
     std::vector<std::string> files;
     bool wholeWords = false;
+    bool everyImage = false;
     unsigned countField = 0;  // 0 for none
     unsigned costField = 0;
     double unknownCost = 0;

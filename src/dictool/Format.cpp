@@ -69,7 +69,7 @@ bool isPlainJson(char character) {
 }
 
 void appendJsonPiece(std::string& out, std::string_view key, std::size_t start, std::size_t length,
-                     const Piece& piece) {
+                     const Piece& piece, bool namesImage) {
     out += "{\"start\":";
     append(out, start);
     out += ",\"length\":";
@@ -81,6 +81,7 @@ void appendJsonPiece(std::string& out, std::string_view key, std::size_t start, 
         out += "null";
     } else {
         appendJsonFields(out, dataOf(piece));
+        if (namesImage) append(out += ",\"image\":", piece.image);
     }
     out += '}';
 }
@@ -144,7 +145,7 @@ void formatJson(std::string& out, const LinePieces& pieces) {
     forEachPiece(pieces, [&](auto text, auto start, auto length, const Piece& piece) {
         if (!first) out += ',';
         first = false;
-        appendJsonPiece(out, text, start, length, piece);
+        appendJsonPiece(out, text, start, length, piece, pieces.namesImages);
     });
     out += "]}";
     out += pieces.end;

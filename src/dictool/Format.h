@@ -24,8 +24,9 @@ struct LinePieces {
     const Piece* pieces;
     std::size_t count;
     Unit unit;
-    char end;      // of a line that is written
-    bool escapes;  // whether appendEscaped() is for its texts
+    char end;          // of a line that is written
+    bool escapes;      // whether appendEscaped() is for its texts
+    bool namesImages;  // where the form has a place for that
 };
 
 // Each appends a line's pieces to `out`.

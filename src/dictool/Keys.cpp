@@ -1,8 +1,7 @@
 // keys: the keys of an image, all of them or those that begin with a prefix.
 
-#include "Command.h"
-#include "Dictionary.hpp"
-#include "Format.h"
+#include "Dictionaries.h"
+#include "Filter.h"
 #include "Output.h"
 #include "Report.h"
 
@@ -12,6 +11,7 @@ namespace {
 
 struct KeysOptions {
     std::string image;
+    std::vector<std::string> moreImages;
     std::string prefix;
     std::string format = "text";
     unsigned limit = 0;
@@ -39,12 +39,12 @@ void formatKey(std::string& out, const KeyLine& line, const KeysOptions& options
 }
 
 int run(const KeysOptions& options) {
-    const dictionary::Image image = dictionary::Image::open(options.image);
+    const Dictionaries dictionaries(options.image, options.moreImages);
     const char end = options.zeroEnded ? '\0' : '\n';
     Output output;
     std::uint64_t count = 0;
     std::string out;
-    for (const dictionary::Key& key : image.keys(options.prefix)) {
+    for (const dictionary::Key& key : dictionaries.get().keys(options.prefix)) {
         ++count;
         if (!options.count) {
             out.clear();
@@ -65,6 +65,7 @@ void defineKeys(CLI::App& program, Action& action) {
     CLI::App& command = addCommand(program, action, "keys", "List keys", kDetails, options, run);
     addArgument(command, "IMAGE", options.image, "The image");
     addText(command, "PREFIX", options.prefix, "What the keys begin with").type_name("");
+    addMoreImages(command, options.moreImages);
     addLineFormat(command, options.format, options.zeroEnded);
     command.add_flag("-c,--count", options.count, "Write how many keys there are");
     command.add_flag("-d,--data", options.data, "In text form, write data, too");

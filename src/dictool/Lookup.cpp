@@ -98,7 +98,7 @@ void defineLookup(CLI::App& program, Action& action) {
     addArgument(command, "IMAGE", options.image, "The image");
     addArguments(command, "KEY", options.keys, "Keys; none for one per line of standard input");
     command.add_flag("-m,--missing", options.missing, "Write the keys that are not there instead");
-    addMoreImages(command, options);
+    addMoreImages(command, options.moreImages);
     addLineFormat(command, options.format, options.zeroEnded);
     addFilterOptions(command, options);
 }

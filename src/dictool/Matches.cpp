@@ -24,7 +24,8 @@ public:
           m_unit(options.offset == "char" ? Unit::kCharacter : Unit::kByte),
           m_keep(options.keep && !options.wantsPieces()),
           m_end(options.end()),
-          m_escapes(!options.zeroEnded && findOptions.mode != DICTIONARY_FIND_CLASSIC) {
+          m_escapes(!options.zeroEnded && findOptions.mode != DICTIONARY_FIND_CLASSIC),
+          m_namesImages(!options.moreImages.empty()) {
         m_options.unknownPieces = options.wantsPieces();
         m_options.joinedRuns = options.joinRuns;
     }
@@ -39,7 +40,7 @@ public:
             throw failureOf(error, "line " + std::to_string(number));
         }
         LinePieces pieces = {line,   number, m_matches.items, m_matches.count,
-                             m_unit, m_end,  m_escapes};
+                             m_unit, m_end,  m_escapes,       m_namesImages};
         if (m_keep) {
             addStretches(line);
             pieces.pieces = m_pieces.data();
@@ -74,6 +75,7 @@ private:
     bool m_keep;
     char m_end;
     bool m_escapes;
+    bool m_namesImages;
     DictionaryMatches m_matches = {};
     std::vector<Piece> m_pieces;
 };

@@ -20,7 +20,8 @@ constexpr char kDetails[] =
     "line up to the first such byte or NUL and misses keys before a character above U+FFFF.\n"
     "\ntsv: one line per match: the number of its line, start, length, key and the data fields.\n"
     "json: one line per line, {\"line\":N,\"matches\":[{\"start\":..,\"length\":..,\"key\":..,\n"
-    "\"data\":[..]},..]}. Lines are numbered through all files; positions count from 0.\n"
+    "\"data\":[..]},..]}; with -D also \"image\":N, 0 for IMAGE. Lines are numbered through all\n"
+    "files; positions count from 0.\n"
     "\nIn tsv, and in data in text form, a newline is written \\n, a tab in a key \\t and a\n"
     "backslash \\\\. With -z or --classic everything is written as it is.\n"
     "\nExit status: 0 when a key was found, 1 when none was.";
@@ -41,9 +42,12 @@ void defineSearch(CLI::App& program, Action& action) {
     CLI::Option* all = command.add_flag("-a,--all", options.all, "Every key at every position");
     CLI::Option* longest = command.add_flag("-l,--longest", options.longest,
                                             "The longest key at every position, as without it");
+    CLI::Option* every = command.add_flag("--every-image", options.everyImage,
+                                          "A key of several images in each of them");
     command.add_flag("--classic", options.classic, "What the library's function search returns")
         ->excludes(all)
-        ->excludes(longest);
+        ->excludes(longest)
+        ->excludes(every);
     longest->excludes(all);
 }
 

@@ -8,6 +8,7 @@ FindRequest::FindRequest(const dictionary::Image& image, int mode, const TextOpt
     m_options.size = sizeof m_options;
     m_options.mode = mode;
     m_options.wholeWords = options.wholeWords;
+    m_options.everyImage = options.everyImage;
     if (!options.isWeighted()) return;
     const bool counts = options.countField != 0;
     try {
@@ -24,7 +25,7 @@ FindRequest::FindRequest(const dictionary::Image& image, int mode, const TextOpt
 void addTextOptions(CLI::App& command, TextOptions& options) {
     addArgument(command, "IMAGE", options.image, "The image");
     addArguments(command, "FILE", options.files, "Texts; standard input for none and for -");
-    addMoreImages(command, options);
+    addMoreImages(command, options.moreImages);
     command.add_flag("-w,--word", options.wholeWords,
                      "Only keys that neither begin nor end inside a word");
 }

@@ -110,6 +110,13 @@ ANSWERS = [
     ("replace --field 2 --remove-empty", "abc, 東京都東京\n", "1, big\n"),
     ("replace --alternatives a", "東京\n", "pl\n"),
     ("search -D mine.bin -d", "xabc", "xab/0:mine\t\tabc/1:n\t1\t\tbc/2:mine\t\t\n"),
+    ("search -D mine.bin --every-image -f tsv", "xbc",
+     "1\t1\t2\tbc\tv\t;w\n1\t1\t2\tbc\tmine\n"),
+    ("search --all -D mine.bin --every-image -f json", "xab",
+     lines_of({"line": 1, "matches": [{**match(0, 3, "xab", "mine"), "image": 1},
+                                      {**match(1, 2, "ab", ""), "image": 0}]})),
+    ("keys -D mine.bin -d", "", "\\n\tline\nab\t\nabc\tn\t1\nbc\tmine\nxab\tmine\n"
+     "東京\tplace\n東京都\tplace\tbig\n"),
     ("lookup -D mine.bin", "bc\nxab\nab\n", "bc\tmine\nxab\tmine\nab\t\n"),
     ("replace -D mine.bin -D words.bin", "xabbc\n", "minev\n"),
     ("dump", "", "\\n\tline\nab\t\nabc\tn\t1\nbc\tv\t;w\n東京\tplace\n東京都\tplace\tbig\n"),
