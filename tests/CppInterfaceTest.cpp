@@ -72,6 +72,29 @@ TEST(CppInterface, TakesItemsOfManyShapes) {
     EXPECT_EQ(Image::openBytes(image.view()).lookup("a"), "1\t");
     EXPECT_THROW(buildItems(Words(), image), BuildError);
     EXPECT_TRUE(image.view().empty());
+    EXPECT_EQ(checkItems(Words{{"a", "1"}, {"b\t", "2"}}).problems.at(0).record().line, 2u);
+}
+
+// Items that are made as they are asked for, of which the second cannot be.
+struct FailingItems {
+    struct Iterator {
+        int number;
+        bool operator!=(const Iterator& other) const { return number != other.number; }
+        Iterator& operator++() {
+            if (++number == 1) throw 1;
+            return *this;
+        }
+        std::pair<std::string, std::string> operator*() const { return {"a", "1"}; }
+    };
+    Iterator begin() const { return {0}; }
+    Iterator end() const { return {2}; }
+};
+
+TEST(CppInterface, ItemsThatFailMakeNoImage) {
+    const TemporaryFile image("old");
+    EXPECT_THROW(buildItems(FailingItems(), image.path()), int);
+    EXPECT_EQ(image.content(), "old");
+    EXPECT_THROW(checkItems(FailingItems()), int);
 }
 
 TEST(CppInterface, FindsInEveryWay) {

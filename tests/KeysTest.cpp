@@ -26,16 +26,39 @@ Cursor cursorOf(const Handle& handle) {
     return {dictionaryOpenCursor(handle.get(), nullptr), dictionaryCloseCursor};
 }
 
+void add(const DictionaryKey& key, Listed& keys) {
+    keys.emplace_back(std::string(key.text.bytes, key.text.size),
+                      std::string(key.data.bytes, key.data.size), key.image);
+}
+
 // The keys up to the end of the cursor, behind which there is nothing.
 Listed listed(DictionaryCursor* cursor) {
     Listed keys;
     DictionaryKey key;
-    while (dictionaryNextKey(cursor, &key)) {
-        keys.emplace_back(std::string(key.text.bytes, key.text.size),
-                          std::string(key.data.bytes, key.data.size), key.image);
-    }
+    while (dictionaryNextKey(cursor, &key)) add(key, keys);
     EXPECT_FALSE(dictionaryNextKey(cursor, &key));
     EXPECT_EQ(key.text.bytes, nullptr);
+    return keys;
+}
+
+// The same by calls for many at once, of which the first asks for fewer.
+Listed listedAtOnce(DictionaryCursor* cursor) {
+    Listed keys;
+    std::vector<DictionaryKey> some(1000);
+    std::size_t wanted = 3;
+    while (const std::size_t count = dictionaryNextKeys(cursor, some.data(), wanted)) {
+        EXPECT_LE(count, wanted);
+        wanted = some.size();
+        for (std::size_t i = 0; i < count; ++i) {
+            const char* const end = some[i].text.bytes + some[i].text.size;
+            EXPECT_EQ(*end, '\0');
+            if (i + 1 < count) {
+                EXPECT_EQ(some[i + 1].text.bytes, end + 1);
+            }
+            add(some[i], keys);
+        }
+    }
+    EXPECT_EQ(dictionaryNextKeys(cursor, some.data(), some.size()), 0u);
     return keys;
 }
 
@@ -83,7 +106,10 @@ void expectModel(const Handle& handle, const std::vector<Source>& images, const 
     std::size_t found = 0;
     for (const std::string& text : texts) {
         dictionarySeekPrefix(cursor.get(), textOf(text));
-        EXPECT_EQ(listed(cursor.get()), expected(images, text)) << text;
+        const Listed some = expected(images, text);
+        EXPECT_EQ(listed(cursor.get()), some) << text;
+        dictionarySeekPrefix(cursor.get(), textOf(text));
+        EXPECT_EQ(listedAtOnce(cursor.get()), some) << text;
         keys.push_back(textOf(text));
         found += dictionaryLookupKey(handle.get(), keys.back(), nullptr) ? 1 : 0;
     }
@@ -98,7 +124,7 @@ void expectModel(const Handle& handle, const std::vector<Source>& images, const 
         EXPECT_EQ(answerOf(one), answer) << texts[i];
     }
     dictionarySeekPrefix(cursor.get(), {nullptr, 0});
-    EXPECT_EQ(listed(cursor.get()).size(), all.size());
+    EXPECT_EQ(listedAtOnce(cursor.get()), all);
 }
 
 // One character of each length, the last of their planes among them, in the order of their bytes,
@@ -178,6 +204,9 @@ TEST(Keys, ArgumentsThatAreNoneFindNothing) {
     DictionaryKey key;
     EXPECT_FALSE(dictionaryNextKey(nullptr, &key));
     EXPECT_FALSE(dictionaryNextKey(cursorOf(handle).get(), nullptr));
+    EXPECT_EQ(dictionaryNextKeys(nullptr, &key, 1), 0u);
+    EXPECT_EQ(dictionaryNextKeys(cursorOf(handle).get(), nullptr, 1), 0u);
+    EXPECT_EQ(dictionaryNextKeys(cursorOf(handle).get(), &key, 0), 0u);
     dictionarySeekPrefix(nullptr, textOf("a"));
     dictionaryCloseCursor(nullptr);
 }

@@ -180,6 +180,7 @@ test('words are whole, letters folded, and sets searched as one', async () => {
   assert.equal(new Segmenter(set, { countField: 1 }).segment(text).length, 2);
   assert.throws(() => new DictionarySet([]), { code: 'bad-argument' });
   assert.throws(() => new DictionarySet([large]), { code: 'closed' });
+  assert.throws(() => new DictionarySet([null]), { code: 'ERR_INVALID_ARG_TYPE' });
 });
 
 test('columns have what matches have', async () => {
@@ -254,7 +255,11 @@ test('what is wrong with a source is reported, and the old image stays', async (
     [[['a\uD800', 'x']], image, { code: 'bad-utf8', line: 1, column: 2 }],
     [[['a', 'x\ty']], image, { code: 'bad-separator', line: 1 }],
     [[], image, { code: 'no-records' }],
-    [[['a', 1]], image, TypeError],
+    [[['a', 'x'], ['b', 1]], image, { code: 'ERR_INVALID_ARG_TYPE', message: /^item 1 \(from 0\)/ }],
+    [['ab'], image, { code: 'ERR_INVALID_ARG_TYPE', message: /^item 0 \(from 0\)/ }],
+    [[['a', 'x'], ['b', '😐', '\uD83D']], image,
+      { code: 'ERR_INVALID_ARG_VALUE', message: /^item 1 \(from 0\).*surrogate/ }],
+    [{ bytes: 'a\tb\n' }, image, { code: 'ERR_INVALID_ARG_TYPE', message: /Uint8Array/ }],
     [`${source}\0`, image, TypeError],
     [1, image, { name: 'TypeError', code: 'ERR_INVALID_ARG_TYPE' }],
     [words, undefined, TypeError],
@@ -336,6 +341,9 @@ test('values of other types are refused', async () => {
     }
     await assert.rejects(dictionary.findAllAsync(value), TypeError);
     assert.throws(() => dictionary.getEach([value]), TypeError);
+  }
+  for (const name of ['getEach', 'findAllEach', 'findColumns', 'replaceEach']) {
+    assert.throws(() => dictionary[name]('one text'), { name: 'TypeError', code });
   }
   assert.throws(() => dictionary.findAll('a', { wholeWords: 1 }), TypeError);
 });

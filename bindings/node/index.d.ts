@@ -316,7 +316,7 @@ declare abstract class Searchable extends Segmenting implements Iterable<[string
   /** The data text with that number in that image of a set. */
   dataAt(dataNumber: number, image?: number): string | undefined;
 
-  /** Of a set, the sums. */
+  /** Of a set, the sums: a key of several dictionaries counts once for each. */
   describe(): Description;
 }
 

@@ -26,13 +26,6 @@ void ProblemLog::add(DictionaryError problem) {
     if (++m_count <= m_limit || isFirstError) m_callbacks.problem(problem);
 }
 
-void ProblemLog::addOfSource(int code, std::uint64_t line, std::uint64_t column) {
-    DictionaryError problem = errorOf(code);
-    problem.line = line;
-    problem.column = column;
-    addOfSource(problem);
-}
-
 void ProblemLog::addOfSource(DictionaryError problem) {
     problem.file = DICTIONARY_FILE_SOURCE;
     problem.path = m_sourcePath;

@@ -21,8 +21,6 @@ public:
     // Counts a problem, and reports it unless the limit is reached.
     void add(DictionaryError problem);
     void add(const SystemFailure& failure);
-    // One of the source. Line and column count from 1; 0 where none is meant.
-    void addOfSource(int code, std::uint64_t line = 0, std::uint64_t column = 0);
     void addOfSource(DictionaryError problem);
     void addOfImage(DictionaryError problem);
 

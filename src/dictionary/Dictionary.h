@@ -179,7 +179,7 @@ DICTIONARY_EXPORT int dictionaryVerifyBytes(DictionaryText bytes, DictionaryErro
 
 /* ---- What an image holds ---- */
 
-/* Of a set, the sums. */
+/* Of a set, the sums: a key of several images counts once for each. */
 typedef struct DictionaryDescription {
     size_t size;           /* sizeof(DictionaryDescription) */
     uint64_t imageBytes;   /* of the whole image */
@@ -267,6 +267,12 @@ DICTIONARY_EXPORT void dictionarySeekPrefix(DictionaryCursor* cursor, Dictionary
 
 /* The next key; false at the end, with `key` empty. */
 DICTIONARY_EXPORT bool dictionaryNextKey(DictionaryCursor* cursor, DictionaryKey* key);
+
+/* The next keys, at most `count` of them: fills `keys` from its beginning and returns how many it
+ * has filled, which may be fewer before the end, too, but 0 only there. In memory their texts
+ * follow each other, each with a NUL after it; no key has a NUL. */
+DICTIONARY_EXPORT size_t dictionaryNextKeys(DictionaryCursor* cursor, DictionaryKey* keys,
+                                            size_t count);
 
 /* Must come before the handle is closed. Null is ignored. */
 DICTIONARY_EXPORT void dictionaryCloseCursor(DictionaryCursor* cursor);
@@ -407,7 +413,8 @@ typedef struct DictionarySegmenterOptions {
  * several the one whose first word is longer, and so on. The sums are made from the end of the
  * text, in double precision.
  *
- * Every key must have the field, and a number in it; the error names a key that has not. In a set,
+ * Every key must have the field, and a number in it; the error names a key that has not and, of a
+ * set, the number of its image. In a set,
  * a key of several images counts once, as the last of them has it. A segmenter takes at most
  * 8 bytes per distinct data text, and two bits per 4 to 8 bytes of those, but less where weights
  * repeat. A text takes one byte per byte while it is segmented, and some hundred kilobytes. The
@@ -468,7 +475,8 @@ typedef struct DictionarySource {
     /* Items in memory: fills `fields` with the next item's key and data fields, which must last
      * until the next call, and `count`; false after the last item. An item's number takes the place
      * of the line in errors, and a column counts the bytes of its fields with one between two.
-     * Separators are data like anything else, but a tab or a NUL in an item is an error. */
+     * Separators are data like anything else, but a tab or a NUL in an item is an error. An
+     * exception that it throws stops the build and goes no further. */
     bool (*nextItem)(void* context, const DictionaryText** fields, size_t* count);
     void* context; /* for nextItem */
 } DictionarySource;

@@ -650,7 +650,13 @@ public:
 
     static bool next(void* self, const DictionaryText** fields, std::size_t* count) {
         Items& items = *static_cast<Items*>(self);
-        return items.m_thrown.guard([&] { return items.take(*fields, *count); });
+        bool isItem = false;
+        const bool isTaken = items.m_thrown.guard([&] {
+            isItem = items.take(*fields, *count);
+            return true;
+        });
+        if (!isTaken) throw std::bad_alloc();  // it stops the build, and goes no further
+        return isItem;
     }
 
     void rethrow() const { m_thrown.rethrow(); }
@@ -813,6 +819,15 @@ inline Built check(const DictionarySource& source, const BuildOptions& options) 
     return build.finishCheck(build.run(source, noTarget()));
 }
 
+template <class Range>
+Built checkItems(const Range& range, const BuildOptions& options) {
+    Items<Range> items(range);
+    Build build(options);
+    const int code = build.run(itemsSource(items), noTarget());
+    items.rethrow();
+    return build.finishCheck(code);
+}
+
 }  // namespace detail
 
 // Builds the image file `image` from a source: a file, bytes, or a range of items. An item is a
@@ -854,6 +869,10 @@ inline Built checkFile(const std::string& source, const BuildOptions& options = 
 }
 inline Built checkBytes(std::string_view source, const BuildOptions& options = {}) {
     return detail::check(detail::bytesSource(source), options);
+}
+template <class Range>
+Built checkItems(const Range& items, const BuildOptions& options = {}) {
+    return detail::checkItems(items, options);
 }
 
 }  // namespace dictionary

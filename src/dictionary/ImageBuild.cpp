@@ -126,7 +126,7 @@ void ImageBuild::run(SourceItems& items) {
     constexpr std::uint64_t kStep = 4096;
     m_fieldSeparator = SourceItems::kFieldSeparator;
     m_check = SourceCheck(false);
-    m_keysAreLiteral = true;
+    m_hasItems = true;
     beginReading();
     SourceRecord record;
     while (items.next(record)) {
@@ -134,12 +134,21 @@ void ImageBuild::run(SourceItems& items) {
             m_callbacks.progress(DICTIONARY_STAGE_READ, record.number - 1, 0);
         }
         for (const std::uint64_t column : items.strayTabs()) {
-            m_log.addOfSource(DICTIONARY_BAD_SEPARATOR, record.number, column);
+            report(DICTIONARY_BAD_SEPARATOR, record.number, column);
         }
         take(record);
     }
     endReading(record.number);
     build();
+}
+
+// A problem of the source. Numbers count from 1; 0 where none is meant.
+void ImageBuild::report(int code, std::uint64_t number, std::uint64_t column) {
+    const char* const words = m_hasItems ? wordsForItem(code) : nullptr;
+    DictionaryError problem = words == nullptr ? errorOf(code) : errorOf(code, words);
+    problem.line = number;
+    problem.column = column;
+    m_log.addOfSource(problem);
 }
 
 bool ImageBuild::checkSeparators() {
@@ -187,7 +196,7 @@ void ImageBuild::reportReading(const SourceText& source) const {
 
 void ImageBuild::endReading(std::uint64_t done) {
     m_callbacks.progress(DICTIONARY_STAGE_READ, done, done);
-    if (m_report.records == 0 && !m_allowEmpty) m_log.addOfSource(DICTIONARY_NO_RECORDS);
+    if (m_report.records == 0 && !m_allowEmpty) report(DICTIONARY_NO_RECORDS);
 }
 
 void ImageBuild::take(SourceRecord& record) {
@@ -195,7 +204,7 @@ void ImageBuild::take(SourceRecord& record) {
     m_sourceBytes += record.text.size();
     const std::size_t keySize = record.text.find(m_fieldSeparator);
     for (const Finding& finding : m_check.examine(record, keySize)) {
-        m_log.addOfSource(finding.code, record.number, record.skipped + finding.column);
+        report(finding.code, record.number, record.skipped + finding.column);
     }
     if (m_log.hasErrors()) m_table.reset();
     if (!m_table.has_value()) return;
@@ -219,7 +228,7 @@ void ImageBuild::cutFields(std::string_view text, std::size_t keySize) {
 // The key as the table is to have it, valid until the next call.
 std::string_view ImageBuild::keyOf(std::string_view text) {
     if (!m_isFolded) return text;
-    foldUtf8(m_keysAreLiteral ? text : trieKeyOf(text), m_foldedKey);
+    foldUtf8(m_hasItems ? text : trieKeyOf(text), m_foldedKey);
     return m_foldedKey;
 }
 
@@ -262,7 +271,7 @@ bool ImageBuild::place() {
 
 void ImageBuild::addKeys() {
     LabelCoder coder;
-    const bool isLiteral = m_keysAreLiteral || m_isFolded;
+    const bool isLiteral = m_hasItems || m_isFolded;
     m_builder.reserve(m_table->keyCount(), m_table->keyBytes());
     std::string key;
     m_table->forEachKey([&](std::uint32_t record) {

@@ -37,6 +37,7 @@ public:
     void run(SourceItems& items);
 
 private:
+    void report(int code, std::uint64_t number = 0, std::uint64_t column = 0);
     bool checkSeparators();
     void beginReading();
     void read(SourceText& source);
@@ -64,7 +65,7 @@ private:
     const bool m_isFolded;
     std::string m_foldedKey;
     SourceCheck m_check;
-    bool m_keysAreLiteral = false;       // a backslash and an n are no newline
+    bool m_hasItems = false;             // in their keys, a backslash and an n are no newline
     std::uint64_t m_sourceBytes = 0;     // of the records read so far
     std::optional<SourceTable> m_table;  // none when no image will be made
     std::vector<std::string_view> m_fields;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,15 +21,20 @@ struct DictionaryCursor {
     explicit DictionaryCursor(const Dictionary::Images& images) {
         for (const auto& image : images) {
             sources.push_back({{image->view(), image->keyIndex()}, image->isFolded()});
+            longest = std::max(longest, longestKeyOf(*image));
             if (image->isFolded()) longestFolded = std::max(longestFolded, longestKeyOf(*image));
         }
+        manyTexts.reset(new char[kTextBytes + longest + 1]);
         foldedPrefix.reserve(kMostGrowth * kMostShrinking * (longestFolded + 1));
     }
 
     void seek(std::string_view prefix);
     bool next(DictionaryKey& key);
+    std::size_t next(DictionaryKey* keys, std::size_t count);
 
 private:
+    // For the texts of many keys there is room for so many bytes and one key more.
+    static constexpr std::size_t kTextBytes = 1 << 16;
     // Folding takes a character of three bytes to one at most, and one of two bytes to three.
     static constexpr std::size_t kMostShrinking = 3;
     static constexpr std::size_t kMostGrowth = 2;
@@ -45,8 +52,10 @@ private:
     };
 
     std::vector<Source> sources;  // by the numbers of their images
+    std::size_t longest = 0;      // key, in bytes
     std::size_t longestFolded = 0;
     std::string foldedPrefix;
+    std::unique_ptr<char[]> manyTexts;
 };
 
 // Takes no memory. Of a long prefix it folds as much as makes it longer than all keys.
@@ -82,6 +91,20 @@ bool DictionaryCursor::next(DictionaryKey& key) {
     return true;
 }
 
+std::size_t DictionaryCursor::next(DictionaryKey* keys, std::size_t count) {
+    char* place = manyTexts.get();
+    const char* const full = place + kTextBytes;
+    std::size_t listed = 0;
+    while (listed < count && place < full && next(keys[listed])) {
+        DictionaryText& text = keys[listed++].text;
+        std::memcpy(place, text.bytes, text.size);
+        place[text.size] = '\0';
+        text.bytes = place;
+        place += text.size + 1;
+    }
+    return listed;
+}
+
 DictionaryCursor* dictionaryOpenCursor(const DictionaryHandle* handle, DictionaryError* error) {
     DictionaryCursor* cursor = nullptr;
     Dictionary::guarded(error, [&] {
@@ -100,6 +123,10 @@ bool dictionaryNextKey(DictionaryCursor* cursor, DictionaryKey* key) {
     if (cursor != nullptr && cursor->next(*key)) return true;
     *key = {};
     return false;
+}
+
+size_t dictionaryNextKeys(DictionaryCursor* cursor, DictionaryKey* keys, size_t count) {
+    return cursor == nullptr || keys == nullptr ? 0 : cursor->next(keys, count);
 }
 
 void dictionaryCloseCursor(DictionaryCursor* cursor) {

@@ -47,8 +47,10 @@ std::size_t labelsTo(const CellView& cells, std::int32_t cell) {
 class WeightReader {
 public:
     // Makes every weight the number in the field.
-    WeightReader(WeightedImage& weighted, const DictionarySegmenterOptions& options)
+    WeightReader(WeightedImage& weighted, const DictionarySegmenterOptions& options,
+                 std::optional<std::int64_t> numberInSet)
         : m_image(weighted.image),
+          m_numberInSet(numberInSet),
           m_options(options),
           m_field(options.field == 0 ? 1 : options.field),
           m_weights(weighted.weights),
@@ -82,6 +84,7 @@ private:
     [[noreturn]] void refuse(std::int32_t cell, int code, std::string_view value) const;
 
     const ImageView& m_image;
+    const std::optional<std::int64_t> m_numberInSet;
     const DictionarySegmenterOptions& m_options;
     const unsigned m_field;
     Weights& m_weights;
@@ -141,10 +144,12 @@ void WeightReader::refuse(std::int32_t cell, int code, std::string_view value) c
     EscapedLine line(error.text, sizeof error.text);
     line.add("the key \"");
     line.addEscaped(shown(key));
+    line.add("\"");
+    if (m_numberInSet) line.addNumber(" of image ", *m_numberInSet);
     if (code == DICTIONARY_NO_WEIGHT) {
-        line.addNumber("\" has no field ", m_field);
+        line.addNumber(" has no field ", m_field);
     } else {
-        line.add("\" has \"");
+        line.add(" has \"");
         line.addEscaped(shown(value));
         line.addNumber("\" in field ", m_field);
         const bool isCount = m_options.weights == DICTIONARY_WEIGHTS_COUNTS;
@@ -207,7 +212,10 @@ WeightedImages weigh(const DictionaryHandle& handle, const DictionarySegmenterOp
         weighted.images.push_back({image->view(), image->isFolded(), Weights(image->view())});
     }
     Readers readers;
-    for (WeightedImage& one : weighted.images) readers.emplace_back(one, options);
+    for (WeightedImage& one : weighted.images) {
+        const std::optional<std::int64_t> number(readers.size());
+        readers.emplace_back(one, options, handle.isSet ? number : std::nullopt);
+    }
     if (options.weights == DICTIONARY_WEIGHTS_COSTS) {
         weighCosts(weighted, options.unknownCost);
         return weighted;

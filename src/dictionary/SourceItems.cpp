@@ -5,6 +5,27 @@
 
 namespace Dictionary {
 
+const char* wordsForItem(int code) {
+    constexpr struct {
+        int code;
+        const char* words;
+    } kWords[] = {
+        {DICTIONARY_BAD_SEPARATOR,
+         "a field has a tab, which ends fields in an image; write it differently or divide the "
+         "field"},
+        {DICTIONARY_NO_FIELD, "the item has no data; put a field after the key"},
+        {DICTIONARY_EMPTY_RECORD, "the item is empty; remove it or give it a key and data"},
+        {DICTIONARY_EMPTY_KEY, "the key is empty and is never found; write one or remove the item"},
+        {DICTIONARY_BOM,
+         "a byte-order mark begins the first key and would be part of it; remove it"},
+        {DICTIONARY_NO_RECORDS, "there are no items; add some or allow an empty image"},
+    };
+    for (const auto& row : kWords) {
+        if (row.code == code) return row.words;
+    }
+    return nullptr;
+}
+
 bool SourceItems::next(SourceRecord& record) {
     const DictionaryText* fields = nullptr;
     std::size_t count = 0;

@@ -14,6 +14,9 @@
 
 namespace Dictionary {
 
+// What is wrong with an item, in words; null where those for the records of a text fit.
+const char* wordsForItem(int code);
+
 // An item is a record whose fields are joined by tabs, and its number is that of the record.
 class SourceItems {
 public:

@@ -47,7 +47,9 @@ void defineSearch(CLI::App& program, Action& action) {
     command.add_flag("--classic", options.classic, "What the library's function search returns")
         ->excludes(all)
         ->excludes(longest)
-        ->excludes(every);
+        ->excludes(every)
+        ->excludes(command.get_option("--word"))
+        ->excludes(command.get_option("--dictionary"));
     longest->excludes(all);
 }
 

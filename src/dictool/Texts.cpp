@@ -16,7 +16,8 @@ FindRequest::FindRequest(const dictionary::Image& image, int mode, const TextOpt
                             counts ? dictionary::Weights::counts : dictionary::Weights::costs,
                             counts ? options.countField : options.costField, options.unknownCost);
     } catch (const dictionary::Error& error) {
-        throw failureOf(error.record(), options.image);
+        // Of several images, the error itself says which.
+        throw failureOf(error.record(), options.moreImages.empty() ? options.image : "");
     }
     m_options.mode = DICTIONARY_FIND_WEIGHTED;
     m_options.segmenter = m_segmenter->segmenter();

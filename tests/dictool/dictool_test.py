@@ -306,6 +306,8 @@ class Dictool(unittest.TestCase):
             self.assertEqual(answer, (0, expected.encode(), ""))
         self.assertRefused(run("segment", "words.bin", "--count-field", "1"), TROUBLE,
                            "words.bin: error ")
+        self.assertRefused(run("segment", "weights.bin", "-D", "words.bin", "--count-field", "1"),
+                           TROUBLE, 'error bad-weight: the key "ab" of image 1 has "" in field')
         self.assertIn(b"folded                       yes\n", run("stat", "weights.bin")[1])
 
     def test_stat_and_view(self):
@@ -384,7 +386,10 @@ class Dictool(unittest.TestCase):
     def test_usage(self):
         for arguments in ([], ["bogus"], ["search"], ["search", "words.bin", "--bogus"],
                           ["search", "words.bin", "-f", "xml"], ["search", "words.bin", "-j", "-1"],
-                          ["search", "words.bin", "--all", "--longest"], ["diff", "words.bin"],
+                          ["search", "words.bin", "--all", "--longest"],
+                          ["search", "words.bin", "--classic", "--word"],
+                          ["search", "words.bin", "--classic", "-D", "mine.bin"],
+                          ["diff", "words.bin"],
                           ["segment", "words.bin", "--count-field", "1", "--cost-field", "1"],
                           ["lint", "x", "--max-problems", "0"], ["stat", "words.bin", "more"]):
             self.assertRefused(run(*arguments), TROUBLE, "error usage: ")

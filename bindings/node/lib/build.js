@@ -1,6 +1,6 @@
 'use strict';
 
-const { BuildError, DictionaryError, problemOf } = require('./errors.js');
+const { BuildError, DictionaryError, problemOf, wrongType } = require('./errors.js');
 const native = require('./native.js');
 const { isPath, pathOf } = require('./path.js');
 
@@ -11,9 +11,24 @@ const NOT_OF_SOURCES = ['bad-argument', 'no-memory', 'stopped'];
 function sourceOf(source) {
   if (isPath(source)) return { path: pathOf(source) };
   if (source?.bytes !== undefined) return { bytes: source.bytes };
-  if (source?.[Symbol.iterator]) return { items: Array.from(source, (item) => item.flat()) };
-  const error = new TypeError('a source is a path, { bytes } or an iterable of items');
-  throw Object.assign(error, { code: 'ERR_INVALID_ARG_TYPE' });
+  if (source?.[Symbol.iterator]) return { items: Array.from(source, fieldsOf) };
+  throw wrongType('a source is a path, { bytes } or an iterable of items');
+}
+
+const LONE_SURROGATE = /\p{Surrogate}/u;
+
+// The key and the data fields of an item.
+function fieldsOf(item, number) {
+  const fields = Array.isArray(item) ? item.flat() : [item];
+  if (!Array.isArray(item) || !fields.every((field) => typeof field === 'string')) {
+    throw wrongType(`item ${number} (from 0): expected an array of a key and its data, strings`);
+  }
+  // Of keys, the library says so itself.
+  if (fields.slice(1).some((field) => LONE_SURROGATE.test(field))) {
+    const error = new TypeError(`item ${number} (from 0): its data has an unpaired surrogate`);
+    throw Object.assign(error, { code: 'ERR_INVALID_ARG_VALUE' });
+  }
+  return fields;
 }
 
 // What JavaScript hears of a build and says to it.

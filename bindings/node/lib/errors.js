@@ -33,10 +33,14 @@ for (const Class of [DictionaryError, BuildError]) {
   Object.defineProperty(Class.prototype, 'name', { value: Class.name, configurable: true });
 }
 
+// As Node.js has it for an argument of a wrong type.
+const wrongType = (message) =>
+  Object.assign(new TypeError(message), { code: 'ERR_INVALID_ARG_TYPE' });
+
 // What a native function answers.
 function valueOf({ value, error }) {
   if (error) throw new DictionaryError(error);
   return value;
 }
 
-module.exports = { BuildError, DictionaryError, problemOf, valueOf };
+module.exports = { BuildError, DictionaryError, problemOf, valueOf, wrongType };

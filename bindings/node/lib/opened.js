@@ -1,5 +1,6 @@
 'use strict';
 
+const { wrongType } = require('./errors.js');
 const native = require('./native.js');
 
 const CLONE_MESSAGE =
@@ -23,6 +24,7 @@ class Opened {
   }
 
   static imageOf(opened) {
+    if (!(opened instanceof Opened)) throw wrongType('expected a dictionary');
     if (opened.#image) return opened.#image;
     throw Object.assign(new Error('the dictionary is closed'), { code: 'closed' });
   }

@@ -4,7 +4,7 @@ const { valueOf } = require('./errors.js');
 const { matchesOf, matchesOfEach } = require('./match.js');
 const native = require('./native.js');
 const { Opened } = require('./opened.js');
-const { Segmenting, define, methodsOf, searchOf } = require('./segmenting.js');
+const { Segmenting, define, listOf, methodsOf, searchOf } = require('./segmenting.js');
 
 // Keys that are asked for at a time, the first time and at most.
 const FIRST_KEYS = 16;
@@ -25,7 +25,7 @@ class Searchable extends Segmenting {
   }
 
   getEach(keys) {
-    return native.lookupEach(Opened.imageOf(this), Array.from(keys));
+    return native.lookupEach(Opened.imageOf(this), listOf(keys));
   }
 
   * entries(prefix = '') {
@@ -33,7 +33,7 @@ class Searchable extends Segmenting {
     for (let count = FIRST_KEYS; ; count = Math.min(2 * count, MOST_KEYS)) {
       const list = native.nextKeys(cursor, count);
       for (let i = 0; i < list.length; i += 2) yield [list[i], list[i + 1]];
-      if (list.length < 2 * count) return;
+      if (!list.length) return;
     }
   }
 
@@ -58,12 +58,12 @@ class Searchable extends Segmenting {
   }
 
   findColumns(texts, { mode = 'all', ...options } = {}) {
-    return valueOf(native.findColumns(...searchOf(this, mode, options), Array.from(texts)));
+    return valueOf(native.findColumns(...searchOf(this, mode, options), listOf(texts)));
   }
 
   async findColumnsAsync(texts, { mode = 'all', ...options } = {}) {
     const search = searchOf(this, mode, options);
-    return valueOf(await native.findColumnsLater(...search, Array.from(texts)));
+    return valueOf(await native.findColumnsLater(...search, listOf(texts)));
   }
 
   dataAt(dataNumber, image = 0) {

@@ -1,9 +1,15 @@
 'use strict';
 
-const { valueOf } = require('./errors.js');
+const { valueOf, wrongType } = require('./errors.js');
 const { keysOf, keysOfEach, matchesOf, matchesOfEach } = require('./match.js');
 const native = require('./native.js');
 const { Opened } = require('./opened.js');
+
+// Many texts as an array. One text is also an iterable of strings, but hardly meant as such.
+function listOf(texts) {
+  if (typeof texts === 'string') throw wrongType('many texts are expected, not one');
+  return Array.from(texts);
+}
 
 // What a native function takes of a search.
 const searchOf = (opened, mode, options) =>
@@ -21,11 +27,11 @@ function methodsOf(name, mode, ofOne, ofEach, adjust = (options) => options) {
       return ofOne(text, valueOf(await native.findLater(...argumentsOf(this, [text], options))));
     },
     [`${name}Each`](given, options) {
-      const texts = Array.from(given);
+      const texts = listOf(given);
       return ofEach(texts, valueOf(native.find(...argumentsOf(this, texts, options))));
     },
     async [`${name}EachAsync`](given, options) {
-      const texts = Array.from(given);
+      const texts = listOf(given);
       const found = await native.findLater(...argumentsOf(this, texts, options));
       return ofEach(texts, valueOf(found));
     },
@@ -61,12 +67,12 @@ class Segmenting extends Opened {
   }
 
   replaceEach(texts, options) {
-    return valueOf(native.replace(...searchOf(this, 'segment', options), Array.from(texts)));
+    return valueOf(native.replace(...searchOf(this, 'segment', options), listOf(texts)));
   }
 
   async replaceEachAsync(texts, options) {
     const search = searchOf(this, 'segment', options);
-    return valueOf(await native.replaceLater(...search, Array.from(texts)));
+    return valueOf(await native.replaceLater(...search, listOf(texts)));
   }
 
   replaceWithEdits(text, options) {
@@ -85,4 +91,4 @@ const withPieces = (options) => ({ ...options, unknownPieces: true });
 define(Segmenting, methodsOf('segment', 'segment', matchesOf, matchesOfEach));
 define(Segmenting, methodsOf('words', 'segment', keysOf, keysOfEach, withPieces));
 
-module.exports = { Segmenting, define, methodsOf, searchOf };
+module.exports = { Segmenting, define, listOf, methodsOf, searchOf };

@@ -74,21 +74,28 @@ Job openCursor(const Call& call) {
     });
 }
 
+constexpr std::size_t kCountedAtOnce = 1024;
+
 // countKeys(cursor): those that are left
 napi_value countKeys(const Call& call) {
     DictionaryCursor* const cursor = call[0].external<std::shared_ptr<Cursor>>()->cursor.get();
-    double count = 0;
-    for (DictionaryKey key = {}; dictionaryNextKey(cursor, &key);) ++count;
-    return call.env().number(count);
+    std::vector<DictionaryKey> keys(kCountedAtOnce);
+    double total = 0;
+    while (const std::size_t count = dictionaryNextKeys(cursor, keys.data(), keys.size())) {
+        total += static_cast<double>(count);
+    }
+    return call.env().number(total);
 }
 
-// nextKeys(cursor, count): up to so many keys, each with its data after it, in an array
+// nextKeys(cursor, count): up to so many keys, each with its data after it, in an array, which is
+// empty at the end
 napi_value nextKeys(const Call& call) {
     DictionaryCursor* const cursor = call[0].external<std::shared_ptr<Cursor>>()->cursor.get();
-    const auto count = static_cast<std::size_t>(call[1].number());
+    std::vector<DictionaryKey> keys(static_cast<std::size_t>(call[1].number()));
+    keys.resize(dictionaryNextKeys(cursor, keys.data(), keys.size()));
     std::vector<napi_value> list;
-    DictionaryKey key = {};
-    for (std::size_t i = 0; i < count && dictionaryNextKey(cursor, &key); ++i) {
+    list.reserve(2 * keys.size());
+    for (const DictionaryKey& key : keys) {
         list.push_back(toJs(call.env(), key.text));
         list.push_back(toJs(call.env(), key.data));
     }

@@ -226,10 +226,15 @@ std::string Value::name() const {
 }
 
 std::string Value::bytes() const {
-    napi_typedarray_type type;
+    bool isTypedArray = false;
+    napi_typedarray_type type = napi_int8_array;
     std::size_t size = 0;
     void* data = nullptr;
-    m_env.check(napi_get_typedarray_info(m_env, m_value, &type, &size, &data, nullptr, nullptr));
+    m_env.check(napi_is_typedarray(m_env, m_value, &isTypedArray));
+    if (isTypedArray) {
+        m_env.check(
+            napi_get_typedarray_info(m_env, m_value, &type, &size, &data, nullptr, nullptr));
+    }
     if (type != napi_uint8_array) m_env.throwTypeError("A Uint8Array was expected");
     return {static_cast<const char*>(data), size};
 }

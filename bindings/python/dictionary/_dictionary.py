@@ -2,6 +2,7 @@
 
 import io
 import os
+import reprlib
 from collections.abc import Callable, Iterable
 from typing import Any
 
@@ -101,10 +102,14 @@ class DictionarySet(Searchable):
     def __init__(self, dictionaries: Iterable[Dictionary]) -> None:
         self.dictionaries = tuple(dictionaries)
         """Those of the set; 1 to 64."""
+        for number, each in enumerate(self.dictionaries):
+            if not isinstance(each, Dictionary):
+                raise TypeError(f"item {number} (from 0) is {reprlib.repr(each)}: "
+                                "expected a Dictionary")
         self._image = Image.of_set([each._opened() for each in self.dictionaries])
 
     def __len__(self) -> int:
-        return sum(1 for _ in self)
+        return self._opened().count_keys("")
 
     def __reduce__(self) -> tuple[Callable[..., Any], tuple[Any, ...]]:
         return type(self), (self.dictionaries,)

@@ -17,18 +17,20 @@ from ._form import PLACE_SIZE, Form, Forms
 from ._library import (OPEN_BORROW, OPEN_COPY, OPEN_SHARE, UNIT_BYTE, UNIT_CODE_POINT, Description,
                        Error, FindOptions, Matches, library, path_bytes)
 from ._match import Match
-from ._texts import Batch, batches
+from ._texts import Batch, batches, require_many
 
 _TEXTS_PER_CALL = 64
 _KEYS_PER_CALL = 1024
+_FIRST_KEYS = 16
 _MANY_MATCHES = 1000
 _MOST_KEPT_MATCHES = 1 << 12
 _MOST_SPARE_LISTS = 16
 
 # A match as the library has it: start, length, place of the data, image.
 _MATCH = struct.Struct("@NN16s4xI")
-# A key of a list: its text, place of the data.
+# A key of a list: where its text begins, its size, place of the data.
 _KEY = struct.Struct("@PN16s8x")
+_NUL = b"\0"
 _Rows = Iterator[tuple[Any, ...]]
 
 Search = tuple[Any, Any]
@@ -169,22 +171,27 @@ class Image:
         return batch.form.data_texts(places)
 
     def keys(self, prefix: AnyStr) -> Iterator[AnyStr]:
-        return self._list(prefix, False)
+        form = self._forms.of(prefix)
+        return chain.from_iterable(_texts_of(keys, form) for keys in self._list(prefix))
 
     def items(self, prefix: AnyStr) -> Iterator[tuple[AnyStr, AnyStr]]:
-        return self._list(prefix, True)
-
-    def _list(self, prefix: AnyStr, with_data: bool) -> Iterator[Any]:
-        """The keys that begin with a prefix."""
         form = self._forms.of(prefix)
-        raw, key, decode = form.encode(prefix), create_string_buffer(_KEY.size), form.decode
-        next_key, unpack = library.dictionaryNextKey, _KEY.unpack
+        return chain.from_iterable(zip(_texts_of(keys, form), _data_of(keys, form))
+                                   for keys in self._list(prefix))
+
+    def count_keys(self, prefix: AnyStr) -> int:
+        return sum(len(keys) // _KEY.size for keys in self._list(prefix))
+
+    def _list(self, prefix: AnyStr) -> Iterator[memoryview]:
+        """The keys that begin with a prefix as the library has them, some at a time."""
+        raw, room = self._forms.of(prefix).encode(prefix), bytearray(_KEYS_PER_CALL * _KEY.size)
+        address = addressof(c_char.from_buffer(room))
         with _cursor(self) as cursor:
             library.dictionarySeekPrefix(cursor, raw, len(raw))
-            while next_key(cursor, key):
-                begin, size, place = unpack(key)
-                text = decode(string_at(begin, size))
-                yield (text, form[place]) if with_data else text
+            wanted = _FIRST_KEYS
+            while count := library.dictionaryNextKeys(cursor, address, wanted):
+                yield memoryview(room)[:count * _KEY.size]
+                wanted = _KEYS_PER_CALL
 
     def contains_key(self, search: Search, text: AnyStr) -> bool:
         raw = self._forms.of(text).encode(text)
@@ -229,12 +236,24 @@ class Image:
 
     def find_columns(self, search: Search, texts: Iterable[AnyStr], skip_missing: bool) -> Columns:
         columns, error = Columns(), Error()
+        require_many(texts)
         batch = Batch(texts, 0, self._forms, skip_missing)
         if library.dictionaryFindColumns(self.handle, search[batch.form.unit],
                                          batch.packed.address, len(batch),
                                          byref(columns.memory), byref(error)):
             raise exception_of(error)
         return columns
+
+
+def _texts_of(keys: memoryview, form: Form[AnyStr]) -> Iterator[AnyStr]:
+    """Those of listed keys, which stand one after the other, each with a NUL after it."""
+    begin, *_ = _KEY.unpack_from(keys)
+    last, size, _ = _KEY.unpack_from(keys, len(keys) - _KEY.size)
+    return iter(form.decode(string_at(begin, last + size - begin)).split(form.decode(_NUL)))
+
+
+def _data_of(keys: memoryview, form: Form[AnyStr]) -> Iterator[AnyStr | None]:
+    return (form[place] for _, _, place in _KEY.iter_unpack(keys))
 
 
 @contextlib.contextmanager

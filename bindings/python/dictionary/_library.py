@@ -132,7 +132,7 @@ _FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
     "dictionaryLookupKey": (c_bool, [_HANDLE, *_TEXT, _POINTER]),
     "dictionaryLookupKeys": (c_size_t, [_HANDLE, _POINTER, c_size_t, _POINTER]),
     "dictionaryMakeSegmenter": (_SEGMENTER, [_HANDLE, _POINTER, _ERROR]),
-    "dictionaryNextKey": (c_bool, [_CURSOR, _POINTER]),
+    "dictionaryNextKeys": (c_size_t, [_CURSOR, _POINTER, c_size_t]),
     "dictionaryOpenBytes": (_HANDLE, [*_TEXT, c_int, _ERROR]),
     "dictionaryOpenCursor": (_CURSOR, [_HANDLE, _ERROR]),
     "dictionaryOpenFile": (_HANDLE, [c_char_p, c_int, _ERROR]),

@@ -17,7 +17,7 @@ _MODES = {"all": FIND_ALL, "longest": FIND_LONGEST, "segment": FIND_SEGMENT}
 
 
 class Description(NamedTuple):
-    """What an image holds; of a set, the sums."""
+    """What an image holds; of a set, the sums: a key of several counts once for each."""
 
     image_bytes: int
     cells: int
@@ -193,6 +193,8 @@ class Searchable(Mapping[str, str], Segmentation):
         >>> list(columns.text), list(columns.start), list(columns.end)
         ([0, 2, 2], [0, 0, 1], [1, 2, 2])
         """
+        if mode not in _MODES:
+            raise ValueError(f"mode must be one of {', '.join(map(repr, _MODES))}")
         search = search_of(_MODES[mode], whole_words, every_image)
         return self._opened().find_columns(search, texts, skip_missing)
 

@@ -78,6 +78,9 @@ def _fields(number: int, item: Any) -> list[bytes]:
         if isinstance(item, (str, bytes)):
             raise TypeError("expected a key and its data")
         key, data = item
+        if not isinstance(data, Iterable):
+            raise TypeError("expected a data field or an iterable of some, "
+                            f"not {type(data).__name__}")
         return list(map(_encoded, (key, data) if isinstance(data, (str, bytes)) else (key, *data)))
     except TypeError as error:
         raise TypeError(f"item {number} (from 0): {error}") from None

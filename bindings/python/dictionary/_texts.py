@@ -58,10 +58,14 @@ class Batch(list[Any]):
                                 "expected str, all of them, or bytes")
 
 
-def batches(texts: Iterable[AnyStr], size: int, forms: Forms,
-            skip_missing: bool) -> Iterator[Batch]:
+def require_many(texts: object) -> None:
     if isinstance(texts, (str, bytes)):
         raise TypeError("expected many texts, not one")
+
+
+def batches(texts: Iterable[AnyStr], size: int, forms: Forms,
+            skip_missing: bool) -> Iterator[Batch]:
+    require_many(texts)
     return _batches(iter(texts), size, forms, skip_missing)
 
 

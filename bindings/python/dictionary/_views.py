@@ -19,7 +19,9 @@ class _View(Generic[AnyStr]):
         return items
 
     def __len__(self) -> int:
-        return sum(1 for _ in self._items()) if self._prefix else len(self._mapping)
+        if not self._prefix:
+            return len(self._mapping)
+        return int(self._mapping._opened().count_keys(self._prefix))
 
     def __repr__(self) -> str:
         return f"<{type(self).__name__} of {self._mapping!r} with prefix {self._prefix!r}>"

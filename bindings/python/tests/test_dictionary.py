@@ -143,7 +143,9 @@ class SearchTest(FolderTest):
                      words.replace_each):
             for texts in ("text", b"text", 1, [1], ["a", b"a"], [b"a", "a"]):
                 if many != words.replace_each or not isinstance(texts, list) or texts == [1]:
-                    self.assertRaises(TypeError, lambda: list(many(texts)))
+                    # Columns cannot be listed, whatever they are of.
+                    self.assertRaises(TypeError, lambda: [*many(texts).text] if
+                                      many == words.find_columns else list(many(texts)))
 
     def test_missing_texts_have_no_matches(self):
         words = Dictionary.open("sample.bin")
@@ -256,6 +258,9 @@ class MappingTest(FolderTest):
         self.assertEqual(both["hello"], "2\t")
         self.assertRaises(ValueError, DictionarySet, [general])
         self.assertRaises(ValueError, DictionarySet, [])
+        self.assertRaises(ValueError, both.find_columns, ["a"], "weighted")
+        for dictionaries in ([None], own, [both]):
+            self.assertRaisesRegex(TypeError, r"^item 0 \(from 0\)", DictionarySet, dictionaries)
 
 
 class SegmentationTest(FolderTest):
@@ -439,7 +444,10 @@ class BuildTest(FolderTest):
             with self.assertRaisesRegex(BuildError, f"^none.*: {code}: ") as raised:
                 Dictionary.build(source, image)
             self.assertEqual((raised.exception.errno, raised.exception.line), (2, None))
-        for items, error in ((["ab"], TypeError), ([("a", 1)], TypeError),
+        for data, words in (([], "the item has no data"), ("y\tz", "a field has a tab")):
+            with self.assertRaisesRegex(BuildError, words):
+                Dictionary.build([("a", data)], None)
+        for items, error in ((["ab"], TypeError), ([("a", 1)], TypeError), ([("a", None)], TypeError),
                              ([("a", [1])], TypeError), ([("a",)], ValueError),
                              ([("a", "\ud800")], ValueError),
                              ((1 / 0 for _ in "a"), ZeroDivisionError), (5, TypeError)):
