@@ -1,7 +1,7 @@
 #include "ImageCheck.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
 #include <limits>
 #include <vector>
 
@@ -38,10 +38,15 @@ private:
     std::vector<std::uint64_t> m_words;
 };
 
-enum Word : std::int64_t { kBase = 0, kCheck = 4, kFeature = 8 };
+// A word of a cell, by its byte.
+enum Word : std::int64_t {
+    kBase = offsetof(Cell, base),
+    kCheck = offsetof(Cell, check),
+    kFeature = offsetof(Cell, feature)
+};
 
-// Finds out that a cell is wrong with few jumps, and only then what is wrong with it: a sound image
-// is read about as fast as memory gives it.
+// Finds out that a cell is wrong with few branches, and only then what is wrong with it: a sound
+// image is checked about as fast as memory is read.
 class ImageCheck {
 public:
     ImageCheck(const void* image, std::int64_t size, std::int32_t alphabetSize)
@@ -166,8 +171,8 @@ bool ImageCheck::recordsFillTheArea() {
     return true;
 }
 
-// A text's first character leads to the cell of its code, whatever the check there, so that nothing
-// but children of the root may stand in these cells.
+// A text's first character leads to the cell of its code, whatever the check there, so that these
+// cells may hold nothing but children of the root.
 bool ImageCheck::reservedCellsAreRight() {
     for (std::int32_t index = 1; index <= std::min(m_alphabetSize, m_count - 1); ++index) {
         const Cell cell = m_cells[index];

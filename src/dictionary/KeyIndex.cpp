@@ -98,10 +98,6 @@ Node Nodes::nodeOf(std::uint32_t cell, std::uint32_t parent) const {
             endsKey(here)};
 }
 
-std::int32_t characterOf(std::int32_t high, std::int32_t low) {
-    return kBmpEnd + ((high - kHighSurrogates) << kSurrogateBits) + (low - kLowSurrogates);
-}
-
 // Returns where the length ends.
 char* writeLength(char* place, std::size_t length) {
     const auto value = static_cast<std::uint32_t>(length);
@@ -169,7 +165,7 @@ void KeyLister::enter(const Node& node) {
     m_index.m_places[node.cell] = static_cast<std::uint32_t>(m_index.m_entries.size());
     addStep(node, isHigh ? node.label : 0);
     if (isHigh) return;
-    appendUtf8(high == 0 ? node.label : characterOf(high, node.label), m_text);
+    appendUtf8(high == 0 ? node.label : codeOfPair(high, node.label), m_text);
     if (node.isKey) list(node.feature);
 }
 

@@ -49,9 +49,7 @@ std::uint64_t OpenImage::keyCount() const {
 
 std::uint64_t OpenImage::countKeys() const {
     std::uint64_t count = 0;
-    for (std::int64_t index = 1; index < cellCount(); ++index) {
-        count += endsKey(m_view.cells()[index]) ? 1 : 0;
-    }
+    forEachKeyCell(m_view.cells(), [&](std::int32_t, std::int32_t) { ++count; });
     return count;
 }
 

@@ -26,16 +26,6 @@ namespace Dictionary {
 
 namespace {
 
-// The cells that end keys, by `use(cell, feature)`.
-template <class Use>
-void forEachKeyCell(const CellView& cells, Use use) {
-    for (std::uint32_t cell = 1; cell < cells.firstLimit(); ++cell) {
-        if (endsKey(cells.baseOf(cell))) {
-            use(static_cast<std::int32_t>(cell), cells.featureOf(cell));
-        }
-    }
-}
-
 // How many labels lead to `cell`, which must be a node of a sound image.
 std::size_t labelsTo(const CellView& cells, std::int32_t cell) {
     std::size_t labels = 0;

@@ -36,7 +36,7 @@ constexpr Cell kFreeCell = {0, kFreeCheck, kNoFeature};
 constexpr std::int32_t kCellBytes = sizeof(Cell);
 constexpr std::int64_t kMaxImageBytes = std::numeric_limits<std::int32_t>::max();
 
-// A cell as it stands in the image, where an untouched cell's check is 0.
+// A cell as it is in the image, where the check of an untouched cell is 0.
 inline Cell imageCell(Cell cell) {
     if (cell.check == kFreeCheck) cell.check = kFreeImageCheck;
     return cell;
@@ -129,11 +129,21 @@ private:
     std::int32_t m_childLimit;  // cells that a transition may reach
 };
 
+// Calls `use(cell, feature)` for every cell that ends a key, from the first to the last.
+template <class Use>
+void forEachKeyCell(const CellView& cells, Use use) {
+    for (std::uint32_t cell = 1; cell < cells.firstLimit(); ++cell) {
+        if (endsKey(cells.baseOf(cell))) {
+            use(static_cast<std::int32_t>(cell), cells.featureOf(cell));
+        }
+    }
+}
+
 inline Cell headerOf(const void* image) {
     return CellView(image, kCellBytes)[0];
 }
 
-// Whether an image in `size` bytes has all the cells and features of which its header tells.
+// Whether an image in `size` bytes has all the cells and features that its header counts.
 inline bool isAsLongAsItSays(const void* image, std::int64_t size) {
     if (size < kCellBytes) return false;
     const Cell header = headerOf(image);

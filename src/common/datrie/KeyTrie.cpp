@@ -27,9 +27,9 @@ std::uint32_t commonPrefix(KeyCodes left, KeyCodes right) {
     return shared;
 }
 
-// Negative, 0 or positive as the left key stands before the right one, is equal to it, or stands
-// behind it. Their first `shared` codes are the same, the ones that follow are not.
-int compareBehind(std::uint32_t shared, KeyCodes left, KeyCodes right) {
+// Negative, 0 or positive as the left key comes before the right one, is equal to it, or comes
+// after it. Their first `shared` codes are the same, the ones that follow are not.
+int compareAfter(std::uint32_t shared, KeyCodes left, KeyCodes right) {
     const bool leftEnds = shared == left.length();
     const bool rightEnds = shared == right.length();
     if (leftEnds || rightEnds) return rightEnds - leftEnds;
@@ -37,10 +37,10 @@ int compareBehind(std::uint32_t shared, KeyCodes left, KeyCodes right) {
 }
 
 int compare(KeyCodes left, KeyCodes right) {
-    return compareBehind(commonPrefix(left, right), left, right);
+    return compareAfter(commonPrefix(left, right), left, right);
 }
 
-// Stable counting sort by `keyOf`, whose values lie below `limit`.
+// Stable counting sort by `keyOf`, whose values are below `limit`.
 template <class Item, class KeyOf>
 void countingSort(std::vector<Item>& items, std::vector<Item>& scratch, std::size_t limit,
                   KeyOf keyOf) {
@@ -87,7 +87,7 @@ void KeyTrie::sortKeys() {
     for (const auto& entry : byLead) m_order.push_back(entry.second);
 }
 
-// False, with the rest left undone, where a key stands before a smaller one.
+// False, with the rest left undone, where a key comes before a smaller one.
 bool KeyTrie::findBranches() {
     m_branches.resize(m_keyCount);
     std::size_t sharedPrefixes = 0;
@@ -97,7 +97,7 @@ bool KeyTrie::findBranches() {
             const KeyCodes before = codesAt(rank - 1);
             const KeyCodes key = codesAt(rank);
             shared = commonPrefix(before, key);
-            if (compareBehind(shared, before, key) > 0) return false;
+            if (compareAfter(shared, before, key) > 0) return false;
             sharedPrefixes += shared - std::min(shared, m_branches[rank - 1].shared);
         }
         m_branches[rank] = {shared, stepOf(rank, shared)};
@@ -119,9 +119,9 @@ std::uint32_t KeyTrie::sharedWithNext(std::uint32_t rank) const {
 // still open.
 void KeyTrie::findSharedNodes() {
     struct Open {
-        std::uint32_t first;
+        std::uint32_t begin;
         std::uint32_t prefix;
-        std::uint32_t maker;
+        std::uint32_t smallestKey;
     };
     std::vector<Open> open = {{0, 0, kNoNumber}};
     for (std::uint32_t rank = 0; rank < m_keyCount; ++rank) {
@@ -129,22 +129,22 @@ void KeyTrie::findSharedNodes() {
         const std::uint32_t length = lengthAt(rank);
         m_totalPassing += length - 1;
         if (prefix < length) ++m_leafCount;
-        std::uint32_t first = rank;
-        std::uint32_t maker = keyAt(rank);
+        std::uint32_t begin = rank;
+        std::uint32_t smallestKey = keyAt(rank);
         while (open.back().prefix > prefix) {
             const Open closed = open.back();
             open.pop_back();
-            first = closed.first;
-            maker = std::min(maker, closed.maker);
-            addSharedNodes({first, rank + 1, 0, maker, {}}, closed.prefix,
+            begin = closed.begin;
+            smallestKey = std::min(smallestKey, closed.smallestKey);
+            addSharedNodes({begin, rank + 1, 0, smallestKey, {}}, closed.prefix,
                            std::max(prefix, open.back().prefix));
         }
-        if (open.back().prefix < prefix) open.push_back({first, prefix, maker});
-        open.back().maker = std::min(open.back().maker, maker);
+        if (open.back().prefix < prefix) open.push_back({begin, prefix, smallestKey});
+        open.back().smallestKey = std::min(open.back().smallestKey, smallestKey);
     }
 
     std::vector<TrieNode> scratch;
-    sortByDepthAndMaker(m_shared, scratch);
+    sortByDepthAndKey(m_shared, scratch);
     const auto passing = [](const TrieNode& node) { return node.passing(); };
     const std::uint32_t most = greatest(m_shared, passing);
     countingSort(m_shared, scratch, most + std::size_t{1},
@@ -152,10 +152,10 @@ void KeyTrie::findSharedNodes() {
 }
 
 template <class Item>
-void KeyTrie::sortByDepthAndMaker(std::vector<Item>& items, std::vector<Item>& scratch) const {
-    const auto maker = [](const Item& item) { return item.maker; };
+void KeyTrie::sortByDepthAndKey(std::vector<Item>& items, std::vector<Item>& scratch) const {
+    const auto smallestKey = [](const Item& item) { return item.smallestKey; };
     const auto depth = [](const Item& item) { return item.depth; };
-    if (!m_inOrder) countingSort(items, scratch, m_keys.size() + 1, maker);
+    if (!m_inOrder) countingSort(items, scratch, m_keys.size() + 1, smallestKey);
     countingSort(items, scratch, greatest(items, depth) + std::size_t{1}, depth);
 }
 
@@ -166,28 +166,28 @@ void KeyTrie::addSharedNodes(const TrieNode& interval, std::uint32_t prefix,
     TrieNode node = interval;
     for (std::uint32_t length = parentPrefix + 1; length < prefix; ++length) {
         node.depth = length - 1;
-        node.firstStep = stepOf(node.first, length);
+        node.firstStep = stepOf(node.begin, length);
         m_shared.push_back(node);
     }
-    while (node.first < node.last && lengthAt(node.first) == prefix) ++node.first;
+    while (node.begin < node.end && lengthAt(node.begin) == prefix) ++node.begin;
     if (node.passing() < 2) return;
     node.depth = prefix - 1;
-    node.firstStep = stepOf(node.first, prefix);
+    node.firstStep = stepOf(node.begin, prefix);
     m_shared.push_back(node);
 }
 
-SolitaryNodes KeyTrie::takeSolitaryNodes() {
+TailNodes KeyTrie::takeTailNodes() {
     std::vector<TrieNode>().swap(m_shared);
-    std::vector<SolitaryRun> runs;
-    runs.reserve(m_leafCount);
-    for (std::uint32_t rank = 0; rank < m_keyCount; ++rank) addSolitaryRun(rank, runs);
+    std::vector<Tail> tails;
+    tails.reserve(m_leafCount);
+    for (std::uint32_t rank = 0; rank < m_keyCount; ++rank) addTail(rank, tails);
     std::vector<Branch>().swap(m_branches);
-    std::vector<SolitaryRun> scratch;
-    sortByDepthAndMaker(runs, scratch);
-    return {m_keys, std::move(runs), m_inOrder};
+    std::vector<Tail> scratch;
+    sortByDepthAndKey(tails, scratch);
+    return {m_keys, std::move(tails), m_inOrder};
 }
 
-void KeyTrie::addSolitaryRun(std::uint32_t rank, std::vector<SolitaryRun>& runs) const {
+void KeyTrie::addTail(std::uint32_t rank, std::vector<Tail>& tails) const {
     const std::uint32_t before = m_branches[rank].shared;
     const std::uint32_t after = sharedWithNext(rank);
     const std::uint32_t shared = std::max(before, after);
@@ -195,34 +195,37 @@ void KeyTrie::addSolitaryRun(std::uint32_t rank, std::vector<SolitaryRun>& runs)
     if (shared == length) return;
 
     // The node above is this key's alone, too, when all other keys with its prefix end there.
-    SolitaryRun run = {keyAt(rank), shared, keyAt(rank)};
+    Tail tail = {keyAt(rank), shared, keyAt(rank)};
     if (before > after && lengthAt(rank - 1) == before) {
-        --run.depth;
+        --tail.depth;
         for (std::uint32_t equal = rank - 1;; --equal) {
-            run.maker = std::min(run.maker, keyAt(equal));
+            tail.smallestKey = std::min(tail.smallestKey, keyAt(equal));
             if (equal == 0 || m_branches[equal].shared < before || lengthAt(equal - 1) > before) {
                 break;
             }
         }
     }
-    if (run.depth + 1 >= length) return;
-    runs.push_back(run);
+    if (tail.depth + 1 >= length) return;
+    tails.push_back(tail);
 }
 
 void KeyTrie::childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const {
     children.clear();
     const std::uint32_t prefix = node.depth + 1;
     Step step = node.firstStep;
-    std::uint32_t begin = node.first;
-    while (begin < node.last) {
+    std::uint32_t begin = node.begin;
+    while (begin < node.end) {
         std::uint32_t end = begin + 1;
-        while (end < node.last && m_branches[end].shared > prefix) ++end;
-        std::uint32_t first = begin;
-        if (step.isLast()) ++first;
+        while (end < node.end && m_branches[end].shared > prefix) ++end;
+        std::uint32_t firstPassing = begin;
+        if (step.isLast()) ++firstPassing;
         // Keys equal to one that ends there have nothing of their own.
-        while (first > begin && first < end && m_branches[first].step.left == 0) ++first;
-        children.push_back({step.label, begin, first, end});
-        if (end < node.last) step = m_branches[end].step;
+        while (firstPassing > begin && firstPassing < end &&
+               m_branches[firstPassing].step.left == 0) {
+            ++firstPassing;
+        }
+        children.push_back({step.label, begin, firstPassing, end});
+        if (end < node.end) step = m_branches[end].step;
         begin = end;
     }
 }

@@ -13,14 +13,14 @@
 #include <vector>
 
 #include "KeyPool.h"
-#include "SolitaryNodes.h"
+#include "TailNodes.h"
 #include "TrieNodes.h"
 
 namespace Dictionary {
 
-// Placement takes nodes by passing keys falling, then depth rising, then maker rising. A node that
-// several keys pass is kept as a record. The nodes that one key passes, nearly all of them, follow
-// from where each key's solitary run begins, and leaves need no order.
+// Nodes are placed by passing keys falling, then depth rising, then smallest key rising. A node
+// that several keys pass is kept as a TrieNode. The nodes that one key passes, nearly all of them,
+// follow from where the tail of each key begins, and leaves need no order.
 class KeyTrie {
 public:
     // Sorts the keys and finds the nodes. Keys without codes have none. `keys` must outlive the
@@ -34,20 +34,20 @@ public:
     // The nodes that at least two keys pass, in placement order.
     const std::vector<TrieNode>& sharedNodes() const { return m_shared; }
 
-    // The nodes that one key passes. The shared ones go, with all that belongs to them.
-    SolitaryNodes takeSolitaryNodes();
+    // The nodes that one key passes. Drops the shared ones, with everything that belongs to them.
+    TailNodes takeTailNodes();
 
     // Asks for the memory that childrenOf will need. Nodes that are placed one after the other lie
     // far apart, so their cache misses are better taken together.
     void prefetch(const TrieNode& node) const {
-        __builtin_prefetch(&m_branches[node.first]);
-        if (!m_inOrder) __builtin_prefetch(&m_order[node.first]);
+        __builtin_prefetch(&m_branches[node.begin]);
+        if (!m_inOrder) __builtin_prefetch(&m_order[node.begin]);
     }
 
     // Fills `children` with the children of a node, by label.
     void childrenOf(const TrieNode& node, std::vector<TrieChild>& children) const;
 
-    // The implicit root: all ranks pass it, and its children stand at depth 0.
+    // The implicit root: all ranks pass it, and its children are at depth 0.
     static constexpr std::uint32_t kRootDepth = static_cast<std::uint32_t>(-1);
     TrieNode root() const { return {0, m_keyCount, kRootDepth, 0, m_branches[0].step}; }
 
@@ -72,9 +72,9 @@ private:
     bool findBranches();
     void findSharedNodes();
     void addSharedNodes(const TrieNode& interval, std::uint32_t prefix, std::uint32_t parentPrefix);
-    void addSolitaryRun(std::uint32_t rank, std::vector<SolitaryRun>& runs) const;
+    void addTail(std::uint32_t rank, std::vector<Tail>& tails) const;
     template <class Item>
-    void sortByDepthAndMaker(std::vector<Item>& items, std::vector<Item>& scratch) const;
+    void sortByDepthAndKey(std::vector<Item>& items, std::vector<Item>& scratch) const;
     std::uint32_t sharedWithNext(std::uint32_t rank) const;
     std::uint32_t lengthAt(std::uint32_t rank) const { return m_branches[rank].length(); }
     Step stepOf(std::uint32_t rank, std::uint32_t prefix) const;

@@ -21,13 +21,14 @@ void SourceTable::add(const std::vector<std::string_view>& fields) {
 }
 
 void SourceTable::arrange() {
-    const std::vector<LedString> order =
+    const std::vector<SortEntry> order =
         sortedStrings(recordCount(), [this](std::uint32_t record) { return key(record); });
     m_keys.reserve(order.size());
-    const LedString* const last = order.data() + order.size();
-    for (const LedString *first = order.data(), *end; first != last; first = end) {
+    const SortEntry* const last = order.data() + order.size();
+    for (const SortEntry *first = order.data(), *end; first != last; first = end) {
         end = first + 1;
-        while (end != last && end->lead == first->lead && key(end->number) == key(first->number)) {
+        while (end != last && end->prefix == first->prefix &&
+               key(end->number) == key(first->number)) {
             ++end;
         }
         if (end - first > 1) join(first, end);
@@ -37,14 +38,14 @@ void SourceTable::arrange() {
 
 // Puts the data of a key's records, in source order, one behind the other, and shows each record as
 // much of it as ends with its own.
-void SourceTable::join(const LedString* first, const LedString* end) {
+void SourceTable::join(const SortEntry* first, const SortEntry* end) {
     const std::string_view key = this->key(first->number);
     std::size_t size = key.size();
-    for (const LedString* i = first; i != end; ++i) size += data(i->number).size() + 1;
+    for (const SortEntry* i = first; i != end; ++i) size += data(i->number).size() + 1;
     char* const text = m_arena.allocate(size);
     char* const joined = std::copy(key.begin(), key.end(), text);
     char* out = joined;
-    for (const LedString* i = first; i != end; ++i) {
+    for (const SortEntry* i = first; i != end; ++i) {
         if (i != first) *out++ = ';';
         const std::string_view own = data(i->number);
         out = std::copy(own.begin(), own.end(), out);

@@ -69,7 +69,7 @@ private:
         std::uint32_t dataSize;
     };
 
-    void join(const LedString* first, const LedString* end);
+    void join(const SortEntry* first, const SortEntry* end);
 
     ByteArena m_arena;
     std::vector<Record> m_records;

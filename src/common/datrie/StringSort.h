@@ -14,34 +14,34 @@ namespace Dictionary {
 
 // A string's number with its first eight bytes, whose unsigned order is the strings'. Packed, since
 // a sort moves a third more with the gap that would follow.
-struct [[gnu::packed]] LedString {
-    std::uint64_t lead;
+struct [[gnu::packed]] SortEntry {
+    std::uint64_t prefix;
     std::uint32_t number;
 };
 
-inline std::uint64_t leadingBytes(std::string_view text) {
-    std::uint64_t lead = 0;
-    std::memcpy(&lead, text.data(), std::min(text.size(), sizeof lead));
-    return __builtin_bswap64(lead);
+inline std::uint64_t prefixOf(std::string_view text) {
+    std::uint64_t prefix = 0;
+    std::memcpy(&prefix, text.data(), std::min(text.size(), sizeof prefix));
+    return __builtin_bswap64(prefix);
 }
 
-// Radix sort by the byte of the lead at bit `shift` and those after it; few strings, and those of
-// equal leads, are left to a sort by `before`.
+// Radix sort by the byte of the prefix at bit `shift` and those after it; few strings, and those of
+// equal prefixes, are left to a sort by `before`.
 template <class Before>
-void sortByLead(LedString* strings, LedString* scratch, std::size_t count, int shift,
-                const Before& before) {
+void sortByPrefix(SortEntry* strings, SortEntry* scratch, std::size_t count, int shift,
+                  const Before& before) {
     constexpr std::size_t kFew = 64;
     constexpr int kDigitBits = 8;
     constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
     if (count <= kFew || shift < 0) return std::sort(strings, strings + count, before);
 
-    const auto digit = [shift](const LedString& string) {
-        return string.lead >> shift & (kDigits - 1);
+    const auto digit = [shift](const SortEntry& string) {
+        return string.prefix >> shift & (kDigits - 1);
     };
     std::size_t ends[kDigits] = {};
     for (std::size_t i = 0; i < count; ++i) ++ends[digit(strings[i])];
     if (ends[digit(strings[0])] == count) {
-        return sortByLead(strings, scratch, count, shift - kDigitBits, before);
+        return sortByPrefix(strings, scratch, count, shift - kDigitBits, before);
     }
     for (std::size_t i = 1; i < kDigits; ++i) ends[i] += ends[i - 1];
     std::copy_n(strings, count, scratch);
@@ -52,28 +52,28 @@ void sortByLead(LedString* strings, LedString* scratch, std::size_t count, int s
     }
     for (std::size_t i = 0; i < kDigits; ++i) {
         const std::size_t size = ends[i] - starts[i];
-        if (size > 1) sortByLead(strings + starts[i], scratch, size, shift - kDigitBits, before);
+        if (size > 1) sortByPrefix(strings + starts[i], scratch, size, shift - kDigitBits, before);
     }
 }
 
 // The strings `textOf(0)` to `textOf(count - 1)` in bytewise order, equal ones by number. Strings
 // that are in order already take one pass.
 template <class TextOf>
-std::vector<LedString> sortedStrings(std::uint32_t count, TextOf textOf) {
+std::vector<SortEntry> sortedStrings(std::uint32_t count, TextOf textOf) {
     constexpr int kTopShift = 56;
-    std::vector<LedString> strings;
+    std::vector<SortEntry> strings;
     strings.reserve(count);
     for (std::uint32_t number = 0; number < count; ++number) {
-        strings.push_back({leadingBytes(textOf(number)), number});
+        strings.push_back({prefixOf(textOf(number)), number});
     }
-    const auto before = [&](const LedString& left, const LedString& right) {
-        if (left.lead != right.lead) return left.lead < right.lead;
+    const auto before = [&](const SortEntry& left, const SortEntry& right) {
+        if (left.prefix != right.prefix) return left.prefix < right.prefix;
         const int order = textOf(left.number).compare(textOf(right.number));
         return order != 0 ? order < 0 : left.number < right.number;
     };
     if (!std::is_sorted(strings.begin(), strings.end(), before)) {
-        std::vector<LedString> scratch(count);
-        sortByLead(strings.data(), scratch.data(), count, kTopShift, before);
+        std::vector<SortEntry> scratch(count);
+        sortByPrefix(strings.data(), scratch.data(), count, kTopShift, before);
     }
     return strings;
 }

@@ -69,11 +69,11 @@ void StringTable::grow() {
 }
 
 std::vector<std::uint32_t> StringTable::sorted() const {
-    const std::vector<LedString> strings =
+    const std::vector<SortEntry> strings =
         sortedStrings(size(), [this](std::uint32_t number) { return (*this)[number]; });
     std::vector<std::uint32_t> order(strings.size());
     std::transform(strings.begin(), strings.end(), order.begin(),
-                   [](const LedString& string) { return string.number; });
+                   [](const SortEntry& string) { return string.number; });
     return order;
 }
 

@@ -15,8 +15,7 @@ std::string_view recordText(std::string_view feature) {
     return feature.substr(0, feature.find('\0'));
 }
 
-// How many nodes before a node is placed the memory is asked for that it needs, and the memory to
-// which this points.
+// Prefetch distances, in nodes: of what a node needs, and of what that points to.
 constexpr std::size_t kFarAhead = 16;
 constexpr std::size_t kNearAhead = 8;
 
@@ -123,8 +122,8 @@ Placement TrieBuilder::place(PlacementListener& listener) {
 bool TrieBuilder::placeAll(PlacementListener& listener) {
     if (!placeRoot() || !placeAllShared(listener)) return false;
     m_cells.endWideSearches();
-    if (!placeAllSolitary(listener)) return false;
-    // Leaves got all there is to them with their parents; they only count.
+    if (!placeAllTails(listener)) return false;
+    // Leaves are complete with their parents; they only count.
     for (std::uint64_t leaf = 0; leaf < m_trie->leafCount(); ++leaf) count(0, listener);
     return true;
 }
@@ -135,8 +134,8 @@ bool TrieBuilder::placeAllShared(PlacementListener& listener) {
         if (i + kFarAhead < nodes.size()) {
             const TrieNode& far = nodes[i + kFarAhead];
             m_trie->prefetch(far);
-            __builtin_prefetch(&m_cellOfKey[m_trie->keyAt(far.first)]);
-            const std::uint32_t near = m_trie->keyAt(nodes[i + kNearAhead].first);
+            __builtin_prefetch(&m_cellOfKey[m_trie->keyAt(far.begin)]);
+            const std::uint32_t near = m_trie->keyAt(nodes[i + kNearAhead].begin);
             m_cells.prefetch(m_cellOfKey[near]);
             __builtin_prefetch(&m_keyStrings[near]);
         }
@@ -146,19 +145,19 @@ bool TrieBuilder::placeAllShared(PlacementListener& listener) {
     return true;
 }
 
-bool TrieBuilder::placeAllSolitary(PlacementListener& listener) {
-    SolitaryNodes solitary = m_trie->takeSolitaryNodes();
-    while (solitary.goDeeper()) {
-        const std::vector<SolitaryNode>& nodes = solitary.nodes();
+bool TrieBuilder::placeAllTails(PlacementListener& listener) {
+    TailNodes tails = m_trie->takeTailNodes();
+    while (tails.goDeeper()) {
+        const std::vector<TailNode>& nodes = tails.nodes();
         for (std::size_t i = 0; i < nodes.size(); ++i) {
             if (i + kFarAhead < nodes.size()) {
-                const SolitaryNode& far = nodes[i + kFarAhead];
-                solitary.prefetch(far);
-                __builtin_prefetch(&m_cellOfKey[far.number]);
-                m_cells.prefetch(m_cellOfKey[nodes[i + kNearAhead].number]);
+                const TailNode& far = nodes[i + kFarAhead];
+                tails.prefetch(far);
+                __builtin_prefetch(&m_cellOfKey[far.key]);
+                m_cells.prefetch(m_cellOfKey[nodes[i + kNearAhead].key]);
             }
             count(1, listener);
-            if (!placeSolitary(nodes[i].number, solitary.stepBehind(nodes[i]))) return false;
+            if (!placeTailNode(nodes[i].key, tails.stepAfter(nodes[i]))) return false;
         }
     }
     return true;
@@ -180,7 +179,7 @@ bool TrieBuilder::placeRoot() {
     for (const TrieChild& child : m_children) {
         if (!m_cells.takeRoot(child.label)) return false;
         markEnd(child.label, child);
-        if (!child.isLeaf()) m_cellOfKey[m_trie->keyAt(child.first)] = child.label;
+        if (!child.isLeaf()) m_cellOfKey[m_trie->keyAt(child.firstPassing)] = child.label;
     }
     return true;
 }
@@ -191,19 +190,19 @@ bool TrieBuilder::placeShared(const TrieNode& node) {
     for (const TrieChild& child : m_children) m_labels.push_back(child.label);
     const std::int64_t base = m_cells.findBase(m_trie->leadingChild(m_children).label, m_labels);
     if (base < 0) return false;
-    const std::int64_t parent = m_cellOfKey[m_trie->keyAt(node.first)];
+    const std::int64_t parent = m_cellOfKey[m_trie->keyAt(node.begin)];
     m_cells.setBase(parent, base);
     for (const TrieChild& child : m_children) {
         const std::int64_t index = base + child.label;
         m_cells.takeChild(index, parent);
         markEnd(index, child);
         if (child.isLeaf()) continue;
-        m_cellOfKey[m_trie->keyAt(child.first)] = static_cast<std::int32_t>(index);
+        m_cellOfKey[m_trie->keyAt(child.firstPassing)] = static_cast<std::int32_t>(index);
     }
     return true;
 }
 
-bool TrieBuilder::placeSolitary(std::uint32_t key, Step step) {
+bool TrieBuilder::placeTailNode(std::uint32_t key, Step step) {
     const std::int64_t base = m_cells.findBaseOfOne(step.label);
     if (base < 0) return false;
     const std::int64_t parent = m_cellOfKey[key];
@@ -215,13 +214,13 @@ bool TrieBuilder::placeSolitary(std::uint32_t key, Step step) {
     return true;
 }
 
-// Equal keys stand in order of their numbers.
+// Equal keys are in the order of their numbers.
 void TrieBuilder::markEnd(std::int64_t index, const TrieChild& child) {
-    if (child.begin == child.first) return;
-    markEnd(index, m_trie->keyAt(child.begin), m_trie->keyAt(child.first - 1));
+    if (child.begin == child.firstPassing) return;
+    markEnd(index, m_trie->keyAt(child.begin), m_trie->keyAt(child.firstPassing - 1));
 }
 
-// Of equal keys, the first gives a leaf its number, and the last one added decides the feature.
+// Of equal keys, the first one added gives a leaf its number, and the last one its feature.
 void TrieBuilder::markEnd(std::int64_t index, std::uint32_t firstKey, std::uint32_t lastKey) {
     m_cells.markTerminal(index, static_cast<std::int32_t>(firstKey),
                          m_recordOffsets[m_keyStrings[lastKey]]);

@@ -85,9 +85,9 @@ private:
     bool placeAll(PlacementListener& listener);
     bool placeRoot();
     bool placeAllShared(PlacementListener& listener);
-    bool placeAllSolitary(PlacementListener& listener);
+    bool placeAllTails(PlacementListener& listener);
     bool placeShared(const TrieNode& node);
-    bool placeSolitary(std::uint32_t key, Step step);
+    bool placeTailNode(std::uint32_t key, Step step);
     void markEnd(std::int64_t index, const TrieChild& child);
     void markEnd(std::int64_t index, std::uint32_t firstKey, std::uint32_t lastKey);
     void count(std::uint64_t passing, PlacementListener& listener);

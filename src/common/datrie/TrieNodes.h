@@ -1,5 +1,5 @@
-// Helper, not installed: what is told of a trie's nodes, by the ranks of keys in sorted order and
-// by their numbers in the order in which they were added.
+// Helper, not installed: what is known of a trie's nodes. Ranks count keys in sorted order, numbers
+// in the order in which they were added.
 
 #ifndef DICTIONARY_TRIE_NODES_H
 #define DICTIONARY_TRIE_NODES_H
@@ -9,50 +9,50 @@
 
 namespace Dictionary {
 
-// Stands behind the numbers of all keys.
+// Greater than the number of every key.
 constexpr std::uint32_t kNoNumber = static_cast<std::uint32_t>(-1);
 
-// How a key goes on behind a prefix that it has.
+// How a key goes on after a prefix that it has.
 struct Step {
-    std::int32_t label;  // the code behind the prefix, if there is one
-    std::uint32_t left;  // codes behind the prefix
+    std::int32_t label;  // the code after the prefix, if there is one
+    std::uint32_t left;  // codes after the prefix
 
     bool isLast() const { return left == 1; }
 };
 
-// A node that at least one key passes: keys first to last - 1 (ranks) go on beyond it.
+// A node that at least one key passes: the keys of ranks begin to end - 1 go on beyond it.
 struct TrieNode {
-    std::uint32_t first;
-    std::uint32_t last;
-    std::uint32_t depth;  // position of the node's last code in its keys
-    std::uint32_t maker;  // the smallest number among the keys that have the node's prefix
-    Step firstStep;       // of the first of those keys, behind the node
+    std::uint32_t begin;
+    std::uint32_t end;
+    std::uint32_t depth;        // position of the node's last code in its keys
+    std::uint32_t smallestKey;  // the smallest number among the keys that have the node's prefix
+    Step firstStep;             // of the first of those keys, after the node
 
-    std::uint32_t passing() const { return last - first; }
+    std::uint32_t passing() const { return end - begin; }
 };
 
-// A child of a node: ranks begin to end - 1 have its prefix, of which those before `first` end
-// there.
+// A child of a node: the keys of ranks begin to end - 1 have its prefix. Those before firstPassing
+// end there, the others pass it.
 struct TrieChild {
     std::int32_t label;
     std::uint32_t begin;
-    std::uint32_t first;
+    std::uint32_t firstPassing;
     std::uint32_t end;
 
-    bool isLeaf() const { return first == end; }
+    bool isLeaf() const { return firstPassing == end; }
 };
 
-// Where the nodes begin that one key alone passes; they go on to the key's end.
-struct SolitaryRun {
-    std::uint32_t number;  // the key's
+// The nodes that one key alone passes: they begin at a depth and go on to the key's end.
+struct Tail {
+    std::uint32_t key;
     std::uint32_t depth;
-    std::uint32_t maker;  // of the run's first node; the others were made by the key itself
+    std::uint32_t smallestKey;  // of the first node; of the others it is `key`
 };
 
-// A node that exactly one key passes.
-struct SolitaryNode {
-    std::uint32_t number;  // the key's
-    std::uint32_t left;    // codes of it behind the node
+// A node of a tail.
+struct TailNode {
+    std::uint32_t key;
+    std::uint32_t left;    // codes of it after the node
     std::size_t nextCode;  // where they begin in the pool of keys
 
     bool isLast() const { return left == 1; }
