@@ -1,5 +1,6 @@
 #include "Words.h"
 
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <tuple>
@@ -12,12 +13,21 @@ namespace {
 
 using Handle = std::unique_ptr<DictionaryHandle, decltype(&dictionaryClose)>;
 
-// One handle is open for one image, so it can name the image.
-using Key = std::tuple<const DictionaryHandle*, int, int, unsigned, double>;
+// A shared image is in memory once, so where its bytes are names it while it is open.
+using Key = std::tuple<const char*, int, int, unsigned, double>;
 
 Key keyOf(const DictionaryHandle* handle, const WordsOptions& options) {
     const DictionarySegmenterOptions& weights = options.weights;
-    return {handle, options.mode, weights.weights, weights.field, weights.unknownCost};
+    return {dictionaryImageBytes(handle, 0).bytes, options.mode, weights.weights, weights.field,
+            weights.unknownCost};
+}
+
+using OpenWords = std::map<Key, std::weak_ptr<const Words>>;
+
+void forgetClosed(OpenWords& open) {
+    for (auto entry = open.begin(); entry != open.end();) {
+        entry = entry->second.expired() ? open.erase(entry) : std::next(entry);
+    }
 }
 
 struct ModeName {
@@ -56,18 +66,22 @@ Words::~Words() {
 
 std::shared_ptr<const Words> Words::open(const WordsOptions& options) {
     static std::mutex mutex;
-    static std::map<Key, std::weak_ptr<const Words>> open;
+    static OpenWords open;
     const std::lock_guard<std::mutex> lock(mutex);
     Handle handle = openImage(options.path);
-    std::weak_ptr<const Words>& entry = open[keyOf(handle.get(), options)];
-    if (std::shared_ptr<const Words> words = entry.lock()) return words;
+    const Key key = keyOf(handle.get(), options);
+    forgetClosed(open);
+    const auto known = open.find(key);
+    if (known != open.end()) {
+        if (std::shared_ptr<const Words> words = known->second.lock()) return words;
+    }
     const std::shared_ptr<Words> words(new Words(handle.release(), options));
     if (options.mode == DICTIONARY_FIND_WEIGHTED) {
         DictionaryError error;
         words->m_segmenter = dictionaryMakeSegmenter(words->m_handle, &options.weights, &error);
         if (words->m_segmenter == nullptr) throw Error(messageOf(error));
     }
-    entry = words;
+    open[key] = words;
     return words;
 }
 
