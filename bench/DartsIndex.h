@@ -5,7 +5,7 @@
 
 #include <darts.h>
 
-#include "Neighbour.h"
+#include "OtherDictionary.h"
 
 namespace Bench {
 

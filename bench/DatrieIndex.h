@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "Neighbour.h"
+#include "OtherDictionary.h"
 
 namespace Bench {
 

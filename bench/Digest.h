@@ -8,7 +8,7 @@
 
 #include <functional>
 
-#include "Neighbour.h"
+#include "OtherDictionary.h"
 
 namespace Bench {
 

@@ -1,4 +1,4 @@
-// Everything that is measured: the neighbours and the library, as a list of types.
+// Everything that is measured: other libraries and this one, as a list of types.
 
 #ifndef BENCH_ENGINES_H
 #define BENCH_ENGINES_H
@@ -12,7 +12,7 @@
 namespace Bench {
 
 // The engine whose answers the others' are held against.
-using Reference = Neighbour<DartsIndex>;
+using Reference = OtherDictionary<DartsIndex>;
 
 template <class T>
 struct Type {
@@ -34,9 +34,9 @@ void forEachFurtherKernel(Use use) {
 template <class Use>
 void forEachEngine(Use use) {
     use(Type<Reference>());
-    use(Type<Neighbour<MarisaIndex>>());
-    use(Type<Neighbour<DatrieIndex>>());
-    use(Type<Neighbour<HashIndex>>());
+    use(Type<OtherDictionary<MarisaIndex>>());
+    use(Type<OtherDictionary<DatrieIndex>>());
+    use(Type<OtherDictionary<HashIndex>>());
     use(Type<Library>());
 }
 

@@ -1,11 +1,11 @@
-// absl::flat_hash_map: finds whole keys only. The keys' bytes lie together beside it.
+// absl::flat_hash_map: finds whole keys only. The bytes of all keys are in one string beside it.
 
 #ifndef BENCH_FLAT_HASH_INDEX_H
 #define BENCH_FLAT_HASH_INDEX_H
 
 #include <absl/container/flat_hash_map.h>
 
-#include "Neighbour.h"
+#include "OtherDictionary.h"
 
 namespace Bench {
 

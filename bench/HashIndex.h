@@ -6,7 +6,7 @@
 
 #include <mutex>
 
-#include "Neighbour.h"
+#include "OtherDictionary.h"
 
 namespace Bench {
 
@@ -81,7 +81,7 @@ private:
         }
     }
 
-    std::string m_own;  // the keys' bytes, unless they stand in a file
+    std::string m_own;  // the keys' bytes, unless they are in a file
     Map m_numbers;
     mutable Map m_beginnings;  // made when the first text is searched
     mutable std::once_flag m_beginningsMade;

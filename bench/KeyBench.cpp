@@ -40,7 +40,7 @@ struct Queries {
         keyCount = all.size();
         all.insert(all.end(), material.nearMisses.begin(), material.nearMisses.end());
         std::shuffle(all.begin(), all.end(), std::mt19937_64(kSeed));
-        mixed = Texts(all);  // copies lie in memory in this order
+        mixed = Texts(all);  // the copies are in memory in this order
     }
 
     std::size_t keyCount;
@@ -99,7 +99,7 @@ const Engine& engineOf(const std::string& dictionary) {
     return *engine;
 }
 
-// The workloads. Each gives a receiver what it finds.
+// The workloads. Each passes what it finds to a receiver.
 
 template <std::size_t kLimit>
 struct Listing {
@@ -209,9 +209,9 @@ void measureIndex(benchmark::State& state, const std::string& dictionary) {
 }
 
 void addWorkloads() {
-    using Map = Neighbour<MapIndex>;
-    using Marisa = Neighbour<MarisaIndexInOrder>;
-    using Datrie = Neighbour<DatrieIndex>;
+    using Map = OtherDictionary<MapIndex>;
+    using Marisa = OtherDictionary<MarisaIndexInOrder>;
+    using Datrie = OtherDictionary<DatrieIndex>;
     addRows<Map, Marisa, Datrie, KeyLibrary>(
         Workload<ListingAll>{"list-keys", &Queries::everything});
     addRows<Map, Marisa, Datrie, KeyLibrary>(
@@ -220,7 +220,7 @@ void addWorkloads() {
         Workload<Completing>{"complete-2-characters", &Queries::first2});
     addRows<Map, Marisa, Datrie, KeyLibrary>(
         Workload<Completing>{"complete-3-characters", &Queries::first3});
-    addRows<Neighbour<FlatHashIndex>, Map, Marisa, Datrie, KeyLibrary>(
+    addRows<OtherDictionary<FlatHashIndex>, Map, Marisa, Datrie, KeyLibrary>(
         Workload<LookingUp>{"many-keys", &Queries::mixed});
     for (const std::string dictionary : kDictionaries) {
         const std::string name = "key-index/" + dictionary + "/" + KeyLibrary::kName;

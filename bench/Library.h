@@ -1,4 +1,4 @@
-// The dictionary library itself, used as its neighbours are.
+// The dictionary library itself, used as the others are.
 
 #ifndef BENCH_LIBRARY_H
 #define BENCH_LIBRARY_H
@@ -15,7 +15,7 @@
 #include "DATWriter.h"
 #include "ImageFormat.h"
 #include "Kernel.h"
-#include "Neighbour.h"
+#include "OtherDictionary.h"
 
 namespace Bench {
 

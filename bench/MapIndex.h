@@ -5,7 +5,7 @@
 
 #include <map>
 
-#include "Neighbour.h"
+#include "OtherDictionary.h"
 
 namespace Bench {
 

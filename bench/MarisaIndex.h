@@ -5,7 +5,7 @@
 
 #include <marisa.h>
 
-#include "Neighbour.h"
+#include "OtherDictionary.h"
 
 namespace Bench {
 
@@ -21,7 +21,7 @@ public:
             set.push_back(keys.starts[i], keys.lengths[i]);
         }
         m_trie.build(set, kNodeOrder);
-        m_own.resize(set.size() + set.size() % 2);  // the trie behind them wants eight bytes
+        m_own.resize(set.size() + set.size() % 2);  // the trie after them is aligned to eight bytes
         for (std::size_t i = 0; i < set.size(); ++i) m_own[set[i].id()] = keys.numbers[i];
         m_numbers = m_own.data();
     }

@@ -51,7 +51,7 @@ inline bool keyLess(const Entry& left, const Entry& right) {
 // Owns what its entries point to.
 class Source {
 public:
-    // Records end with a newline and have a key and at least one field, set apart by tabs.
+    // Records end with a newline and have a key and at least one field, separated by tabs.
     explicit Source(std::string bytes) : m_bytes(std::move(bytes)) {
         split();
         // Keys that are equal keep their order in the source.

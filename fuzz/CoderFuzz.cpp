@@ -79,7 +79,7 @@ void requireAgreement(const std::string& bytes, ConversionFlags flags) {
     const auto narrow = convert(ConvertUTF16toUTF8, wide, flags);
     require(codes.result == narrow.result && codes.used == narrow.used, "UTF-16 is read alike");
     require(convert(ConvertUTF32toUTF8, codes.units, lenientConversion).units == narrow.units,
-            "and gives the same");
+            "and the result is the same");
     const auto replaced = convert(ConvertUTF32toUTF16, values, lenientConversion);
     for (std::uint32_t& value : values) {
         if (value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) value = 0xFFFD;
@@ -99,7 +99,7 @@ void requireEncoding(std::string text, int length) {
     const int result = coder.encodeString(placed, codes, positions, length);
     require(Codes(codes.begin(), codes.end()) == expected, "the legal characters are encoded");
     require(result == std::all_of(codes.begin(), codes.end(), [](int c) { return c < 0x10000; }),
-            "the result tells of the plane");
+            "the result shows the plane");
     int start = 0;
     for (std::size_t i = 0; i < codes.size(); ++i) {
         char decoded[4];

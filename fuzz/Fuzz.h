@@ -38,7 +38,7 @@ inline std::vector<std::string> split(const std::string& text, const std::string
     return pieces;
 }
 
-// An input, taken piece by piece from its front; all zero behind its end.
+// An input, taken piece by piece from its front; after its end all is zero.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size)

@@ -1,4 +1,4 @@
-// Images that are accepted, behind which lies a page that cannot be read: no lookup reaches it. An
+// Images that are accepted, followed by a page that cannot be read: no lookup reaches it. An
 // input is the size of a text in one byte, the text, and the image. The corpus holds sound images.
 
 #include "BoundaryText.h"
@@ -64,7 +64,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         const Dictionary::ImageFault fault =
             Dictionary::checkImage(guarded.data(), image.size(), coder->getNumOfSingleWord());
         require(fault.text != nullptr && fault.offset < static_cast<std::int64_t>(image.size()),
-                "a fault lies in the image");
+                "a fault is inside the image");
         if (fault.code != DICTIONARY_OK) continue;
         for (const bool reverse : {false, true}) lookUp(*coder, guarded.data(), text, reverse);
     }

@@ -1,5 +1,5 @@
-// The check of sources: what it tells is in order, what it accepts is built, and as the plain build
-// would build it.
+// The check of sources: what it reports is in order, and what it accepts is built to the bytes of
+// the plain build.
 
 #include "DATDictionarySample.h"
 #include "Dictionary.h"
@@ -12,7 +12,7 @@ namespace {
 // A build takes far longer than a check, so only one source in so many is built.
 constexpr std::size_t kBuilds = 16;
 
-struct Told {
+struct Reported {
     std::vector<std::pair<std::uint64_t, std::uint64_t>> places;
     int worst = DICTIONARY_WARNING;
 };
@@ -24,16 +24,16 @@ struct Separators {
 
 constexpr Separators kSeparators[] = {{"\t", "\n"}, {"||", ";;"}, {"\\009", "\\013\\010"}};
 
-DictionaryBuildOptions optionsFor(const Separators& separators, bool lenient, Told& told) {
+DictionaryBuildOptions optionsFor(const Separators& separators, bool lenient, Reported& reported) {
     DictionaryBuildOptions options = {};
     options.size = sizeof options;
     options.fieldSeparator = separators.field;
     options.recordSeparator = separators.record;
     options.problemLimit = 1000000;
     options.lenient = lenient;
-    options.context = &told;
+    options.context = &reported;
     options.onProblem = [](void* context, const DictionaryError* problem) {
-        Told& all = *static_cast<Told*>(context);
+        Reported& all = *static_cast<Reported*>(context);
         all.places.emplace_back(problem->line, problem->column);
         all.worst = std::min(all.worst, problem->severity);
     };
@@ -78,16 +78,18 @@ int build(const std::string& text, const char* image, const DictionaryBuildOptio
 
 // Checks a source and returns whether an image can be made of it.
 int check(const std::string& source, const Separators& separators, bool lenient) {
-    Told told;
-    const DictionaryBuildOptions options = optionsFor(separators, lenient, told);
+    Reported reported;
+    const DictionaryBuildOptions options = optionsFor(separators, lenient, reported);
     DictionaryBuildReport report = {};
     report.size = sizeof report;
     const int result = build(source, nullptr, options, &report);
-    require(std::is_sorted(told.places.begin(), told.places.end()), "problems come in order");
-    require(told.places.size() == report.problems, "problems are counted");
-    require(told.places.empty() || told.places.back().first <= report.records,
+    require(std::is_sorted(reported.places.begin(), reported.places.end()),
+            "problems come in order");
+    require(reported.places.size() == report.problems, "problems are counted");
+    require(reported.places.empty() || reported.places.back().first <= report.records,
             "problems are those of records");
-    require((result == DICTIONARY_OK) == (told.worst == DICTIONARY_WARNING), "an error decides");
+    require((result == DICTIONARY_OK) == (reported.worst == DICTIONARY_WARNING),
+            "an error decides");
     return result;
 }
 
@@ -98,8 +100,8 @@ bool isPlain(const std::string& source) {
 
 void requireSameImage(const std::string& text, const Separators& separators) {
     const TemporaryFile source(text), image, plainImage;
-    Told told;
-    const DictionaryBuildOptions options = optionsFor(separators, true, told);
+    Reported reported;
+    const DictionaryBuildOptions options = optionsFor(separators, true, reported);
     require(build(text, image.path(), options, nullptr) == DICTIONARY_OK,
             "a build ends as the check did");
     if (!isPlain(text)) return;

@@ -101,6 +101,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
             std::vector<std::string>(fields.begin(), fields.end()) == split(record, fieldSeparator),
             "fields are those of the record");
     }
-    require(reader.next() == nullptr, "what has no separator behind it is no record");
+    require(reader.next() == nullptr, "bytes without a separator after them are no record");
     return 0;
 }

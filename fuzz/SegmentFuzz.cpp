@@ -11,7 +11,7 @@ constexpr std::size_t kMostKeys = 20;
 constexpr std::size_t kMostLetters = 12;
 constexpr std::size_t kMostText = 400;
 
-// Bytes that are no text stand for letters; any others are themselves.
+// Bytes that are no text are taken for letters; any others are themselves.
 std::string textOf(const std::string& bytes) {
     std::string text;
     for (const char byte : bytes) {

@@ -102,7 +102,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     require(wildcard(pattern.c_str(), rest.c_str()) == matchSlowly(pattern.c_str(), rest.c_str()),
             "wildcards match");
     const bool digits = !text.empty() && text.find_first_not_of("0123456789") == text.npos;
-    require(IsDigitString(text) == (digits ? 0 : -1), "digits are told");
+    require(IsDigitString(text) == (digits ? 0 : -1), "digits are recognised");
     require(Str2Long(Long2Str(Str2Long(text))) == Str2Long(text), "numbers come back");
     const std::string items = text.substr(0, text.find('\0'));
     require(GetItemNumFromSQL("select" + items + "from ") <=

@@ -1,4 +1,4 @@
-# Says in the libraries' packages what CPack cannot: that those of several architectures may stand
+# Writes to the libraries' packages what CPack cannot: that those of several architectures may be
 # side by side. Takes out the scripts that CPack adds for ldconfig, as the trigger does their work.
 
 foreach(package IN LISTS CPACK_PACKAGE_FILES)

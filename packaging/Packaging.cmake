@@ -1,4 +1,4 @@
-# Debian packages, one a component that is installed; scripts/package makes them.
+# Debian packages, one per component that is installed; scripts/package makes them.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)

@@ -22,7 +22,7 @@ void forEachBoundaryText(std::string text, int count, const Visit& visit) {
     for (const char byte : bytes) forEachBoundaryText(text + byte, count - 1, visit);
 }
 
-// Bytes behind which lies a page that cannot be read.
+// Bytes that are followed by a page that cannot be read.
 class GuardedBytes {
 public:
     explicit GuardedBytes(const std::string& bytes) {

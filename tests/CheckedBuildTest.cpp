@@ -144,7 +144,7 @@ struct Folder {
 };
 
 TEST(CheckedBuild, TellsEveryProblemInOrder) {
-    // L stands for an error, or a warning when the build is lenient; W for a warning when no image
+    // L is an error, or a warning when the build is lenient; W is a warning when no image
     // is made.
     const std::pair<std::string, std::string> cases[] = {
         {kGood, ""},
@@ -458,7 +458,7 @@ mode_t unfinishedAccess(const std::string& folder) {
 TEST(CheckedBuild, KeepsLinksAndAccess) {
     const Folder folder;
     const mode_t mask = umask(027);
-    // Only some users can give a file away.
+    // Only some users can change the owner of a file.
     const uid_t owner = chown(folder.image.c_str(), 1, 1) == 0 ? 1 : geteuid();
     chmod(folder.image.c_str(), 0604);
     for (const auto& [file, mode] : {std::pair{"image", 0604u}, std::pair{"new", 0640u}}) {
@@ -524,7 +524,7 @@ TEST(CheckedBuild, TakesDescriptorsOfNamedFilesAlone) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), {}), 1);
 }
 
-// A pipe that nobody writes to, and one that somebody only holds.
+// A pipe without a writer, and one whose writer writes nothing.
 TEST(CheckedBuild, StopsWhileItWaitsForAPipe) {
     const Folder folder, elsewhere;
     const std::string pipe = elsewhere.path + "/pipe";

@@ -51,7 +51,7 @@ const Keys kKeySets[] = {
     {{"CAT", "animal"}, {"CUT", "verb"}, {"CUTE", "verb"}, {"ABACAD", "x"}, {"\x7F\x7F", "y"}},
 };
 
-// Counts images that are accepted, over which no lookup may reach the page behind them.
+// Counts images that are accepted, over which no lookup may reach the page after them.
 int tryOut(const std::string& image) {
     if (check(image).code != DICTIONARY_OK) return 0;
     LetterCoder coder;

@@ -108,7 +108,7 @@ private:
         return result;
     }
 
-    // A key that starts before the one in front of it keeps back all that follow.
+    // A key that starts before the one before it holds back all that follow.
     static decltype(Answers::groups) grouped(const std::vector<Found>& every, std::size_t size) {
         decltype(Answers::groups) groups(size);
         int least = 0;

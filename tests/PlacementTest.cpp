@@ -65,7 +65,7 @@ std::vector<std::string> randomKeys(const KeySet& set, std::mt19937& random) {
     return keys;
 }
 
-// Compares the raw cells, in which free ones can be told from used ones.
+// Compares the raw cells, which show free ones apart from used ones.
 void expectSameCells(CDATWriter& writer, LiteralTrie& literal, const KeySet& set) {
     const int count = literal.cellCount();
     std::vector<std::array<int, 3>> cells(static_cast<std::size_t>(count) + 1, {9, 9, 9});
@@ -198,7 +198,7 @@ TEST(Placement, NodeByNodeEqualsAWholeBuild) {
     EXPECT_EQ(single.imageSize(), whole.imageSize() + 12 + static_cast<int>(sizeof "same" - 1 + 4));
 }
 
-// Codes so large that their cells would lie beyond what an image can hold.
+// Codes so large that their cells would be beyond what an image can hold.
 class FarCoder : public LetterCoder {
 public:
     FarCoder(std::size_t from, int shift) : m_from(from), m_shift(shift) {}
@@ -288,7 +288,7 @@ TEST(Placement, NeedsAtLeastTheCellsThatItIsSaidToNeed) {
 }
 
 TEST(Placement, GivesOutCellsBelowTheLimitOnly) {
-    // The leading child of two, a cell that is taken, and where the last child comes to lie.
+    // The leading child of two, a cell that is taken, and the cell of the last child.
     const std::array<int, 3> rows[] = {{1, 0, 7}, {3, 0, 7}, {1, 7, 8}};
     for (const auto& [leading, taken, last] : rows) {
         for (const int limit : {last, last + 1}) {

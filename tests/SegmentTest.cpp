@@ -295,7 +295,7 @@ std::size_t lengthOf(const std::string& text, int unit) {
     return units;
 }
 
-// What the pieces of a text, in bytes and in another unit, say of its replacement.
+// The replacement of a text as its pieces in bytes and in another unit have it.
 TEST(Replace, SaysWhatBecameOfWhat) {
     Random random;
     const Words words = random.words(20, [&] { return random.key(4) + "\t3"; });

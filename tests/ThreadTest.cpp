@@ -24,7 +24,7 @@ Texts textsOver(const Texts& letters, std::size_t most) {
     return texts;
 }
 
-// Everything that lookups say of a text, as one text; `image` may be null.
+// The results of all lookups in a text, as one text; `image` may be null.
 std::string answer(void* handle, const DictionaryHandle* image, const std::string& text) {
     char* const found = search(text.c_str(), handle, true);
     std::string all = found;

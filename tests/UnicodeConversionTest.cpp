@@ -42,7 +42,7 @@ ConversionResult repeated(const Source** source, const Source* sourceEnd, Target
     return result;
 }
 
-// Whether the conversion of `source` gives `target`, and with less room stops ready to go on.
+// Whether `source` is converted to `target`, and with less room the conversion can be continued.
 template <typename Source, typename Target>
 void checkRooms(Conversion<Source, Target> conversion, const std::vector<Source>& source,
                 const std::vector<Target>& target, std::size_t room) {

@@ -53,7 +53,7 @@ void lookup(sqlite3_context* context, int, sqlite3_value** arguments) {
     });
 }
 
-// "ok", or an error that says what is wrong with the image.
+// "ok", or an error with what is wrong with the image.
 void verify(sqlite3_context* context, int, sqlite3_value** arguments) {
     answer(context, [&] {
         DictionaryError error;

@@ -44,7 +44,7 @@ private:
 class Words {
 public:
     // Opens an image. However many connections ask for it, one image is mapped once per process and
-    // its weights are read once. Throws an Error that says what is wrong with the image or its
+    // its weights are read once. Throws an Error for what is wrong with the image or its
     // weights.
     static std::shared_ptr<const Words> open(const WordsOptions& options);
 

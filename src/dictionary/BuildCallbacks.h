@@ -11,7 +11,7 @@
 
 namespace Dictionary {
 
-// Throws DICTIONARY_STOPPED when a callback says so, or throws itself.
+// Throws DICTIONARY_STOPPED when a callback stops the build or throws.
 class BuildCallbacks {
 public:
     explicit BuildCallbacks(const DictionaryBuildOptions& options)

@@ -1,4 +1,4 @@
-// Helper, not installed: the form in which Dictionary.h hands out data texts.
+// Helper, not installed: data texts as Dictionary.h returns them.
 
 #ifndef DICTIONARY_DATA_TEXT_H
 #define DICTIONARY_DATA_TEXT_H
@@ -9,7 +9,7 @@
 
 namespace Dictionary {
 
-// Of what is no key.
+// The data of what is no key.
 constexpr DictionaryText kNoText = {nullptr, 0};
 
 // A data text, empty or not, is never null.

@@ -1,5 +1,5 @@
-// Helper, not installed: an open file that is closed on every path, and calls that go on after a
-// signal.
+// Helper, not installed: a file descriptor that is closed on every path, and system calls that are
+// repeated after a signal.
 
 #ifndef DICTIONARY_DESCRIPTOR_H
 #define DICTIONARY_DESCRIPTOR_H
@@ -11,7 +11,7 @@
 
 namespace Dictionary {
 
-// Makes a system call until no signal interrupts it. Returns its result.
+// Repeats a system call while signals interrupt it. Returns its result.
 template <class Call>
 auto callUninterrupted(Call call) {
     for (;;) {
@@ -34,8 +34,7 @@ public:
     bool isOpen() const { return m_number >= 0; }
     int number() const { return m_number; }
 
-    // False, and errno set, when the system says that closing failed. Linux closes what a signal
-    // interrupts, too.
+    // False, with errno set, when closing failed. After a signal the file is closed, too, on Linux.
     bool close() {
         return !isOpen() || ::close(std::exchange(m_number, kNone)) == 0 || errno == EINTR;
     }

@@ -1,4 +1,4 @@
-// The words of an error record in one line.
+// An error record as one line of text.
 
 #include <cstddef>
 #include <cstdint>

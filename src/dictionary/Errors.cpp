@@ -72,7 +72,7 @@ constexpr CodeKind kKinds[] = {
      "the image would replace the source; give it another name"},
     {DICTIONARY_FIELD_MARK, "field-mark", kWarning, kWarning,
      "the field begins with \";\", which marks the next record of a repeated key; "
-     "write it differently if readers are to tell the two apart"},
+     "write it differently if readers must distinguish the two"},
 
     {DICTIONARY_NO_WEIGHT, "no-weight", kError, kError,
      "a key does not have the field with its weight"},

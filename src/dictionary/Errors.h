@@ -1,4 +1,4 @@
-// Helper, not installed: error records, and where exceptions become such records.
+// Helper, not installed: error records, and how exceptions become error records.
 
 #ifndef DICTIONARY_ERRORS_H
 #define DICTIONARY_ERRORS_H
@@ -7,7 +7,7 @@
 
 namespace Dictionary {
 
-// What is known of a code.
+// A code, in a table of all codes.
 struct CodeKind {
     int code;
     const char* name;
@@ -16,7 +16,7 @@ struct CodeKind {
     const char* text;                    // what is wrong and what to do about it
 };
 
-// That of DICTIONARY_OK is the first.
+// The row of a code; of an unknown code, a row for all of these.
 const CodeKind& codeKindOf(int code);
 
 // Thrown inside the library; `guarded` makes it the error of a call.
@@ -24,7 +24,7 @@ struct Failure {
     DictionaryError error;
 };
 
-// An error of no file and no place, with the code's words or with others.
+// An error without file and place, with the text of the code or with another one.
 DictionaryError errorOf(int code);
 DictionaryError errorOf(int code, const char* text);
 
@@ -34,7 +34,7 @@ inline void requireArgument(bool isRight, const char* text) {
     if (!isRight) refuseArgument(text);
 }
 
-// Throws what the system said of a file; ENOMEM is DICTIONARY_NO_MEMORY.
+// Throws `code` with the system's error for a file; ENOMEM is DICTIONARY_NO_MEMORY.
 [[noreturn]] void failOnFile(int code, DictionaryFile file, const char* path, int systemError);
 
 // The record of the exception that is being handled.
@@ -43,7 +43,7 @@ DictionaryError errorInFlight();
 // Makes `error`, which may be null, the record of a call that went well.
 void setNoError(DictionaryError* error);
 
-// Calls `action` and returns its code, with all that it throws in the record of `error`, which may
+// Calls `action` and returns DICTIONARY_OK, or the code of what it throws. Fills `error`, which may
 // be null.
 template <class Action>
 int guarded(DictionaryError* error, const Action& action) {

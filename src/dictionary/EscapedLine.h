@@ -1,4 +1,4 @@
-// Helper, not installed: a line of words and of bytes that may be any.
+// Helper, not installed: a line of text that can hold any bytes, escaped.
 
 #ifndef DICTIONARY_ESCAPED_LINE_H
 #define DICTIONARY_ESCAPED_LINE_H
@@ -14,7 +14,7 @@
 
 namespace Dictionary {
 
-// Puts a line together in a buffer that may be too small for it, and counts all of it.
+// Builds a line in a buffer that may be too small for it, and counts all of its bytes.
 class EscapedLine {
 public:
     EscapedLine(char* buffer, std::size_t size)

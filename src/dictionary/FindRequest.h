@@ -1,4 +1,4 @@
-// Helper, not installed: the options of a search, found to be right.
+// Helper, not installed: reads and checks the options of a search.
 
 #ifndef DICTIONARY_FIND_REQUEST_H
 #define DICTIONARY_FIND_REQUEST_H
@@ -9,7 +9,8 @@
 
 namespace Dictionary {
 
-// Throws DICTIONARY_BAD_ARGUMENT where the options, which may be null, cannot be met on the handle.
+// Throws DICTIONARY_BAD_ARGUMENT for options that do not go with each other or with the handle.
+// They may be null.
 DictionaryFindOptions readFindOptions(const DictionaryHandle* handle,
                                       const DictionaryFindOptions* options);
 

@@ -42,7 +42,7 @@ void visit(const DictionaryHandle* handle, const DictionaryFindOptions* given, D
     if (!visitMatches(find, {Visitor::take, &visitor})) throw Failure{errorOf(DICTIONARY_STOPPED)};
 }
 
-// Calls `find(number, text)` for each text, and says of an error which one is at fault.
+// Calls `find(number, text)` for each text. An error gets the number of its text.
 template <class Find>
 void forEachText(const DictionaryText* texts, std::size_t count, const Find& find) {
     requireArgument(texts != nullptr || count == 0, "the texts are null");
@@ -56,7 +56,7 @@ void forEachText(const DictionaryText* texts, std::size_t count, const Find& fin
     }
 }
 
-// What cuts one text after the other, when they are segmented by weight.
+// Segments several texts by weight, with the same memory.
 class SharedPath {
 public:
     explicit SharedPath(const DictionaryFindOptions& options) {

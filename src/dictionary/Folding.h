@@ -12,8 +12,8 @@
 
 namespace Dictionary {
 
-// The character for which `code` stands when it is folded. It takes as many 16-bit units of UTF-16,
-// but not always as many bytes of UTF-8.
+// The folded form of a character. It has as many units in UTF-16, but not always as many bytes in
+// UTF-8.
 inline std::int32_t folded(std::int32_t code) {
     constexpr std::uint32_t kLowHalf = 0xFFFF;
     const auto bits = static_cast<std::uint32_t>(code);

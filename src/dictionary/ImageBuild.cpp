@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kDataSeparator[] = "\t";
 
-// Reports how placement goes on every so many passing keys, and often enough to be stopped soon.
+// Reports the progress of the placement, often enough for the caller to stop it soon.
 class PlacementProgress : public PlacementListener {
 public:
     explicit PlacementProgress(const BuildCallbacks& callbacks) : m_callbacks(callbacks) {}
@@ -41,7 +41,7 @@ private:
     Clock::time_point m_nextTime;
 };
 
-// Writes an image and reports how that goes on.
+// Writes an image and reports the progress.
 class ImageWriter {
 public:
     ImageWriter(ImageTarget& target, const BuildCallbacks& callbacks)
@@ -212,8 +212,8 @@ void ImageBuild::take(SourceRecord& record) {
     m_table->add(m_fields);
 }
 
-// Cuts a record into fields, or into what comes to the same: in an image tabs stand between them,
-// and where these are there already, nothing is to be cut.
+// Cuts a record into its fields. In an image, tabs separate them: data that has tabs already need
+// not be cut.
 void ImageBuild::cutFields(std::string_view text, std::size_t keySize) {
     m_fields.assign(1, keyOf(text.substr(0, keySize)));
     std::string_view data = text.substr(keySize + m_fieldSeparator.size());
@@ -242,7 +242,7 @@ void ImageBuild::build() {
     }
 }
 
-// Whether no key has more data than an image has room for; behind this, lengths have 32 bits.
+// Whether no key has more data than an image has room for. Later stages count lengths in 32 bits.
 bool ImageBuild::dataFits() const {
     // A record's data is at most as long as the record, with a byte for joining it.
     constexpr auto kRoom = static_cast<std::uint64_t>(kMaxImageBytes);

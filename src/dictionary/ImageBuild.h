@@ -23,11 +23,11 @@
 
 namespace Dictionary {
 
-// Good for one build. Problems of the source are reported as they are found; a SystemFailure and a
+// For one build. Problems of the source are reported as they are found; a SystemFailure and a
 // Failure are thrown.
 class ImageBuild {
 public:
-    // Counts into `report` as it goes on. Without a target the source is only checked. All but the
+    // Counts into `report`. Without a target the source is only checked. All arguments but the
     // options must outlive the object.
     ImageBuild(const DictionaryBuildOptions& options, const BuildCallbacks& callbacks,
                ProblemLog& log, DictionaryBuildReport& report, ImageTarget* target);

@@ -1,4 +1,4 @@
-// Helper, not installed: the bytes that an open image rests on.
+// Helper, not installed: the bytes of an open image.
 
 #ifndef DICTIONARY_IMAGE_BYTES_H
 #define DICTIONARY_IMAGE_BYTES_H
@@ -11,8 +11,8 @@
 
 namespace Dictionary {
 
-// Bytes that can only be read: pages of its own, or the caller's. Where the system refuses pages,
-// an errno is thrown as SystemRefusal.
+// Bytes to read: pages of the object's own, or the caller's memory. Throws a SystemRefusal with the
+// errno when the system refuses pages.
 class ImageBytes {
 public:
     struct SystemRefusal {

@@ -141,7 +141,7 @@ bool ImageCheck::headerAddsUp() {
     }
     if (cellBytes < kCellBytes || cellBytes % kCellBytes != 0) {
         return refuseWord(DICTIONARY_IMAGE_HEADER, 0, kFeature,
-                          "the header gives the cells a size that is no number of whole cells");
+                          "the size of the cells in the header is not a whole number of cells");
     }
     if (featureBytes < 0 || std::int64_t{cellBytes} + featureBytes != m_size) {
         return refuseWord(DICTIONARY_IMAGE_HEADER, 0, kBase,
@@ -197,7 +197,7 @@ bool ImageCheck::otherCellsAreRight() {
         const bool isChild = isLabel(label) && !isFree(parent);
         if (!(isFree(cell) ? isBlank(cell) : isChild && isFilled(cell))) return refuseCell(index);
         m_hasHalves |= isSurrogate(label) && !isFree(cell);
-        // In a circle of parents, the two above its lowest cell do not lie below that.
+        // In a cycle of parents, the two above its lowest cell are not below that.
         const bool mayBeLowest = (cell.check >= index) & (parent.check >= index);
         if (mayBeLowest && !wayUpEnds(index)) return false;
     }

@@ -70,7 +70,7 @@ std::string followLinks(std::string path) {
     failToWrite(ELOOP);
 }
 
-// A name that nobody guesses, short enough for every file system.
+// A name that cannot be guessed, short enough for every file system.
 std::string temporaryName(const std::string& name) {
     constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz234567";
     constexpr int kLetterBits = 5;
@@ -115,7 +115,7 @@ ImageFile::~ImageFile() {
 }
 
 void ImageFile::create() {
-    // This one is made to learn what access the system gives to a new file.
+    // The first file shows what access rights the system sets for a new file.
     createTemporary(kNewFileAccess);
     struct stat status;
     require(fstat(m_file.number(), &status) == 0);
@@ -180,7 +180,7 @@ void ImageFile::giveAccess() const {
     fchmod(file, old->st_mode & (sameGroup ? kAccessBits : kAccessBitsButGroup));
 }
 
-// The image stands. Some folders cannot be synced, or not by us, and need not.
+// The image is complete already. Some folders cannot be synced, or not by this process.
 void ImageFile::syncFolder() const {
     constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
     const Descriptor folder(

@@ -11,12 +11,12 @@
 
 namespace Dictionary {
 
-// All of it throws a SystemFailure. What stands under the name changes in commit() alone, from one
-// moment to the next. The folder is held open, so that a change of the working directory or a
-// renamed folder does not lead the image astray.
+// All functions throw a SystemFailure. What is under the name changes in commit() alone, at once.
+// The folder is held open, so that the image goes there even if the working directory changes or
+// the folder is renamed.
 class ImageFile {
 public:
-    // Sees whether an image could be written under `name`. A symbolic link is followed where the
+    // Checks whether an image can be written under `name`. A symbolic link is followed where the
     // system follows it: the file that it leads to is the one to replace.
     explicit ImageFile(const char* name);
     // Removes what was written, unless it was committed.
@@ -30,7 +30,7 @@ public:
         return m_old.has_value() && areSame(m_old, file);
     }
 
-    // The stages, in order. Nobody else can open the image before it is complete.
+    // The stages, in order. No other user can open the image before it is complete.
     void create();
     void write(const char* bytes, std::size_t size);
     void commit();

@@ -16,7 +16,7 @@ constexpr std::uint32_t kRoot = 0;  // its children are kept as the header's
 constexpr std::int32_t kSurrogatesEnd = 0xE000;
 constexpr std::uint32_t kNowhere = std::numeric_limits<std::uint32_t>::max();
 
-// A node with all that listing needs of it, so that few cells are waited for.
+// A node with everything that the listing needs, so that few cells are read.
 struct Node {
     std::uint32_t cell;
     std::int32_t feature;

@@ -1,4 +1,4 @@
-// Helper, not installed: all keys of an image in their order, and which of them begin with what.
+// Helper, not installed: all keys of an image in order, and where those with a prefix begin.
 //
 // Keys are listed in the order of their code points, each by what it does not share with the key
 // before it. So the next key is found next in memory, and no cell has to be visited. Any cell leads

@@ -28,7 +28,7 @@ constexpr std::size_t kMaxImages = 64;
     failOnFile(DICTIONARY_CANNOT_READ, DICTIONARY_FILE_IMAGE, path, systemError);
 }
 
-// An image file that is open, and of which the system says what it is.
+// An open image file with its status.
 struct ImageSource {
     explicit ImageSource(const char* name) : path(name) {
         requireArgument(path != nullptr, "the path of the image is null");
@@ -47,7 +47,7 @@ struct ImageSource {
     struct stat status = {};
 };
 
-// Calls `action`, and says of what goes wrong which file it concerns.
+// Calls `action`. Its errors get the path of the file.
 template <class Action>
 auto concerning(const char* path, const Action& action) {
     try {

@@ -13,7 +13,7 @@ namespace Dictionary {
 
 namespace {
 
-// What tells a file from every other, and from itself before a change.
+// Distinguishes a file from every other file, and from itself before a change.
 using FileMark = std::array<std::int64_t, 7>;
 
 FileMark markOf(const struct stat& status) {

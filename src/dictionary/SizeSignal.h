@@ -10,7 +10,7 @@
 namespace Dictionary {
 
 // While it lives, such a write of this thread returns EFBIG, and the signal SIGXFSZ that comes with
-// it, and would end the process, goes to nobody. One that was pending before stays so.
+// it, and would end the process, is dropped. One that was pending before stays pending.
 class SizeSignalHeld {
 public:
     SizeSignalHeld() {

@@ -33,8 +33,8 @@ public:
     // Takes off what Windows puts before the first record and after each line.
     void takeOffWindowsMarks(SourceRecord& record) const;
 
-    // Examines a record whose field separator stands at `keySize`, npos when there is none. What
-    // is found stands in order of the columns until the next call, each kind at most once.
+    // Examines a record whose field separator is at `keySize`, npos when there is none. Returns
+    // what is wrong by columns, each kind at most once; valid until the next call.
     const std::vector<Finding>& examine(const SourceRecord& record, std::size_t keySize);
 
 private:

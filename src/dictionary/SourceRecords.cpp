@@ -38,7 +38,7 @@ bool SourceRecords::readOn() {
     return m_unread.size() > before;
 }
 
-// Where the separator stands in what is unread. Not found means that the source ends before it, or
+// Where the separator is in the unread bytes. Not found means that the source ends before it, or
 // that the record is too long.
 std::size_t SourceRecords::findEnd() {
     std::size_t from = 0;
@@ -51,7 +51,7 @@ std::size_t SourceRecords::findEnd() {
     }
 }
 
-// Drops what is left of a record, however long, and its separator. False when there is none.
+// Skips the rest of a record, however long, and its separator. False when there is none.
 bool SourceRecords::skipRest() {
     do {
         const std::size_t end = m_unread.find(m_separator);

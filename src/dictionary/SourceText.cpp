@@ -47,12 +47,12 @@ void FileText::open() {
     if (fstat(m_file.number(), &status) == 0) m_status = status;
 }
 
-// What the system knows of it: nothing of a pipe's.
+// As the system knows it; 0 for a pipe.
 std::uint64_t FileText::size() const {
     return isRegular() ? static_cast<std::uint64_t>(m_status->st_size) : 0;
 }
 
-// Reads a stretch, less at the source's end alone. Returns its size.
+// Reads a stretch; a shorter one only at the end of the source. Returns its size.
 std::size_t FileText::fill(char* room) {
     std::size_t filled = 0;
     while (filled < kStretchBytes) {
@@ -66,7 +66,7 @@ std::size_t FileText::fill(char* room) {
     return filled;
 }
 
-// Until there is something to read, or it is known that nothing comes.
+// Returns when there is something to read, or when nothing more can come.
 void FileText::waitForBytes() const {
     constexpr int kMilliseconds = 50;
     pollfd waiting = {m_file.number(), POLLIN, 0};

@@ -28,11 +28,11 @@ public:
     // `action` is called several times a second while more() waits for bytes, and may throw.
     void whileWaiting(std::function<void()> action) { m_wait = std::move(action); }
 
-    // The last `unread` bytes of those handed out so far, and a stretch of new ones behind them;
-    // none are new at the source's end. What was handed out before is no longer valid.
+    // The last `unread` of the bytes returned so far, and a stretch of new ones after them; none
+    // are new at the end of the source. What was returned before is no longer valid.
     virtual std::string_view more(std::size_t unread) = 0;
 
-    // The bytes handed out so far.
+    // The number of bytes returned so far.
     std::uint64_t position() const { return m_position; }
 
     // How many bytes there are; 0 when that is not known before they are read.
@@ -58,7 +58,7 @@ private:
     std::size_t m_size;
 };
 
-// A file is read, never mapped, so that nobody who cuts it short meanwhile ends the process.
+// A file is read, not mapped: if another process truncates it meanwhile, no signal ends this one.
 class FileText : public SourceText {
 public:
     // A file, or whatever else has that name.
@@ -79,8 +79,8 @@ private:
     Descriptor m_file;
     FileStatus m_status;
     std::vector<char> m_buffer;
-    std::size_t m_filled = 0;  // bytes in the buffer, the last ones handed out at its end
-    bool m_ended = false;      // a terminal may go on behind its end
+    std::size_t m_filled = 0;  // bytes in the buffer, the last ones returned at its end
+    bool m_ended = false;      // a terminal can be read on after its end
 };
 
 }  // namespace Dictionary

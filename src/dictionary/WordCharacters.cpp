@@ -1,4 +1,4 @@
-// What Dictionary.h says of single characters.
+// The functions of Dictionary.h that classify characters.
 
 #include <cstdint>
 

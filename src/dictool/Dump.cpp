@@ -4,7 +4,9 @@
 #include <optional>
 
 #include "Command.h"
+#include "Folding.h"
 #include "Format.h"
+#include "ImageFormat.h"
 #include "Output.h"
 #include "Printable.h"
 #include "Report.h"
@@ -28,15 +30,16 @@ constexpr char kDetails[] =
     "data that ends in a carriage return, the source needs 'dictool build --lenient'.\n"
     "\nExit status: 0 when the source builds to the same bytes, 1 when it builds to others.";
 
-// The record by which an image says that it is folded, and to which no key refers.
-constexpr std::size_t kFoldedMarkBytes = 11;
+// The record that marks a folded image, and to which no key refers.
+constexpr std::size_t kFoldedMarkBytes =
+    Dictionary::kRecordLengthBytes + Dictionary::kFoldedMark.size();
 
 constexpr std::string_view kWrittenNewline = "\\n";
 
 struct Key {
     std::string text;  // as in the image
     std::string_view data;
-    DictionaryCell cell;
+    Dictionary::Cell cell;
     bool isLeaf;
 };
 
@@ -70,7 +73,7 @@ bool isUtf8(std::string_view text) {
     return true;
 }
 
-// Finds out whether a build gives an image again.
+// Checks whether a build of an image's source can make that image again.
 class Rebuild {
 public:
     explicit Rebuild(const Trie& trie) : m_trie(trie), m_image(trie.image()) {}
@@ -109,14 +112,13 @@ private:
     void checkData() {
         std::sort(m_features.begin(), m_features.end());
         m_features.erase(std::unique(m_features.begin(), m_features.end()), m_features.end());
-        constexpr std::size_t kLengthBytes = sizeof(std::int32_t);
         std::size_t offset = m_image.folded() ? kFoldedMarkBytes : 0;
         std::string_view before;
         for (const std::int32_t feature : m_features) {
             const std::string_view data = m_image.data(feature);
             if (static_cast<std::size_t>(feature) != offset || data <= before) break;
             before = data;
-            offset += kLengthBytes + data.size();
+            offset += Dictionary::kRecordLengthBytes + data.size();
         }
         if (offset == m_image.featureBytes()) return;
         refuse("its data texts are not those of its keys in ascending order");
@@ -158,9 +160,9 @@ std::size_t differenceOf(const std::string& source, const Image& image) {
                                     built.begin());
 }
 
-// Says from where on the image is not the one of its source.
+// Reports the place from which the image differs from one built of its source.
 void reportDifference(const Image& image, std::size_t byte) {
-    const auto cell = byte / sizeof(DictionaryCell);
+    const auto cell = byte / Dictionary::kCellBytes;
     const bool inCells = cell < static_cast<std::size_t>(image.cellCount());
     const std::string place =
         "byte " + std::to_string(byte) + (inCells ? " (cell " + std::to_string(cell) + ")" : "");

@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include "Descriptor.h"
 
 namespace dictool {
 
@@ -20,10 +20,8 @@ File::~File() {
 
 bool File::readMore(Buffer& bytes, std::size_t room) {
     char* const begin = bytes.room(room);
-    ssize_t count;
-    do {
-        count = ::read(m_descriptor, begin, room);
-    } while (count < 0 && errno == EINTR);
+    const ssize_t count =
+        Dictionary::callUninterrupted([&] { return ::read(m_descriptor, begin, room); });
     if (count < 0) throw failure();
     bytes.take(static_cast<std::size_t>(count));
     return count > 0;

@@ -1,5 +1,4 @@
-// An image to look into, verified before anything in it is read. docs/format.md describes the
-// cells.
+// An image to look into, verified before anything in it is read.
 
 #ifndef DICTOOL_IMAGE_H
 #define DICTOOL_IMAGE_H
@@ -11,14 +10,12 @@
 
 #include "Buffer.h"
 #include "Dictionary.hpp"
+#include "ImageFormat.h"
 
 namespace dictool {
 
 class Image {
 public:
-    static constexpr std::int32_t kFreeCheck = 0;
-    static constexpr std::int32_t kRootCheck = -1;  // of a child of the root
-
     // Throws Failure when the file holds no image.
     explicit Image(const std::string& file);
     Image(const Image&) = delete;
@@ -32,10 +29,14 @@ public:
     std::uint64_t featureBytes() const { return m_description.featureBytes; }
 
     // The cells from 1 on; cell 0 is the header.
-    DictionaryCell cell(std::int32_t index) const {
-        return dictionaryCellAt(m_image.handle(), 0, static_cast<std::uint64_t>(index));
+    Dictionary::Cell cell(std::int32_t index) const {
+        const DictionaryCell cell =
+            dictionaryCellAt(m_image.handle(), 0, static_cast<std::uint64_t>(index));
+        return {cell.base, cell.check, cell.feature};
     }
-    bool isUsed(std::int32_t index) const { return cell(index).check != kFreeCheck; }
+    bool isUsed(std::int32_t index) const {
+        return cell(index).check != Dictionary::kFreeImageCheck;
+    }
     // The data text of the record at byte `feature` of the feature area.
     std::string_view data(std::int32_t feature) const {
         const DictionaryText data =
@@ -49,14 +50,6 @@ private:
     dictionary::Image m_image;
     DictionaryDescription m_description;
 };
-
-// The cell of a child's label 0, which need not be one: that of label n is n cells further.
-inline std::int32_t firstChildCell(const DictionaryCell& cell) {
-    return cell.base < 0 ? -cell.base : cell.base;
-}
-inline bool endsKey(const DictionaryCell& cell) {
-    return cell.base < 0;
-}
 
 }  // namespace dictool
 

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "Descriptor.h"
 #include "Report.h"
 
 namespace dictool {
@@ -58,14 +59,13 @@ bool Output::isTerminal() const {
 
 void Output::writeThrough(std::string_view text) {
     while (!text.empty()) {
-        const ssize_t written = ::write(m_descriptor, text.data(), text.size());
-        if (written >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EPIPE) {
-            throw ClosedPipe{};
-        } else if (errno != EINTR) {
+        const ssize_t written = Dictionary::callUninterrupted(
+            [&] { return ::write(m_descriptor, text.data(), text.size()); });
+        if (written < 0) {
+            if (errno == EPIPE) throw ClosedPipe{};
             throw cannotWrite(m_name);
         }
+        text.remove_prefix(static_cast<std::size_t>(written));
     }
 }
 

@@ -9,7 +9,7 @@
 namespace dictool {
 
 // A file or standard output. Throws Failure when it cannot be written, a full disk included, and
-// ClosedPipe when nobody reads it.
+// ClosedPipe when the reader of the pipe has closed it.
 class Output {
 public:
     // Standard output.
@@ -26,7 +26,7 @@ public:
     // Writes what was gathered, then `text`.
     void write(std::string_view text);
 
-    // Writes what was gathered and closes: only now is everything known to be written.
+    // Writes what was gathered and closes. Only then is it known that everything was written.
     void finish();
 
     bool isTerminal() const;

@@ -1,27 +1,14 @@
 #include "Printable.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
+
+#include "Utf8Decoder.h"
 
 namespace dictool {
 
 namespace {
-
-constexpr unsigned char kFirstMultiByte = 0x80;
-
-// First bytes of legal characters of several bytes, with what may follow: no overlong form, no
-// surrogate, nothing above U+10FFFF.
-constexpr unsigned char kTailFirst = 0x80, kTailLast = 0xBF;
-constexpr struct {
-    unsigned char first, last;
-    unsigned char secondFirst, secondLast;
-    std::size_t bytes;
-} kLeads[] = {
-    {0xC2, 0xDF, kTailFirst, kTailLast, 2}, {0xE0, 0xE0, 0xA0, kTailLast, 3},
-    {0xE1, 0xEC, kTailFirst, kTailLast, 3}, {0xED, 0xED, kTailFirst, 0x9F, 3},
-    {0xEE, 0xEF, kTailFirst, kTailLast, 3}, {0xF0, 0xF0, 0x90, kTailLast, 4},
-    {0xF1, 0xF3, kTailFirst, kTailLast, 4}, {0xF4, 0xF4, kTailFirst, 0x8F, 4},
-};
 
 // In UTF-8, which is in the order of the code points.
 constexpr struct {
@@ -51,18 +38,9 @@ void appendByte(std::string& out, char byte) {
 }  // namespace
 
 std::size_t characterBytes(std::string_view text) {
-    const auto byteAt = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    const unsigned char first = byteAt(0);
-    if (first < kFirstMultiByte) return 1;
-    const auto* const lead =
-        std::find_if(std::begin(kLeads), std::end(kLeads),
-                     [&](const auto& row) { return row.first <= first && first <= row.last; });
-    if (lead == std::end(kLeads) || text.size() < lead->bytes) return 0;
-    if (byteAt(1) < lead->secondFirst || byteAt(1) > lead->secondLast) return 0;
-    for (std::size_t at = 2; at < lead->bytes; ++at) {
-        if (byteAt(at) < kTailFirst || byteAt(at) > kTailLast) return 0;
-    }
-    return lead->bytes;
+    constexpr std::uint8_t kFirstMultiByte = 0x80;
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    return *bytes < kFirstMultiByte ? 1 : Dictionary::decodeMultiByte(bytes, text.size()).length;
 }
 
 std::size_t countCharacters(std::string_view text) {

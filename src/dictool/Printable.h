@@ -1,4 +1,4 @@
-// Names of files and words of users in messages, such as a terminal may be sent.
+// Names of files and texts of users, made safe for a terminal.
 
 #ifndef DICTOOL_PRINTABLE_H
 #define DICTOOL_PRINTABLE_H

@@ -1,5 +1,8 @@
 #include "Trie.h"
 
+#include "Utf8Decoder.h"
+#include "Utf8Encoder.h"
+
 namespace dictool {
 
 namespace {
@@ -7,32 +10,11 @@ namespace {
 constexpr std::int32_t kNoCell = 0;
 constexpr std::int32_t kRoot = 0;
 
-constexpr std::int32_t kHighSurrogates = 0xD800, kLowSurrogates = 0xDC00, kSurrogatesEnd = 0xE000;
-
 bool isSurrogate(std::int32_t label) {
-    return label >= kHighSurrogates && label < kSurrogatesEnd;
+    return Dictionary::isHighSurrogate(label) || Dictionary::isLowSurrogate(label);
 }
 bool isPair(std::int32_t high, std::int32_t low) {
-    return isSurrogate(high) && high < kLowSurrogates && isSurrogate(low) && low >= kLowSurrogates;
-}
-std::int32_t codePointOf(std::int32_t high, std::int32_t low) {
-    constexpr std::int32_t kFirst = 0x10000, kSurrogateBits = 10;
-    return kFirst + ((high - kHighSurrogates) << kSurrogateBits) + (low - kLowSurrogates);
-}
-
-void appendUtf8(std::string& text, std::int32_t code) {
-    constexpr std::int32_t kTail = 0x80, kTailBits = 0x3F;
-    constexpr struct {
-        std::int32_t end;
-        std::int32_t mark;
-        int bits;  // in the bytes after the first
-    } kLengths[] = {{0x80, 0, 0}, {0x800, 0xC0, 6}, {0x10000, 0xE0, 12}, {0x110000, 0xF0, 18}};
-    const auto* length = kLengths;
-    while (code >= length->end) ++length;
-    text += static_cast<char>(length->mark | code >> length->bits);
-    for (int bits = length->bits - 6; bits >= 0; bits -= 6) {
-        text += static_cast<char>(kTail | (code >> bits & kTailBits));
-    }
+    return Dictionary::isHighSurrogate(high) && Dictionary::isLowSurrogate(low);
 }
 
 }  // namespace
@@ -51,15 +33,15 @@ Trie::Trie(const Image& image)
 
 void Trie::addFront(std::int32_t cell) {
     const std::int32_t check = m_image.cell(cell).check;
-    const std::int32_t parent = check == Image::kRootCheck ? kRoot : check;
+    const std::int32_t parent = check == Dictionary::kRootCheck ? kRoot : check;
     m_nextSibling[indexOf(cell)] = firstChild(parent);
     m_firstChild[indexOf(parent)] = cell;
 }
 
 std::int32_t Trie::label(std::int32_t cell) const {
     const std::int32_t parent = m_image.cell(cell).check;
-    if (parent == Image::kRootCheck) return cell;
-    return cell - firstChildCell(m_image.cell(parent));
+    if (parent == Dictionary::kRootCheck) return cell;
+    return static_cast<std::int32_t>(cell - Dictionary::childIndex(m_image.cell(parent), 0));
 }
 
 bool Cursor::next() {
@@ -82,9 +64,9 @@ void Cursor::push(std::int32_t cell) {
     const std::size_t keyBytes = m_key.size();
     if (!m_path.empty() && isPair(m_path.back().label, label)) {
         m_key.resize(m_path.back().keyBytes);
-        appendUtf8(m_key, codePointOf(m_path.back().label, label));
+        Dictionary::appendUtf8(Dictionary::codeOfPair(m_path.back().label, label), m_key);
     } else {
-        appendUtf8(m_key, label);
+        Dictionary::appendUtf8(label, m_key);
     }
     m_path.push_back({cell, label, keyBytes});
 }

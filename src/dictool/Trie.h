@@ -1,4 +1,4 @@
-// A verified image read as the trie that it is.
+// A verified image, read as a trie.
 
 #ifndef DICTOOL_TRIE_H
 #define DICTOOL_TRIE_H
@@ -47,8 +47,8 @@ public:
     std::string_view key() const { return m_key; }
     std::size_t depth() const { return m_path.size(); }
     std::string_view data() const { return m_trie.image().data(cell().feature); }
-    DictionaryCell cell() const { return m_trie.image().cell(m_path.back().cell); }
-    bool endsKey() const { return dictool::endsKey(cell()); }
+    Dictionary::Cell cell() const { return m_trie.image().cell(m_path.back().cell); }
+    bool endsKey() const { return Dictionary::endsKey(cell()); }
     bool isLeaf() const { return m_trie.firstChild(m_path.back().cell) == 0; }
     std::uint32_t childCount() const;
 

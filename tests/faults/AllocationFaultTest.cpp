@@ -1,4 +1,4 @@
-// Every allocation of every operation fails, once and for good: the caller learns it, nothing is
+// Every allocation of every operation fails, once and permanently: the caller learns it, nothing is
 // lost, and what was loaded answers as before.
 
 #include <cerrno>
@@ -40,7 +40,7 @@ struct Dictionaries {
     CUTF8Coder coder;
 };
 
-// An operation, told as text. What reports a lack of memory in another way throws.
+// An operation, with its result as text. One that reports a lack of memory otherwise throws.
 using Operation = std::function<std::string()>;
 
 void throwIf(bool memoryIsShort) {

@@ -1,5 +1,5 @@
 // Lets an allocation or a system call of the library fail, and counts the allocations that are not
-// given back. One thread at a time.
+// released. One thread at a time.
 
 #ifndef TESTS_FAULTS_H
 #define TESTS_FAULTS_H
@@ -19,7 +19,7 @@ void disarm();
 // Whether the fault last armed has come about.
 bool hasStruck();
 
-// Allocations by the library and the tests that were not given back.
+// Allocations by the library and the tests that were not released.
 long liveAllocations();
 
 #endif

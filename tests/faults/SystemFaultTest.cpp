@@ -43,8 +43,8 @@ struct Place {
     std::string old;
 };
 
-// Lets one call of a function after the other fail. '.' stands for failures that the operation
-// takes, another letter for those of which it told so; one for all in a row that are alike.
+// Lets one call of a function after the other fail. '.' is a failure that the operation tolerates,
+// another letter one that it reports; equal letters in a row are written once.
 template <typename Operation>
 std::string outcomes(const char* call, int error, const Operation& operation) {
     std::string letters;
@@ -77,9 +77,9 @@ void expectOutcomes(const Row& row, const Operation& operation) {
 
 // R for the source and W for the image.
 char build(const Place& place, const std::string& whole, int error) {
-    DictionaryError told;
+    DictionaryError reported;
     const int result =
-        dictionaryBuildFile(place.source.c_str(), place.image.c_str(), nullptr, nullptr, &told);
+        dictionaryBuildFile(place.source.c_str(), place.image.c_str(), nullptr, nullptr, &reported);
     disarm();
     const bool isBuilt = result == DICTIONARY_OK;
     EXPECT_TRUE(place.imageBytes() == (isBuilt ? whole : place.old));
@@ -87,11 +87,11 @@ char build(const Place& place, const std::string& whole, int error) {
     fs::resize_file(place.image, 0);
     std::ofstream(place.image, std::ios::binary) << place.old;
     if (isBuilt) return '.';
-    EXPECT_EQ(told.systemError, error);
-    return told.code == DICTIONARY_CANNOT_READ ? 'R' : 'W';
+    EXPECT_EQ(reported.systemError, error);
+    return reported.code == DICTIONARY_CANNOT_READ ? 'R' : 'W';
 }
 
-TEST(SystemFault, CheckedBuildsTellWhatFailedAndLeaveTheOldImage) {
+TEST(SystemFault, CheckedBuildsReportWhatFailedAndLeaveTheOldImage) {
     const Row rows[] = {{"fstatat", "W"},      {"open", "WR", "."},   {"fstat", ".W"},
                         {"openat", "W.", "."}, {"read", "R", "."},    {"write", "W", "."},
                         {"fsync", "W.", "."},  {"close", ".W.", "."}, {"renameat", "W"}};
@@ -109,17 +109,17 @@ TEST(SystemFault, CheckedBuildsTellWhatFailedAndLeaveTheOldImage) {
 
 // U for an image that cannot be read, M for too little memory.
 char openImage(const std::string& name, int mode, int error) {
-    DictionaryError told;
-    DictionaryHandle* const handle = dictionaryOpenFile(name.c_str(), mode, &told);
+    DictionaryError reported;
+    DictionaryHandle* const handle = dictionaryOpenFile(name.c_str(), mode, &reported);
     dictionaryClose(handle);
-    EXPECT_EQ(handle == nullptr, told.code != DICTIONARY_OK);
+    EXPECT_EQ(handle == nullptr, reported.code != DICTIONARY_OK);
     if (handle != nullptr) return '.';
-    EXPECT_EQ(told.systemError, error);
-    EXPECT_EQ(told.code, error == ENOMEM ? DICTIONARY_NO_MEMORY : DICTIONARY_CANNOT_READ);
+    EXPECT_EQ(reported.systemError, error);
+    EXPECT_EQ(reported.code, error == ENOMEM ? DICTIONARY_NO_MEMORY : DICTIONARY_CANNOT_READ);
     return 'U';
 }
 
-TEST(SystemFault, CheckedOpensTellWhatFailed) {
+TEST(SystemFault, CheckedOpensReportWhatFailed) {
     const std::pair<int, Row> rows[] = {
         {DICTIONARY_OPEN_MAP, {"open", "U", "."}}, {DICTIONARY_OPEN_MAP, {"fstat", "U"}},
         {DICTIONARY_OPEN_MAP, {"mmap", "U"}},      {DICTIONARY_OPEN_MAP, {"close", "."}},

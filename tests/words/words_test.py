@@ -247,7 +247,7 @@ class Folding(unittest.TestCase):
         self.folded_before = [self.joined(pieces) for pieces in self.pieces]
 
     def joined(self, pieces):
-        """Folded keys, each with the data of all that became one."""
+        """Folded keys, each with the data of all keys that became one."""
         keys = {}
         for key, data in pieces.items():
             keys.setdefault(folded(key), []).append(data)

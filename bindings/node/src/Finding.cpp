@@ -13,7 +13,7 @@
 #include "Failure.h"
 #include "Napi.h"
 #include "Search.h"
-#include "Utf8Text.h"
+#include "Utf8String.h"
 
 namespace Dictionary::Node {
 
@@ -29,7 +29,7 @@ public:
         DictionaryMatches matches = {};
         const std::unique_ptr<DictionaryMatches, void (*)(DictionaryMatches*)> owner(
             &matches, dictionaryFreeMatches);
-        find(Utf8Texts(texts), matches);
+        find(Utf8Strings(texts), matches);
         m_spans.reserve(kNumbersOfMatch * matches.count);
         for (std::size_t i = 0; i < matches.count; ++i) add(matches.items[i]);
     }
@@ -49,7 +49,7 @@ private:
     static constexpr std::size_t kNumbersOfMatch = 3;
     static constexpr std::uint32_t kNoData = UINT32_MAX;
 
-    void find(const Utf8Texts& texts, DictionaryMatches& matches) {
+    void find(const Utf8Strings& texts, DictionaryMatches& matches) {
         std::vector<std::size_t> ends(texts.size());
         DictionaryError error = {};
         dictionaryFindInTexts(m_search.handle(), &m_search.options(), texts.data(), texts.size(),
@@ -102,7 +102,7 @@ Job find(const Call& call) {
 class Columns {
 public:
     Columns(const Search& search, const Texts& texts) {
-        const Utf8Texts utf8(texts);
+        const Utf8Strings utf8(texts);
         DictionaryError error = {};
         dictionaryFindColumns(search.handle(), &search.options(), utf8.data(), utf8.size(),
                               &m_columns, &error);
@@ -142,7 +142,7 @@ Job contains(const Call& call) {
     return reporting([search = Search(call), text = call[Search::kArguments].text()]() -> Answer {
         bool contains = false;
         DictionaryError error = {};
-        dictionaryContainsKey(search.handle(), &search.options(), Utf8Text(text), &contains,
+        dictionaryContainsKey(search.handle(), &search.options(), Utf8String(text), &contains,
                               &error);
         throwUnlessOk(error);
         return [contains](const Env& env) { return env.boolean(contains); };

@@ -1,13 +1,13 @@
 #include "Items.h"
 
-#include "Utf8Text.h"
+#include "Utf8String.h"
 
 namespace Dictionary::Node {
 
 Items::Items(const Value& items) {
     for (const Value& item : items.elements()) {
         for (const Value& field : item.elements()) {
-            const Utf8Text utf8(field.text());
+            const Utf8String utf8(field.text());
             m_bytes.append(utf8.data(), utf8.size());
             m_fieldEnds.push_back(m_bytes.size());
         }

@@ -11,7 +11,7 @@
 #include "Failure.h"
 #include "Image.h"
 #include "Napi.h"
-#include "Utf8Text.h"
+#include "Utf8String.h"
 
 namespace Dictionary::Node {
 
@@ -25,19 +25,19 @@ napi_value toJs(const Env& env, const DictionaryText& data) {
 // lookup(image, key): its data, or undefined
 napi_value lookup(const Call& call) {
     DictionaryText data = {};
-    dictionaryLookupKey(call[0].external<Image>()->handle(), Utf8Text(call[1].text()), &data);
+    dictionaryLookupKey(call[0].external<Image>()->handle(), Utf8String(call[1].text()), &data);
     return toJs(call.env(), data);
 }
 
 // has(image, key)
 napi_value has(const Call& call) {
     return call.env().boolean(dictionaryLookupKey(call[0].external<Image>()->handle(),
-                                                  Utf8Text(call[1].text()), nullptr));
+                                                  Utf8String(call[1].text()), nullptr));
 }
 
 // lookupEach(image, keys): their data, or undefined
 napi_value lookupEach(const Call& call) {
-    const Utf8Texts keys(call[1].texts());
+    const Utf8Strings keys(call[1].texts());
     std::vector<DictionaryText> data(keys.size());
     dictionaryLookupKeys(call[0].external<Image>()->handle(), keys.data(), keys.size(),
                          data.data());
@@ -69,7 +69,7 @@ Job openCursor(const Call& call) {
         const auto cursor = std::make_shared<Cursor>(
             Cursor{image, {dictionaryOpenCursor(image->handle(), &error), dictionaryCloseCursor}});
         throwUnlessOk(error);
-        dictionarySeekPrefix(cursor->cursor.get(), Utf8Text(prefix));
+        dictionarySeekPrefix(cursor->cursor.get(), Utf8String(prefix));
         return [cursor](const Env& env) { return env.external(cursor); };
     });
 }

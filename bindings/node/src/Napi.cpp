@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Utf8Text.h"
+#include "Utf8String.h"
 
 namespace Dictionary::Node {
 
@@ -221,7 +221,7 @@ std::u16string Value::text() const {
 }
 
 std::string Value::name() const {
-    const Utf8Text utf8(text());
+    const Utf8String utf8(text());
     return withoutNul(m_env, std::string(utf8.data(), utf8.size()));
 }
 

@@ -14,7 +14,7 @@
 #include "Failure.h"
 #include "Napi.h"
 #include "Search.h"
-#include "Utf8Text.h"
+#include "Utf8String.h"
 
 namespace Dictionary::Node {
 
@@ -68,7 +68,7 @@ std::u16string resultUnits(const DictionaryReplacement& result, const std::u16st
 class Replaced {
 public:
     Replaced(const Search& search, const Rule& rule, const std::u16string& text, bool wantsEdits) {
-        const Utf8Text utf8(text);
+        const Utf8String utf8(text);
         const bool needsUnits = wantsEdits || !utf8.isWellFormed();
         DictionaryReplaceOptions options = rule.options();
         options.wantEdits = needsUnits;

@@ -1,4 +1,4 @@
-// How texts are searched: what JavaScript says of it, as the library takes it.
+// The options of a search, from JavaScript to the library.
 
 #ifndef DICTIONARY_NODE_SEARCH_H
 #define DICTIONARY_NODE_SEARCH_H

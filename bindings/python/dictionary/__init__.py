@@ -10,7 +10,7 @@
 2 4 東京 ['noun', 'Tokyo']
 2 5 東京都 ['noun', 'Tokyo Metropolis']
 
-A str is searched by characters and gives str, bytes are searched as UTF-8 and give bytes; offsets
+A search of a str returns str, a search of bytes, which are UTF-8, returns bytes; offsets
 count what the text itself counts, so that ``text[match.start:match.end] == match.key``.
 
 Every function may be called from several threads at once. The interpreter's lock is free while the

@@ -16,7 +16,7 @@ _Path = str | bytes | os.PathLike[Any]
 
 
 class Dictionary(Searchable):
-    """An open image. ``Searchable`` says what can be done with it.
+    """An open image. ``Searchable`` has the searches.
 
     It is pickled as its path with a digest of its bytes, and opened again there; DigestError if
     another image has that path there. One that was not opened from a file is pickled as its bytes.

@@ -13,7 +13,7 @@ from typing import Any, AnyStr
 from . import _collector
 from ._columns import Columns
 from ._errors import ImageError, exception_of
-from ._form import PLACE_SIZE, Form, Forms
+from ._codec import PLACE_SIZE, Codec, Codecs
 from ._library import (OPEN_BORROW, OPEN_COPY, OPEN_SHARE, UNIT_BYTE, UNIT_CODE_POINT, Description,
                        Error, FindOptions, Matches, library, path_bytes)
 from ._match import Match
@@ -80,7 +80,7 @@ class _FoundLists:
             self._spare.append(found)
 
 
-def matches_of(text: AnyStr, rows: _Rows, data: Form[AnyStr]) -> list[Match[AnyStr]]:
+def matches_of(text: AnyStr, rows: _Rows, data: Codec[AnyStr]) -> list[Match[AnyStr]]:
     # Match(...) would take arguments apart that are a tuple already.
     new = tuple.__new__
     return [new(Match, (start, start + length, text[start:start + length], data[place], image))
@@ -91,11 +91,11 @@ def pieces_of(text: AnyStr, rows: _Rows, _: object) -> list[AnyStr]:
     return [text[start:start + length] for start, length, *_ in rows]
 
 
-_Make = Callable[[Any, _Rows, Form[Any]], list[Any]]
+_Make = Callable[[Any, _Rows, Codec[Any]], list[Any]]
 
 
 class Image:
-    """An open handle. It is closed when nobody refers to it any more; whoever searches it does."""
+    """An open handle. It is closed with the last reference to it; a search under way holds one."""
 
     handle: int | None = None
     digest: str | None = None
@@ -105,7 +105,7 @@ class Image:
         if handle is None:
             raise exception_of(error, ImageError)
         self.handle, self._kept = handle, kept
-        self._forms, self._lists = Forms(), _FoundLists()
+        self._codecs, self._lists = Codecs(), _FoundLists()
 
     def __del__(self, close: Any = library.dictionaryClose) -> None:
         close(self.handle)
@@ -141,42 +141,42 @@ class Image:
         content: "Array[c_char]" = (c_char * place.size).from_address(place.bytes)
         return content
 
-    def form(self, text: AnyStr) -> Form[AnyStr]:
-        return self._forms.of(text)
+    def codec(self, text: AnyStr) -> Codec[AnyStr]:
+        return self._codecs.of(text)
 
     def data_at(self, number: int, image: int) -> str | None:
         data = library.dictionaryDataAt(self.handle, image, number)
-        return self._forms.str.decode(string_at(data.bytes, data.size)) if data.bytes else None
+        return self._codecs.str.decode(string_at(data.bytes, data.size)) if data.bytes else None
 
     def lookup(self, key: AnyStr) -> AnyStr | None:
-        form = self._forms.of(key)
-        raw = form.encode(key)
+        codec = self._codecs.of(key)
+        raw = codec.encode(key)
         place = create_string_buffer(PLACE_SIZE)
         if not library.dictionaryLookupKey(self.handle, raw, len(raw), place):
             return None
-        return form[place.raw]
+        return codec[place.raw]
 
     def has(self, key: AnyStr) -> bool:
-        raw = self._forms.of(key).encode(key)
+        raw = self._codecs.of(key).encode(key)
         return bool(library.dictionaryLookupKey(self.handle, raw, len(raw), None))
 
     def lookup_each(self, keys: Iterable[AnyStr], skip_missing: bool) -> Iterator[AnyStr | None]:
-        many = batches(keys, _KEYS_PER_CALL, self._forms, skip_missing)
+        many = batches(keys, _KEYS_PER_CALL, self._codecs, skip_missing)
         return chain.from_iterable(map(self._look_up_batch, many))
 
     def _look_up_batch(self, batch: Batch) -> Iterator[Any]:
         places = bytearray(len(batch) * PLACE_SIZE)
         room = (c_char * len(places)).from_buffer(places)
         library.dictionaryLookupKeys(self.handle, batch.packed.address, len(batch), room)
-        return batch.form.data_texts(places)
+        return batch.codec.data_texts(places)
 
     def keys(self, prefix: AnyStr) -> Iterator[AnyStr]:
-        form = self._forms.of(prefix)
-        return chain.from_iterable(_texts_of(keys, form) for keys in self._list(prefix))
+        codec = self._codecs.of(prefix)
+        return chain.from_iterable(_texts_of(keys, codec) for keys in self._list(prefix))
 
     def items(self, prefix: AnyStr) -> Iterator[tuple[AnyStr, AnyStr]]:
-        form = self._forms.of(prefix)
-        return chain.from_iterable(zip(_texts_of(keys, form), _data_of(keys, form))
+        codec = self._codecs.of(prefix)
+        return chain.from_iterable(zip(_texts_of(keys, codec), _data_of(keys, codec))
                                    for keys in self._list(prefix))
 
     def count_keys(self, prefix: AnyStr) -> int:
@@ -184,7 +184,7 @@ class Image:
 
     def _list(self, prefix: AnyStr) -> Iterator[memoryview]:
         """The keys that begin with a prefix as the library has them, some at a time."""
-        raw, room = self._forms.of(prefix).encode(prefix), bytearray(_KEYS_PER_CALL * _KEY.size)
+        raw, room = self._codecs.of(prefix).encode(prefix), bytearray(_KEYS_PER_CALL * _KEY.size)
         address = addressof(c_char.from_buffer(room))
         with _cursor(self) as cursor:
             library.dictionarySeekPrefix(cursor, raw, len(raw))
@@ -194,7 +194,7 @@ class Image:
                 wanted = _KEYS_PER_CALL
 
     def contains_key(self, search: Search, text: AnyStr) -> bool:
-        raw = self._forms.of(text).encode(text)
+        raw = self._codecs.of(text).encode(text)
         contains, error = c_bool(), Error()
         if library.dictionaryContainsKey(self.handle, search[0], raw, len(raw), byref(contains),
                                          byref(error)):
@@ -203,57 +203,57 @@ class Image:
 
     def find(self, search: Search, text: AnyStr,
              make: _Make = matches_of) -> list[Any]:
-        form = self._forms.of(text)
-        raw = form.encode(text)
+        codec = self._codecs.of(text)
+        raw = codec.encode(text)
         found = self._lists.take()
-        if library.dictionaryFindMatches(self.handle, search[form.unit], raw, len(raw),
+        if library.dictionaryFindMatches(self.handle, search[codec.unit], raw, len(raw),
                                          found.address, found.error_address):
             raise exception_of(found.error)
         rows, count = found.rows(), found.count
         self._lists.give_back(found)
         if count < _MANY_MATCHES:
-            return make(text, rows, form)
+            return make(text, rows, codec)
         with _collector.paused():
-            return make(text, rows, form)
+            return make(text, rows, codec)
 
     def find_each(self, search: Search, texts: Iterable[AnyStr],
                   skip_missing: bool, make: _Make = matches_of) -> Iterator[list[Any]]:
-        many = batches(texts, _TEXTS_PER_CALL, self._forms, skip_missing)
+        many = batches(texts, _TEXTS_PER_CALL, self._codecs, skip_missing)
         return chain.from_iterable(self._find_in_batch(search, batch, make) for batch in many)
 
     def _find_in_batch(self, search: Search, batch: Batch, make: _Make) -> Iterator[list[Any]]:
         found, ends = self._lists.take(), array("Q", bytes(8 * len(batch)))
         if library.dictionaryFindInTexts(
-                self.handle, search[batch.form.unit], batch.packed.address, len(batch),
+                self.handle, search[batch.codec.unit], batch.packed.address, len(batch),
                 found.address, ends.buffer_info()[0], found.error_address):
             found.error.line += batch.first
             raise exception_of(found.error)
         rows, begin = found.rows(), 0
         self._lists.give_back(found)
         for text, end in zip(batch, ends):
-            yield make(text, islice(rows, end - begin), batch.form)
+            yield make(text, islice(rows, end - begin), batch.codec)
             begin = end
 
     def find_columns(self, search: Search, texts: Iterable[AnyStr], skip_missing: bool) -> Columns:
         columns, error = Columns(), Error()
         require_many(texts)
-        batch = Batch(texts, 0, self._forms, skip_missing)
-        if library.dictionaryFindColumns(self.handle, search[batch.form.unit],
+        batch = Batch(texts, 0, self._codecs, skip_missing)
+        if library.dictionaryFindColumns(self.handle, search[batch.codec.unit],
                                          batch.packed.address, len(batch),
                                          byref(columns.memory), byref(error)):
             raise exception_of(error)
         return columns
 
 
-def _texts_of(keys: memoryview, form: Form[AnyStr]) -> Iterator[AnyStr]:
+def _texts_of(keys: memoryview, codec: Codec[AnyStr]) -> Iterator[AnyStr]:
     """Those of listed keys, which stand one after the other, each with a NUL after it."""
     begin, *_ = _KEY.unpack_from(keys)
     last, size, _ = _KEY.unpack_from(keys, len(keys) - _KEY.size)
-    return iter(form.decode(string_at(begin, last + size - begin)).split(form.decode(_NUL)))
+    return iter(codec.decode(string_at(begin, last + size - begin)).split(codec.decode(_NUL)))
 
 
-def _data_of(keys: memoryview, form: Form[AnyStr]) -> Iterator[AnyStr | None]:
-    return (form[place] for _, _, place in _KEY.iter_unpack(keys))
+def _data_of(keys: memoryview, codec: Codec[AnyStr]) -> Iterator[AnyStr | None]:
+    return (codec[place] for _, _, place in _KEY.iter_unpack(keys))
 
 
 @contextlib.contextmanager

@@ -42,10 +42,10 @@ class Match(NamedTuple, Generic[AnyStr]):
     # mypy does not see that a generic tuple is one of its own kind.
     @property
     def fields(self) -> list[AnyStr]:  # type: ignore[misc]
-        """As the function ``fields`` gives them."""
+        """As the function ``fields`` returns them."""
         return fields(self.data)
 
     @property
     def records(self) -> list[list[AnyStr]]:  # type: ignore[misc]
-        """As the function ``records`` gives them."""
+        """As the function ``records`` returns them."""
         return records(self.data)

@@ -10,7 +10,7 @@ from weakref import WeakSet
 
 from ._dictionary import Dictionary
 
-_Sight = tuple[int, ...] | None
+_FileIdentity = tuple[int, ...] | None
 
 
 class Reloader:
@@ -52,10 +52,10 @@ class Reloader:
             return self._load()
 
     def _look(self) -> None:
-        """Has a thread load the file if it has changed. Gives the lock back, or the thread does."""
+        """Has a thread load the file if it has changed. Releases the lock, or the thread does."""
         lock = self._lock
         self._due = time.monotonic() + self._interval
-        if self._sight() == self._seen:
+        if self._identity() == self._loaded:
             lock.release()
             return
         try:
@@ -73,7 +73,7 @@ class Reloader:
 
     def _load(self) -> Dictionary:
         # What is seen before opening is never newer than what is opened.
-        sight = self._sight()
+        identity = self._identity()
         try:
             self._dictionary = Dictionary.open(self._path, self._copy)
             self.error = None
@@ -81,12 +81,12 @@ class Reloader:
             self.error = error
             raise
         finally:
-            self._seen = sight
+            self._loaded = identity
             self._due = time.monotonic() + self._interval
         return self._dictionary
 
-    def _sight(self) -> _Sight:
-        """What tells the file from another one under its name."""
+    def _identity(self) -> _FileIdentity:
+        """Distinguishes the file from another one under its name."""
         try:
             status = os.stat(self._path)
         except OSError:

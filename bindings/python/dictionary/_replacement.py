@@ -55,15 +55,15 @@ class Replacer:
         return Replacement(_with_own_gaps(text, result), result.edits)
 
     def _run(self, text: AnyStr, options: ReplaceOptions) -> Replacement[AnyStr]:
-        form = self._image.form(text)
-        raw = form.encode(text)
+        codec = self._image.codec(text)
+        raw = codec.encode(text)
         result, error = _library.Replacement(), Error()
         try:
-            if library.dictionaryReplaceKeys(self._image.handle, self._search[form.unit],
+            if library.dictionaryReplaceKeys(self._image.handle, self._search[codec.unit],
                                              byref(options), raw, len(raw), byref(result),
                                              byref(error)):
                 raise exception_of(error)
-            return Replacement(form.decode(string_at(result.bytes, result.size)), _edits(result))
+            return Replacement(codec.decode(string_at(result.bytes, result.size)), _edits(result))
         finally:
             library.dictionaryFreeReplacement(byref(result))
 

@@ -34,15 +34,15 @@ class Searchable(Mapping[str, str], Segmentation):
     """A mapping of keys to their data texts, in the order of the keys' code points, which finds its
     keys in texts. Any number of threads may use it at once.
 
-    A str is searched by characters and gives str, bytes are searched as UTF-8 and give bytes;
-    anything else is a TypeError. Offsets count characters of a str and bytes of bytes. A surrogate,
+    A search of a str returns str, a search of bytes, which are UTF-8, returns bytes; anything else
+    is a TypeError. Offsets count characters of a str and bytes of bytes. A surrogate,
     a NUL and a byte that is not UTF-8 are in no key and are passed over. Data that is not UTF-8
     comes with surrogateescape in a str.
 
     With ``whole_words`` a match neither begins nor ends inside a word.
 
     The functions for many texts, ``..._each``, spread the cost of a call over them: they take texts
-    from any iterable, some at a time, and give a result for each, in order. With ``skip_missing``
+    from any iterable, some at a time, and yield a result for each, in order. With ``skip_missing``
     None and NaN are texts without matches.
 
     A text may take 2,147,483,647 bytes of UTF-8; a longer one is a ValueError. Using a closed

@@ -7,7 +7,7 @@ from ctypes import c_char_p, c_void_p, cast
 from itertools import accumulate, islice
 from typing import Any, AnyStr
 
-from ._form import Form, Forms
+from ._codec import Codec, Codecs
 
 _ADDRESS = "Q"
 
@@ -34,22 +34,23 @@ class PackedTexts:
 class Batch(list[Any]):
     """Texts of one kind. Those that are missing, None or NaN, count as empty if they may be so."""
 
-    def __init__(self, texts: Iterable[Any], first: int, forms: Forms, skip_missing: bool) -> None:
+    def __init__(self, texts: Iterable[Any], first: int, codecs: Codecs,
+                 skip_missing: bool) -> None:
         super().__init__(texts)
         self.first = first
         """How many texts were in batches before."""
-        self.form: Form[Any] = forms.str
+        self.codec: Codec[Any] = codecs.str
         if self._has_bytes():
-            self.form = forms.bytes
-        if not all(isinstance(text, self.form.kind) for text in self):
+            self.codec = codecs.bytes
+        if not all(isinstance(text, self.codec.kind) for text in self):
             self._check(skip_missing)
-        self.packed = PackedTexts(self.form.encode_all(self))
+        self.packed = PackedTexts(self.codec.encode_all(self))
 
     def _has_bytes(self) -> bool:
         return isinstance(next((text for text in self if not _is_missing(text)), None), bytes)
 
     def _check(self, skip_missing: bool) -> None:
-        kind = self.form.kind
+        kind = self.codec.kind
         for number, text in enumerate(self):
             if skip_missing and _is_missing(text):
                 self[number] = kind()
@@ -63,16 +64,16 @@ def require_many(texts: object) -> None:
         raise TypeError("expected many texts, not one")
 
 
-def batches(texts: Iterable[AnyStr], size: int, forms: Forms,
+def batches(texts: Iterable[AnyStr], size: int, codecs: Codecs,
             skip_missing: bool) -> Iterator[Batch]:
     require_many(texts)
-    return _batches(iter(texts), size, forms, skip_missing)
+    return _batches(iter(texts), size, codecs, skip_missing)
 
 
-def _batches(texts: Iterator[Any], size: int, forms: Forms,
+def _batches(texts: Iterator[Any], size: int, codecs: Codecs,
              skip_missing: bool) -> Iterator[Batch]:
     first = 0
-    while batch := Batch(islice(texts, size), first, forms, skip_missing):
+    while batch := Batch(islice(texts, size), first, codecs, skip_missing):
         yield batch
         first += len(batch)
 

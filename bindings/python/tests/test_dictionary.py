@@ -489,11 +489,11 @@ class BuildTest(FolderTest):
         self.assertEqual(list(Dictionary.open("image.bin")), [])
 
     def test_progress_tells_and_stops(self):
-        told = []
-        build(SAMPLE, progress=lambda *step: told.append(step))
-        self.assertEqual(list(dict(step[:2] for step in told)),
+        reported = []
+        build(SAMPLE, progress=lambda *step: reported.append(step))
+        self.assertEqual(list(dict(step[:2] for step in reported)),
                          ["read", "place", "write"])
-        self.assertEqual(told[-1], ("write", *[os.path.getsize("image.bin")] * 2))
+        self.assertEqual(reported[-1], ("write", *[os.path.getsize("image.bin")] * 2))
 
         interrupts = [signal.SIGINT]  # one stops the build; another might come after it
 

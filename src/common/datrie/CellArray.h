@@ -14,7 +14,7 @@
 namespace Dictionary {
 
 // Cells 0 to alphabetSize belong to the children of the root, each at the cell of its code; all
-// other nodes lie above.
+// other nodes come after them.
 //
 // The capacity is the number of cells that the array counts as allocated. It grows by doubling,
 // while storage follows the cells that are in use.
@@ -31,7 +31,7 @@ public:
     std::int64_t highest() const { return m_highest; }
     bool isFree(std::int64_t index) const { return cellAt(index).check == kFreeCheck; }
 
-    // The cell as it stands; a free one beyond the capacity.
+    // A copy of the cell; a free one beyond the capacity.
     Cell cellAt(std::int64_t index) const {
         return index < storedCells() ? storedCell(index) : kFreeCell;
     }
@@ -45,7 +45,7 @@ public:
     // The first free cell at or after `index`, to which the capacity is raised.
     std::int64_t firstFreeFrom(std::int64_t index);
 
-    // From here on no cell at or beyond `limit` is given out.
+    // From here on no cell at or beyond `limit` is used.
     void limitTo(std::int64_t limit) { m_limit = limit; }
 
     // Takes the cell of a child of the root. False when `code` has no such cell.
@@ -53,10 +53,10 @@ public:
     // Takes the cell of a child of `parent`, which findBase made sure is free.
     void takeChild(std::int64_t index, std::int64_t parent);
 
-    // Marks a cell where keys end: the smallest of their numbers stands in for the base that a
-    // leaf has not.
+    // Marks a cell where keys end. A leaf has no base; the smallest of their numbers takes its
+    // place.
     void markTerminal(std::int64_t index, std::int32_t smallestKey, std::int32_t feature);
-    // Gives a cell its base and keeps the mark of a terminal one.
+    // Sets the base of a cell and keeps the mark of a terminal one.
     void setBase(std::int64_t index, std::int64_t base);
 
     // The base that puts the child `leading` on the first free cell from the free hint on for
@@ -74,7 +74,7 @@ public:
     std::int64_t countOneMore();
 
 private:
-    // Storage comes in blocks, which neither move nor ask for much memory in one piece.
+    // Storage comes in blocks. They never move, and no large piece of memory is needed.
     static constexpr std::int64_t kBlockCells = 4096;
 
     std::int64_t storedCells() const {

@@ -14,8 +14,8 @@ std::int64_t pairsOf(std::int64_t count) {
     return count * (count - 1) / 2;
 }
 
-// How many of the shared nodes, of which those with most keys come first, may have labels enough:
-// with `count` labels, sets that are alike lie at most pairsOf(count) + 1 cells apart for sure.
+// How many of the shared nodes, those with most keys first, may have enough labels: equal sets of
+// `count` labels never need more than pairsOf(count) + 1 cells between them.
 std::size_t candidates(const std::vector<TrieNode>& nodes, std::int64_t enough) {
     for (std::size_t count = nodes.size(); count > 0; --count) {
         const std::int64_t least = pairsOf(nodes[count - 1].passing()) + 1;
@@ -39,7 +39,7 @@ std::int64_t coveredDifferences(const std::vector<std::int32_t>& labels) {
     return std::find(isCovered.begin(), isCovered.end(), false) - isCovered.begin() - 1;
 }
 
-// What nodes need whose labels are the same but for a shift.
+// The cells that nodes need whose labels are the same but for a shift.
 std::int64_t leastOfAlike(const std::vector<std::int32_t>& labels, std::int64_t nodes,
                           std::int64_t enough) {
     const auto count = static_cast<std::int64_t>(labels.size());

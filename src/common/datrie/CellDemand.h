@@ -9,8 +9,8 @@
 
 namespace Dictionary {
 
-// At least so many cells lie between the first and the last one of the nodes below the root's
-// children, both included, wherever they are placed. Bounds below `enough` are not looked for.
+// The nodes below the root's children span at least this many cells, wherever they are placed.
+// Bounds below `enough` are not looked for.
 std::int64_t leastCells(const KeyTrie& trie, std::int64_t enough);
 
 }  // namespace Dictionary

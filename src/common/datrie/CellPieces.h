@@ -12,8 +12,8 @@
 
 namespace Dictionary {
 
-// A file written in pieces of a huge page's size, each at a multiple of it, may stand in the page
-// cache in huge pages: then who maps the image takes one page fault for two mebibytes of it.
+// A file that is written in pieces of the size of a huge page, each at a multiple of it, may be
+// kept in huge pages in the page cache. A mapping then takes one page fault per two mebibytes.
 constexpr std::size_t kPieceBytes = std::size_t{2} << 20;
 
 // Calls `sink(bytes, size)` for each piece.
@@ -32,7 +32,7 @@ public:
         if (m_used >= m_size) handOut(m_size);
     }
 
-    // To be called behind the last cell.
+    // To be called after the last cell.
     void finish() {
         if (m_used > 0) handOut(m_used);
     }

@@ -23,7 +23,7 @@
 
 namespace Dictionary {
 
-// CRecordReader::next with an occasion to say something in between.
+// CRecordReader::next, with a call before each read.
 struct RecordsByFill {
     template <class BeforeFill>
     static char* next(CRecordReader& source, BeforeFill beforeFill) {
@@ -109,7 +109,7 @@ int CDictionayApp::writeBinaryDic(const char* fileName) {
     if (file == nullptr) return 0;
     // A buffer would cut the pieces up.
     std::setvbuf(file.get(), nullptr, _IONBF, 0);
-    // The image goes to the file piece by piece, so that it never stands in memory twice.
+    // The image goes to the file piece by piece, so that it is never in memory twice.
     m_writer->m_imageSize = m_writer->m_builder->writeImage(
         [](std::int32_t size) {
             (StreamMessage() << "size of dictionary : " << std::to_string(size).c_str())

@@ -51,13 +51,12 @@ public:
     // data of a repeated key is joined with ";". The key written as a backslash and an n is
     // the newline character.
     //
-    // Writes one line for each record to standard error, before it waits for more of the source,
-    // and "Build OK" at the end, and the progress line to standard
-    // output. Returns 1 when the build ran to its end. Returns 0, after "Wrong format of file : ",
-    // at a record with fewer than two fields; the record reader with its descriptor and its
-    // buffers stays allocated then. Ends the process when the file cannot be opened or its name is
-    // null. A last record without its separator is lost. A key that the coder refuses is reported
-    // and left out.
+    // Writes one line per record to standard error, before it waits for more of the source, then
+    // "Build OK". Writes the progress line to standard output. Returns 1 when the build ran to its
+    // end. Returns 0, after "Wrong format of file : ", at a record with fewer than two fields; the
+    // record reader with its descriptor and its buffers stays allocated then. Ends the process when
+    // the file cannot be opened or its name is null. A last record without its separator is lost. A
+    // key that the coder refuses is reported and left out.
     int buildDic(const char* fileName, const char* fieldSeparator, const char* recordSeparator);
 
     // Writes the built image to `fileName` and its size to standard error. Returns 0, without a

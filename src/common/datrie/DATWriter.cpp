@@ -21,8 +21,8 @@ namespace Dictionary {
 namespace {
 
 // The progress line on standard output. It ends in a carriage return, so that on a terminal each
-// one overwrites the one before. Lines may come by the ten thousand a second; they are flushed
-// when the last flush lies far enough back to be seen.
+// one overwrites the one before. There may be ten thousand lines a second; they are flushed only
+// as often as can be seen.
 class ProgressLine : public PlacementListener {
 public:
     void pause(std::uint64_t, std::uint64_t) override {}

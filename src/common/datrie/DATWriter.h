@@ -65,7 +65,7 @@ public:
     CDATWriter(const CDATWriter&) = delete;
     CDATWriter& operator=(const CDATWriter&) = delete;
 
-    // Adds one key (NUL-terminated text) with its feature string and gives it the next number.
+    // Adds one key (NUL-terminated text) with its feature string. It gets the next number.
     // Returns false, adding nothing, when the key is null, when there is no coder or when the
     // coder refuses the key. Nothing is deduplicated: of equal keys the last one added decides
     // the feature. A key that encodes to no codes takes a number but is never found.
@@ -89,7 +89,7 @@ public:
     // stay. `final` makes no difference: memory for cells is taken when they are used.
     void clear(bool final);
     // Appends each distinct feature string once, in bytewise order and cut at its first NUL, to
-    // the feature area, and gives every key its record's offset. Called again without a `clear`,
+    // the feature area, and notes the offset of each key's record. Called again without a `clear`,
     // it appends all of them once more. Returns 0.
     int writeFeature();
     // Makes the trie's nodes from the keys.
@@ -100,7 +100,7 @@ public:
     // The smallest base at which every child of the node finds a free cell, putting the child of
     // the smallest key number on the first free cell that allows it. Moves the free hint to the
     // first free cell. Negative when the code of that child is greater than the hint, so that the
-    // base would lie below 0, and when there is no room below 2^31 - 1 bytes.
+    // base would be below 0, and when there is no room below 2^31 - 1 bytes.
     int getConsistentBasePos(SInnerDATWUnit* unit);
     // Moves `position` forward to the first free cell at or after it, growing the array if need be.
     void nextFreePos(int& position);

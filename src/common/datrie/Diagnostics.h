@@ -27,9 +27,9 @@ private:
     std::string m_text;
 };
 
-// A message that is built in a string stream, ends with an end of line there and is then printed
-// as a line, so two newlines follow it. A null part puts such a stream out of action: what stands
-// before it is printed with one newline, and the rest is dropped.
+// A message that is built in a string stream, where it gets an end of line, and is then printed as
+// a line: two newlines follow it. A null part makes such a stream fail: what comes before it is
+// printed with one newline, and the rest is dropped.
 class StreamMessage {
 public:
     StreamMessage& operator<<(const char* part);

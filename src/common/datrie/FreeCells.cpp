@@ -14,11 +14,12 @@ constexpr std::int64_t kByteBits = 8;
 constexpr std::int64_t kWordBits = 64;
 constexpr std::uint8_t kAllFree = 0xFF;
 
-// The sizes of the fronts of a set that are looked for before it.
+// The first offsets of a set are searched for before the whole set: this many, then so many times
+// more.
 constexpr std::size_t kFirstFront = 8;
 constexpr std::size_t kFrontGrowth = 8;
 
-// A search that ends sooner is as well made again as remembered.
+// The result of a shorter search is not remembered: it costs little to search again.
 constexpr std::int64_t kFarOff = 4096;
 
 }  // namespace
@@ -98,7 +99,7 @@ std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64
 
 std::int64_t FreeCells::search(std::int64_t from, const std::vector<std::int64_t>& offsets,
                                std::size_t count) {
-    // At the latest, everything fits where all of it lies behind the last cell taken.
+    // Everything fits after the last cell taken, at the latest.
     std::int64_t least = 0;
     std::int64_t most = 0;
     for (std::size_t i = 0; i < count; ++i) {

@@ -12,10 +12,9 @@
 
 namespace Dictionary {
 
-// A bitmap, one bit a cell, that is free without end behind what was taken so far. While wide
-// searches go on it is kept in eight copies, each shifted by one bit more, so that the bits from
-// any cell on are one unaligned load; a search tests as many positions at a time as the machine's
-// registers have bits.
+// A bitmap with one bit per cell; every cell after the last one taken is free. During wide searches
+// it is kept in eight copies, each shifted by one bit more, so that the bits from any cell on are
+// one unaligned load. A search tests as many positions at a time as a register has bits.
 class FreeCells {
 public:
     // Cells 0 to reserved - 1 count as taken.
@@ -27,11 +26,11 @@ public:
     std::int64_t firstFrom(std::int64_t cell) const;
 
     // The first position p at or after `from` for which p and every p + offset is free. `offsets`
-    // may be negative as long as p + offset is not for any p at or after `from`; they are tested
-    // in the order in which they stand.
+    // may be negative as long as p + offset is not for any p at or after `from`. They are tested
+    // in their order.
     std::int64_t firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets);
 
-    // Gives back the shifted copies, which cost time at every take, until the next firstFit.
+    // Releases the shifted copies, which cost time at every take, until the next firstFit.
     void dropCopies();
 
 private:

@@ -17,7 +17,7 @@
 namespace Dictionary {
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
-              "Images are little-endian and are searched where they lie, so this library needs a "
+              "Images are little-endian and are searched in place, so this library needs a "
               "little-endian machine.");
 
 struct Cell {
@@ -65,7 +65,7 @@ inline std::int32_t cellBytesOf(const Cell& header) {
     return header.feature;
 }
 
-// The same for a child that is looked for below a limit: what is no cell comes out above every one.
+// The same for comparing with a limit: what is no cell comes out above every limit.
 inline std::uint32_t childCell(std::int32_t base, std::int32_t code) {
     const auto bits = static_cast<std::uint32_t>(base);
     return (base < 0 ? 0u - bits : bits) + static_cast<std::uint32_t>(code);
@@ -125,7 +125,7 @@ private:
     }
 
     const char* m_image;
-    std::int32_t m_firstLimit;  // cells that lie in the array whole
+    std::int32_t m_firstLimit;  // whole cells in the array
     std::int32_t m_childLimit;  // cells that a transition may reach
 };
 

@@ -1,4 +1,4 @@
-// Helper, not installed: the codes of all keys, one behind the other in one array.
+// Helper, not installed: the codes of all keys, one key after the other in one array.
 
 #ifndef DICTIONARY_KEY_POOL_H
 #define DICTIONARY_KEY_POOL_H

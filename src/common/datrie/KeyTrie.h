@@ -37,8 +37,8 @@ public:
     // The nodes that one key passes. Drops the shared ones, with everything that belongs to them.
     TailNodes takeTailNodes();
 
-    // Asks for the memory that childrenOf will need. Nodes that are placed one after the other lie
-    // far apart, so their cache misses are better taken together.
+    // Prefetches what childrenOf will need. Nodes that are placed one after the other are far apart
+    // in memory, so their cache misses are better taken together.
     void prefetch(const TrieNode& node) const {
         __builtin_prefetch(&m_branches[node.begin]);
         if (!m_inOrder) __builtin_prefetch(&m_order[node.begin]);

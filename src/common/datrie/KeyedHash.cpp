@@ -46,7 +46,7 @@ std::uint64_t lastPiece(std::string_view text) {
 
 KeyedHash::KeyedHash() {
     std::uint64_t random = 0;
-    // Without randomness, where the process lies in memory has to do.
+    // Without randomness, an address has to do.
     if (getentropy(&random, sizeof random) != 0) random = reinterpret_cast<std::uintptr_t>(this);
     m_point = random & kPointMask;
 }

@@ -10,8 +10,8 @@ namespace Dictionary {
 
 // The polynomial whose coefficients are the text's bytes, seven at a time, modulo a prime, at a
 // point that the system's randomness chooses for each object (Dietzfelbinger et al., "Polynomial
-// hash functions are reliable", 1992). Whoever does not know the point cannot find texts with
-// equal hashes better than by chance.
+// hash functions are reliable", 1992). Without the point, texts with equal hashes are found by
+// chance only.
 class KeyedHash {
 public:
     KeyedHash();

@@ -25,7 +25,7 @@ bool RecordLines::isInOrder(std::uint32_t record) const {
     return record == 0 || m_table.key(record - 1) <= m_table.key(record);
 }
 
-// Records lie all over the slots, so their cache misses are taken together.
+// Records are spread over all slots, so their cache misses are taken together.
 void RecordLines::index(std::uint32_t first, std::uint32_t end) {
     constexpr std::size_t kAhead = 16;
     grow(end);

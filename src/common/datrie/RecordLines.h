@@ -1,4 +1,4 @@
-// Helper, not installed: says of each record of a source what data its key has up to there.
+// Helper, not installed: writes a line per record of a source, with the data of its key so far.
 
 #ifndef DICTIONARY_RECORD_LINES_H
 #define DICTIONARY_RECORD_LINES_H
@@ -21,7 +21,7 @@ public:
     RecordLines(const SourceTable& table, MessageBlock& messages)
         : m_table(table), m_messages(messages) {}
 
-    // Writes a line for each record that was added since the last call.
+    // Writes one line per record that was added since the last call.
     void write();
 
 private:

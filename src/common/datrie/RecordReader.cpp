@@ -34,7 +34,7 @@ Buffer newBuffer() {
     return buffer;
 }
 
-// Copies text behind the `used` bytes of a buffer, as much as fits, and terminates it.
+// Copies text to a buffer after its first `used` bytes, as much as fits, and terminates it.
 void append(char* buffer, int used, const char* text, std::size_t length) {
     const auto room = static_cast<std::size_t>(std::max(0, kMaxTextBytes - used));
     const std::size_t copied = std::min(length, room);

@@ -33,7 +33,7 @@ public:
     // at a read error. A last record without a separator is dropped. The text is valid until the
     // next call.
     //
-    // A record of up to 4,194,298 bytes comes out whole wherever it lies. A longer one does when
+    // A record of up to 4,194,298 bytes comes out whole wherever it is. A longer one does when
     // all of it but its last fill has at most 4,194,298 bytes, and the whole of it at most
     // 4,194,303; what is beyond those is cut off without a message. Otherwise the part of a fill
     // that does not fit is dropped, after a message on standard output.

@@ -19,7 +19,7 @@ char* put(char* out, std::string_view text) {
 
 }  // namespace
 
-// Room for `bytes` more bytes behind the text so far.
+// Room for `bytes` more bytes after the text so far.
 char* ResultText::room(std::size_t bytes) {
     if (bytes > m_capacity - m_size) {
         const std::size_t capacity = std::max({kFirstCapacity, m_size + bytes, 2 * m_capacity});

@@ -13,14 +13,15 @@
 
 namespace Dictionary {
 
-// A key as it goes into the trie: one that stands in the source as a backslash and an n is the
-// newline character.
+// A key as it goes into the trie. A backslash and an n, as a whole key of a source, are the newline
+// character.
 inline std::string_view trieKeyOf(std::string_view key) {
     return key == "\\n" ? "\n" : key;
 }
 
-// First all records are added, then they are arranged once, then asked for. Records are numbered
-// from 0 in source order; a key goes by the number of its last record, which has all its data.
+// First all records are added, then they are arranged once, then they are read. Records are
+// numbered from 0 in source order; a key goes by the number of its last record, which has all its
+// data.
 class SourceTable {
 public:
     // Adds a record: its key, and its data fields, each of which is followed by a tab in the data.
@@ -34,8 +35,8 @@ public:
 
     std::size_t keyCount() const { return m_keys.size(); }
 
-    // Calls `visit(key)` for the keys in bytewise order. Their records lie far apart, so their
-    // cache misses are taken together.
+    // Calls `visit(key)` for the keys in bytewise order. Their records are far apart in memory, so
+    // their cache misses are taken together.
     template <class Visit>
     void forEachKey(Visit visit) const {
         constexpr std::size_t kRecordAhead = 32;
@@ -62,7 +63,7 @@ public:
     }
 
 private:
-    // Key and data stand one behind the other.
+    // The data follows the key.
     struct Record {
         const char* text;
         std::uint32_t keySize;

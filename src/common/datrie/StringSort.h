@@ -12,8 +12,8 @@
 
 namespace Dictionary {
 
-// A string's number with its first eight bytes, whose unsigned order is the strings'. Packed, since
-// a sort moves a third more with the gap that would follow.
+// The number of a string and its first eight bytes, as a number that orders like them. Packed:
+// with padding, a sort would move a third more.
 struct [[gnu::packed]] SortEntry {
     std::uint64_t prefix;
     std::uint32_t number;

@@ -1,4 +1,4 @@
-// Helper, not installed: distinct byte strings, each kept once and numbered by first sight.
+// Helper, not installed: distinct byte strings, each kept once and numbered as they first come.
 
 #ifndef DICTIONARY_STRING_TABLE_H
 #define DICTIONARY_STRING_TABLE_H
@@ -49,7 +49,7 @@ private:
         std::uint32_t length;
         std::uint32_t hash;
     };
-    // Holds an entry's hash, too, so that a probe seldom looks at a string that is not the one.
+    // Has the hash of its entry, too, so that a probe seldom compares different strings.
     struct Slot {
         std::uint32_t hash;
         std::uint32_t entry;  // number plus 1, or 0

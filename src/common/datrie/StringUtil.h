@@ -1,7 +1,7 @@
 // String utilities. Strings are byte strings. Where a function minds double-byte characters it
 // follows the GBK rule: a byte with the high bit set and the byte after it are one character.
 //
-// Nothing here throws on its own account, and C strings and pointers must not be null. All
+// Nothing here throws exceptions of its own. C strings and pointers must not be null. All
 // functions may run concurrently on different outputs, save where a comment says otherwise.
 
 #ifndef DICTIONARY_STRING_UTIL_H
@@ -99,7 +99,7 @@ DICTIONARY_EXPORT int wildcard(const char* pattern, const char* text);
 //
 // A statement with "delete ", "truncate " or "update " returns 0 and says so on standard output;
 // one without "from " or "select" returns -1 and says so on standard error. An empty statement
-// returns -1 without a word.
+// returns -1 without a message.
 DICTIONARY_EXPORT int GetItemNumFromSQL(std::string statement);
 
 // Reads year, month, day, hour, minute and second from the first six numbers of `timeText`, which
@@ -124,8 +124,8 @@ DICTIONARY_EXPORT std::time_t Str2SecondsSimple(const std::string& timeText);
 // not entered. Only names with one of the letters d, u, m and p are listed: "map.txt" is,
 // "note.txt" is not.
 //
-// A path that is no directory gives the path alone; if nothing exists there, after a line on
-// standard output. A directory that cannot be opened gives nothing.
+// For a path that is no directory, `files` is that path alone; if nothing exists there, a line on
+// standard output says so. A directory that cannot be opened has no files.
 DICTIONARY_EXPORT int GetAllFileByDir(std::string path, std::vector<std::string>& files);
 
 // ---- Text cleaning
@@ -140,8 +140,8 @@ DICTIONARY_EXPORT int GetAllFileByDir(std::string path, std::vector<std::string>
 // Reads at most `length` bytes of `text`, and the one after them when the last one can begin a
 // double-byte character. Stops early when more than 4094 bytes are written. Adds the number of
 // single bytes that became blanks to *replacedCount and sets *consumed to the number of bytes used,
-// which is length + 1 when a character reaches past the end. A `length` below 1 gives the empty
-// text.
+// which is length + 1 when a character reaches past the end. A `length` below 1 returns the
+// empty text.
 //
 // Returns a static buffer with a terminating zero byte, valid until the next call. Not to be
 // called by two threads at once.

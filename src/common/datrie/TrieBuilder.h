@@ -1,5 +1,5 @@
-// Helper, not installed: the quiet core of CDATWriter. Keys and feature strings in, placed cells
-// and feature area out; it writes to no stream.
+// Helper, not installed: the build of an image from keys and feature strings to cells and feature
+// area. It writes to no stream.
 
 #ifndef DICTIONARY_TRIE_BUILDER_H
 #define DICTIONARY_TRIE_BUILDER_H
@@ -21,15 +21,15 @@
 
 namespace Dictionary {
 
-// Told how placement goes on. What it throws ends the placement.
+// Listens to the placement. An exception that it throws ends the placement.
 class PlacementListener {
 public:
     virtual ~PlacementListener() = default;
-    // Before a node is placed, for every kPauseStep passing keys at least once, so that what takes
-    // long is told of often.
+    // Called before a node is placed, at least once per kPauseStep passing keys, so that work that
+    // takes long is interrupted often.
     virtual void pause(std::uint64_t running, std::uint64_t total) = 0;
-    // Before a node is placed with which the count of passing keys of all nodes so far, its own
-    // included, is a multiple of kReportStep.
+    // Called before a node is placed with which the count of passing keys of all nodes so far, its
+    // own included, is a multiple of kReportStep.
     virtual void report(std::uint64_t running, std::uint64_t total) = 0;
 
     static constexpr std::uint64_t kPauseStep = 64;
@@ -48,12 +48,12 @@ public:
     const CFeatureDataContainer& featureArea() const { return m_featureArea; }
 
     void reserve(std::size_t keys, std::size_t codes);
-    // Promises that nothing will be added once a build has begun. What that build needs no more
-    // goes early.
+    // The caller promises to add nothing once a build has begun. Memory that the build no longer
+    // needs is then released early.
     void expectOneBuild() { m_isOnlyBuild = true; }
     // Encodes and adds a key; false when the coder refuses it.
     bool addKey(ICoderInterface& coder, const char* key, bool reverse, std::string_view feature);
-    // A string for a key that is yet to be added waits for it.
+    // The string for a key that is yet to be added is kept for it.
     void attachFeature(std::string_view feature, int key);
 
     // The stages of a build, in order. The first drops what an earlier build made; without it,

@@ -1,4 +1,4 @@
-// The seam between text and trie: a coder turns text into the codes that the trie is built over.
+// The interface between text and trie: a coder turns text into codes, the labels of the trie.
 
 #ifndef DICTIONARY_UTF8_CODER_H
 #define DICTIONARY_UTF8_CODER_H
@@ -9,7 +9,7 @@
 
 namespace Dictionary {
 
-// Where an encoded character, or a match, lies in its text. Offsets are in bytes from the text's
+// Where an encoded character, or a match, is in its text. Offsets are in bytes from the text's
 // first byte; `end` is the offset of the last byte, so it is inclusive.
 struct SPOS {
     int start;
@@ -43,7 +43,7 @@ public:
 // UTF-8 to Unicode code points. Stateless: all operations may run concurrently on one object.
 class DICTIONARY_EXPORT CUTF8Coder : public ICoderInterface {
 public:
-    // As the interface says. The encoding ends without a word at the first illegal or cut-off
+    // As the interface says. The encoding ends silently at the first illegal or cut-off
     // sequence; what came before it is kept. Returns 0 when a code above U+FFFF was appended,
     // else 1.
     int encodeString(const char* text, std::vector<int>& codes, std::vector<SPOS>& positions,

@@ -97,7 +97,7 @@ bool writeCharacter(uint32_t value, uint32_t** target, const uint32_t* targetEnd
     return true;
 }
 
-// Converts the character at *source, which lies before sourceEnd. Moves both cursors or neither.
+// Converts the character at *source, which is before sourceEnd. Moves both cursors or neither.
 template <typename Source, typename Target>
 ConversionResult convertOne(const Source** source, const Source* sourceEnd, Target** target,
                             const Target* targetEnd, ConversionFlags flags) {

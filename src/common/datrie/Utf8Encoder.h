@@ -15,7 +15,7 @@ inline std::size_t utf8Length(std::int32_t code) {
     return 1u + (code >= kTwoBytes) + (code >= kThreeBytes) + (code >= kFourBytes);
 }
 
-// Writes the bytes of `code` and returns where they end. A surrogate takes three bytes of its own.
+// Writes the bytes of `code`, of a surrogate three, and returns where they end.
 inline char* writeUtf8(std::int32_t code, char* out) {
     const auto put = [&](std::int32_t mark, std::int32_t bits) {
         *out++ = static_cast<char>(mark | bits);

@@ -1,4 +1,4 @@
-"""What searching a str has different from searching bytes: units, encoding, data texts."""
+"""The two kinds of texts, str and bytes: their units, how they are encoded and decoded."""
 
 import codecs
 import struct
@@ -11,7 +11,7 @@ from ._library import UNIT_BYTE, UNIT_CODE_POINT
 
 _MOST_TEXTS = 1 << 16
 
-# Where a data text lies, as matches and lookups hold it: address and length.
+# Where a data text is, as matches and lookups hold it: address and length.
 _PLACE = struct.Struct("@PN")
 PLACE_SIZE = _PLACE.size
 _PLACES = struct.Struct(f"{PLACE_SIZE}s")
@@ -30,10 +30,10 @@ def _replace_surrogates(error: UnicodeError) -> tuple[bytes, int]:
 codecs.register_error(_SURROGATES, _replace_surrogates)
 
 
-class Form(dict[bytes, AnyStr | None]):
-    """One of the two ways to search an image. As a dict it maps places of data texts, 16 bytes as
-    matches hold them, to the texts: most keys share theirs with others, and a look into a dict
-    costs less than a new string.
+class Codec(dict[bytes, AnyStr | None]):
+    """Encodes one kind of text and decodes its data texts. As a dict it maps places of data texts,
+    16 bytes as matches hold them, to the texts: most keys share theirs with others, and a lookup in
+    a dict costs less than a new string.
     """
 
     kind: type[AnyStr]
@@ -50,7 +50,7 @@ class Form(dict[bytes, AnyStr | None]):
         return list(map(self.encode, texts))
 
     def data_texts(self, places: bytes) -> Iterator[AnyStr | None]:
-        """The data texts at places that stand side by side, None where there is none."""
+        """The data texts at places that follow each other, None where there is none."""
         return map(self.__getitem__, chain.from_iterable(_PLACES.iter_unpack(places)))
 
     def __missing__(self, place: bytes) -> AnyStr | None:
@@ -61,7 +61,7 @@ class Form(dict[bytes, AnyStr | None]):
         return text
 
 
-class StrForm(Form[str]):
+class StrCodec(Codec[str]):
     """Counts code points. A surrogate in a text is a character that is in no key; data that is not
     UTF-8 is decoded with surrogateescape.
     """
@@ -82,7 +82,7 @@ class StrForm(Form[str]):
         return data.decode(errors="surrogateescape")
 
 
-class BytesForm(Form[bytes]):
+class BytesCodec(Codec[bytes]):
     kind = bytes
     unit = UNIT_BYTE
 
@@ -93,16 +93,16 @@ class BytesForm(Form[bytes]):
         return data
 
 
-class Forms:
+class Codecs:
     """Those of one image."""
 
     def __init__(self) -> None:
-        self.str = StrForm()
-        self.bytes = BytesForm()
+        self.str = StrCodec()
+        self.bytes = BytesCodec()
 
-    def of(self, text: AnyStr) -> Form[AnyStr]:
-        form: Any = self.str if isinstance(text, str) else self.bytes
-        if not isinstance(text, form.kind):
+    def of(self, text: AnyStr) -> Codec[AnyStr]:
+        codec: Any = self.str if isinstance(text, str) else self.bytes
+        if not isinstance(text, codec.kind):
             raise TypeError(f"expected str or bytes, not {type(text).__name__}")
-        found: Form[AnyStr] = form
+        found: Codec[AnyStr] = codec
         return found

@@ -1,5 +1,5 @@
-// What a host makes of a byte trie or map to do the dictionary's work: the whole build job and
-// every lookup. One template over the index, so that all neighbours are used alike.
+// A dictionary over another library's trie or map: the whole build job and every lookup. One
+// template over the index, so that all other libraries are used alike.
 //
 // An index maps keys to numbers that are not negative and offers
 //
@@ -14,11 +14,11 @@
 //                                                            begins with prefix, in order, until it
 //                                                            is false
 //
-// of the lookups those that it is measured by. attach is given bytes aligned to kAlignment. Lookups
-// may run concurrently.
+// Of the lookups, it has those that are measured. The bytes for attach are aligned to kAlignment.
+// Lookups may run concurrently.
 
-#ifndef BENCH_NEIGHBOUR_H
-#define BENCH_NEIGHBOUR_H
+#ifndef BENCH_OTHER_DICTIONARY_H
+#define BENCH_OTHER_DICTIONARY_H
 
 #include <cstdint>
 #include <cstring>
@@ -41,20 +41,20 @@ struct Keys {
 };
 
 template <class Index>
-class Neighbour {
+class OtherDictionary {
 public:
     static constexpr const char* kName = Index::kName;
 
     static void buildFile(const std::string& source, const std::string& target) {
         Source records(readFile(source));
-        Neighbour(records.takeEntries()).write(target);
+        OtherDictionary(records.takeEntries()).write(target);
     }
 
     static std::string firstAnswer(const std::string& file, const std::string& text) {
-        return Neighbour(file).search(text, true);
+        return OtherDictionary(file).search(text, true);
     }
 
-    explicit Neighbour(std::vector<Entry> entries) {
+    explicit OtherDictionary(std::vector<Entry> entries) {
         if (!std::is_sorted(entries.begin(), entries.end(), keyLess)) {
             std::sort(entries.begin(), entries.end(), keyLess);
         }
@@ -64,7 +64,7 @@ public:
         m_features = m_ownFeatures.data();
     }
 
-    explicit Neighbour(const std::string& file) : m_file(std::in_place, file) {
+    explicit OtherDictionary(const std::string& file) : m_file(std::in_place, file) {
         Header header;
         std::memcpy(&header, m_file->data(), sizeof header);
         m_features = m_file->data() + sizeof header;
@@ -190,8 +190,8 @@ private:
     }
 
     std::optional<Mapping> m_file;
-    std::string m_ownFeatures;         // empty when they stand in m_file
-    const char* m_features = nullptr;  // each text behind its length
+    std::string m_ownFeatures;         // empty when they are in m_file
+    const char* m_features = nullptr;  // each text after its length
     Index m_index;
 };
 

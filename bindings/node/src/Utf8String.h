@@ -1,7 +1,7 @@
 // The UTF-8 of JavaScript strings, and back.
 
-#ifndef DICTIONARY_NODE_UTF8_TEXT_H
-#define DICTIONARY_NODE_UTF8_TEXT_H
+#ifndef DICTIONARY_NODE_UTF8_STRING_H
+#define DICTIONARY_NODE_UTF8_STRING_H
 
 #include <cstddef>
 #include <memory>
@@ -15,9 +15,9 @@ namespace Dictionary::Node {
 
 // An unpaired surrogate becomes a byte that begins no legal sequence: it stays one unit, and no key
 // holds it.
-class Utf8Text {
+class Utf8String {
 public:
-    explicit Utf8Text(const std::u16string& units);
+    explicit Utf8String(const std::u16string& units);
 
     const char* data() const { return m_bytes.get(); }
     std::size_t size() const { return m_size; }
@@ -26,7 +26,7 @@ public:
     bool isWellFormed() const { return m_isWellFormed; }
 
 private:
-    char* put(char32_t code, char* to);
+    char* putCharacter(const std::u16string& units, std::size_t& i, char* to);
 
     std::unique_ptr<char[]> m_bytes;
     std::size_t m_size = 0;
@@ -37,15 +37,15 @@ private:
 std::u16string unitsOf(std::string_view utf8);
 
 // Several of them, as the library takes them.
-class Utf8Texts {
+class Utf8Strings {
 public:
-    explicit Utf8Texts(const std::vector<std::u16string>& texts);
+    explicit Utf8Strings(const std::vector<std::u16string>& texts);
 
     const DictionaryText* data() const { return m_views.data(); }
     std::size_t size() const { return m_views.size(); }
 
 private:
-    std::vector<Utf8Text> m_texts;
+    std::vector<Utf8String> m_texts;
     std::vector<DictionaryText> m_views;
 };
 
