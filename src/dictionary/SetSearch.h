@@ -4,7 +4,6 @@
 #ifndef DICTIONARY_SET_SEARCH_H
 #define DICTIONARY_SET_SEARCH_H
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "SetKeys.h"
 #include "SetText.h"
 #include "TextSearch.h"
+#include "Walk.h"
 
 namespace Dictionary {
 
@@ -36,76 +36,80 @@ public:
     template <class Found>
     void forEachLongestKey(const Found& found) const;
 
-    // Calls `found(key)` for the longest key at the first character that begins one, and so on. Of
-    // one image alone.
+    // Calls `found(key)` for the longest key at the first character that begins one, and so on.
     template <class Found>
-    void forEachSegment(const Found& found) const {
-        searchOf(0).forEachSegment([&](std::size_t from, std::size_t end, std::int32_t feature) {
-            found(SetKey{from, {end, 0, feature}});
-        });
-    }
+    void forEachSegment(const Found& found) const;
 
 private:
     using Keys = std::vector<SetKey>;
 
-    TextSearch searchOf(std::uint32_t image) const;
-    template <class Found>
-    void forEachKeyByBlock(bool longestAlone, const Found& found) const;
-    void mergeKeysOf(std::uint32_t image, std::size_t first, Keys& keys, Keys& room) const;
-    template <class Found>
-    void chooseAmong(const SetKey* key, const SetKey* end, bool longestAlone,
-                     const Found& found) const;
+    // What is searched of one image.
+    struct Part {
+        CellView cells;
+        const EncodedText* text;
+        const std::uint8_t* closed;  // by place, whether it is inside a word; null for none
 
-    const Images& m_images;
+        bool isClosed(std::size_t place) const { return closed != nullptr && closed[place] != 0; }
+        TextSearch search() const;
+    };
+
+    // Passes keys of one image on.
+    template <class Found>
+    static auto keyTaker(std::uint32_t image, const Found& found) {
+        return [=, &found](std::size_t from, std::size_t end, std::int32_t feature) {
+            found(SetKey{from, {end, image, feature}});
+        };
+    }
+
+    template <class Found>
+    void forEachMergedKey(bool longestAlone, const Found& found) const;
+    void listKeys(std::uint32_t image, std::size_t first, bool longestAlone, Keys& keys) const;
+    void mergeKeys(const Keys& before, const Keys& image, bool longestAlone, Keys& merged) const;
+    bool longestAt(std::size_t from, KeyAt& key) const;
+
     const SetRules m_rules;
     const SetText& m_text;
-    // By whether the text is folded: whether each place is inside a word.
+    std::vector<Part> m_parts;  // by the numbers of the images
+    // By whether the text is folded: whether each place is inside a word; empty where none is.
     std::vector<std::uint8_t> m_insideWords[2];
 };
 
 template <class Found>
 void SetSearch::forEachKey(const Found& found) const {
-    if (m_images.size() > 1) return forEachKeyByBlock(false, found);
-    searchOf(0).forEachKey(kAlphabet, [&](std::size_t from, std::size_t end, std::int32_t feature) {
-        found(SetKey{from, {end, 0, feature}});
-    });
+    if (m_parts.size() > 1) return forEachMergedKey(false, found);
+    m_parts.front().search().forEachKey(kAlphabet, keyTaker(0, found));
 }
 
 template <class Found>
 void SetSearch::forEachLongestKey(const Found& found) const {
-    if (m_images.size() > 1) return forEachKeyByBlock(true, found);
-    searchOf(0).forEachLongestKey(kAlphabet,
-                                  [&](std::size_t from, std::size_t end, std::int32_t feature) {
-                                      found(SetKey{from, {end, 0, feature}});
-                                  });
+    if (m_parts.size() > 1) return forEachMergedKey(true, found);
+    m_parts.front().search().forEachLongestKey(kAlphabet, keyTaker(0, found));
 }
 
-// Keys of one start are in one block.
 template <class Found>
-void SetSearch::forEachKeyByBlock(bool longestAlone, const Found& found) const {
-    Keys keys, room;
-    for (std::size_t first = 0; first < m_text.any().size(); first += TextSearch::kBlock) {
-        keys.clear();
-        for (std::uint32_t image = 0; image < m_images.size(); ++image) {
-            mergeKeysOf(image, first, keys, room);
-        }
-        const SetKey* const end = keys.data() + keys.size();
-        for (const SetKey *key = keys.data(), *next; key != end; key = next) {
-            next = std::find_if(key, end, [&](const SetKey& one) { return one.from != key->from; });
-            chooseAmong(key, next, longestAlone, found);
-        }
+void SetSearch::forEachSegment(const Found& found) const {
+    if (m_parts.size() == 1) return m_parts.front().search().forEachSegment(keyTaker(0, found));
+    KeyAt key = {};
+    for (std::size_t from = 0; from < m_text.any().size();) {
+        const bool isKey = longestAt(from, key);
+        if (isKey) found(SetKey{from, key});
+        from = isKey ? key.end : from + 1;
     }
 }
 
-// Of the keys of one start, by end and image, it hands on those that count.
+// Block by block. Keys of one start are in one block.
 template <class Found>
-void SetSearch::chooseAmong(const SetKey* key, const SetKey* end, bool longestAlone,
-                            const Found& found) const {
-    const std::size_t longest = (end - 1)->key.end;
-    for (; key != end; ++key) {
-        const bool isRepeated = key + 1 != end && (key + 1)->key.end == key->key.end;
-        if (isRepeated && !m_rules.everyImage) continue;
-        if (!longestAlone || key->key.end == longest) found(*key);
+void SetSearch::forEachMergedKey(bool longestAlone, const Found& found) const {
+    Keys keys, ofImage, merged;
+    for (std::size_t first = 0; first < m_text.any().size(); first += TextSearch::kBlock) {
+        listKeys(0, first, longestAlone, keys);
+        for (std::uint32_t image = 1; image < m_parts.size(); ++image) {
+            listKeys(image, first, longestAlone, ofImage);
+            if (ofImage.empty()) continue;
+            mergeKeys(keys, ofImage, longestAlone, merged);
+            keys.swap(merged);
+        }
+        for (const SetKey& key : keys) found(key);
     }
 }
 

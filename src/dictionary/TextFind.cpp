@@ -180,9 +180,7 @@ bool listLongest(const TextFind& find, const Use& use) {
 
 template <class Use>
 bool listSegments(const TextFind& find, const Use& use) {
-    if (find.handle.images.size() > 1 || find.options.unknownPieces) {
-        return visitPieces<visitSegments>(find, use);
-    }
+    if (find.options.unknownPieces) return visitPieces<visitSegments>(find, use);
     if (!isPlain(find)) {
         return listSetBy(
             find, [](const SetSearch& search, const auto& found) { search.forEachSegment(found); },
