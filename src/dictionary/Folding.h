@@ -17,6 +17,8 @@ namespace Dictionary {
 inline std::int32_t folded(std::int32_t code) {
     constexpr std::uint32_t kLowHalf = 0xFFFF;
     const auto bits = static_cast<std::uint32_t>(code);
+    // Kana and Han, among others: the processor guesses this well.
+    if (bits - kFirstUnfolded <= kLastUnfolded - kFirstUnfolded) return code;
     const std::uint32_t block = bits >> kFoldingShift;
     if (block >= kFoldingBlockCount) return code;
     const std::uint32_t place = bits % (1u << kFoldingShift);

@@ -22,10 +22,6 @@ std::vector<std::uint8_t> insideWordsOf(const EncodedText& text) {
     return inside;
 }
 
-bool comesBefore(const SetKey& a, const SetKey& b) {
-    return a.from != b.from ? a.from < b.from : a.key.end < b.key.end;
-}
-
 }  // namespace
 
 TextSearch SetSearch::Part::search() const {
@@ -47,38 +43,50 @@ SetSearch::SetSearch(const Images& images, const SetRules& rules, const SetText&
     }
 }
 
-// The keys that begin in the block from `first` on, all of them or the longest alone.
-void SetSearch::listKeys(std::uint32_t image, std::size_t first, bool longestAlone,
-                         Keys& keys) const {
-    keys.clear();
-    m_parts[image].search().forEachKeyIn(
-        first, kAlphabet, [&](std::size_t from, std::size_t end, std::int32_t feature) {
-            const bool isLonger = longestAlone && !keys.empty() && keys.back().from == from;
-            if (isLonger) keys.pop_back();
-            keys.push_back({from, {end, image, feature}});
+void SetSearch::LaterKeys::fillBlock() {
+    m_keys.clear();
+    m_next = 0;
+    for (std::uint32_t image = 1; image < m_search.m_parts.size(); ++image) {
+        list(image);
+        if (m_keys.empty()) {
+            m_keys.swap(m_ofImage);
+        } else if (!m_ofImage.empty()) {
+            merge();
+        }
+    }
+    m_blockEnd += TextSearch::kBlock;
+}
+
+// Lists the keys of an image in the block, all of them or the longest alone.
+void SetSearch::LaterKeys::list(std::uint32_t image) {
+    m_ofImage.clear();
+    m_search.m_parts[image].search().forEachKeyIn(
+        m_blockEnd, kAlphabet, [&](std::size_t from, std::size_t end, std::int32_t feature) {
+            const bool isLonger =
+                m_longestAlone && !m_ofImage.empty() && m_ofImage.back().from == from;
+            if (isLonger) m_ofImage.pop_back();
+            m_ofImage.push_back({from, {end, image, feature}});
         });
 }
 
-// Puts the keys of an image among those of the images before it. Of keys at the same stretch that
-// of the image counts, or each; where the longest count alone, both have one length at each start.
-void SetSearch::mergeKeys(const Keys& before, const Keys& image, bool longestAlone,
-                          Keys& merged) const {
-    merged.clear();
-    auto key = before.begin();
-    for (const SetKey& other : image) {
-        for (; key != before.end() && comesBefore(*key, other); ++key) {
-            const bool isOutdone = longestAlone && key->from == other.from;
-            if (!isOutdone) merged.push_back(*key);
+// Puts the keys of an image among those of the images before it, by the rules of forEachMergedKey.
+void SetSearch::LaterKeys::merge() {
+    m_merged.clear();
+    auto key = m_keys.begin();
+    const auto end = m_keys.end();
+    for (const SetKey& other : m_ofImage) {
+        for (; key != end && comesBefore(*key, other.from, other.key.end); ++key) {
+            if (!m_longestAlone || key->from < other.from) m_merged.push_back(*key);
         }
-        const bool isLonger =
-            key != before.end() && key->from == other.from && key->key.end > other.key.end;
-        if (longestAlone && isLonger) continue;
-        for (; key != before.end() && !comesBefore(other, *key); ++key) {
-            if (m_rules.everyImage) merged.push_back(*key);
+        const bool isAtStart = key != end && key->from == other.from;
+        if (m_longestAlone && isAtStart && key->key.end > other.key.end) continue;
+        for (; key != end && key->from == other.from && key->key.end == other.key.end; ++key) {
+            if (m_search.m_rules.everyImage) m_merged.push_back(*key);
         }
-        merged.push_back(other);
+        m_merged.push_back(other);
     }
-    merged.insert(merged.end(), key, before.end());
+    m_merged.insert(m_merged.end(), key, end);
+    m_keys.swap(m_merged);
 }
 
 // Whether a key begins at `from`; `key` becomes the longest.

@@ -23,6 +23,11 @@ struct SetKey {
     KeyAt key;
 };
 
+// Whether a key comes before one from `from` to `end`.
+inline bool comesBefore(const SetKey& key, std::size_t from, std::size_t end) {
+    return key.from != from ? key.from < from : key.key.end < end;
+}
+
 class SetSearch {
 public:
     // `images` and `text` must outlive the object.
@@ -61,10 +66,34 @@ private:
         };
     }
 
+    // The keys of all images but the first, block by block.
+    class LaterKeys {
+    public:
+        LaterKeys(const SetSearch& search, bool longestAlone)
+            : m_search(search), m_longestAlone(longestAlone) {}
+
+        // The next key, if it begins at or before `place`; else null.
+        const SetKey* upTo(std::size_t place) {
+            while (m_next == m_keys.size() && m_blockEnd <= place) fillBlock();
+            return m_next < m_keys.size() && m_keys[m_next].from <= place ? &m_keys[m_next]
+                                                                          : nullptr;
+        }
+        void pass() { ++m_next; }
+
+    private:
+        void fillBlock();
+        void list(std::uint32_t image);
+        void merge();
+
+        const SetSearch& m_search;
+        const bool m_longestAlone;
+        std::size_t m_blockEnd = 0;
+        Keys m_keys, m_ofImage, m_merged;
+        std::size_t m_next = 0;
+    };
+
     template <class Found>
     void forEachMergedKey(bool longestAlone, const Found& found) const;
-    void listKeys(std::uint32_t image, std::size_t first, bool longestAlone, Keys& keys) const;
-    void mergeKeys(const Keys& before, const Keys& image, bool longestAlone, Keys& merged) const;
     bool longestAt(std::size_t from, KeyAt& key) const;
 
     const SetRules m_rules;
@@ -97,20 +126,31 @@ void SetSearch::forEachSegment(const Found& found) const {
     }
 }
 
-// Block by block. Keys of one start are in one block.
+// The first image, which tends to be the largest, is searched as it would be alone, and the keys of
+// the others come between its own. Of keys at the same stretch that of the later image counts, or
+// each; where the longest count alone, there is one length at each start.
 template <class Found>
 void SetSearch::forEachMergedKey(bool longestAlone, const Found& found) const {
-    Keys keys, ofImage, merged;
-    for (std::size_t first = 0; first < m_text.any().size(); first += TextSearch::kBlock) {
-        listKeys(0, first, longestAlone, keys);
-        for (std::uint32_t image = 1; image < m_parts.size(); ++image) {
-            listKeys(image, first, longestAlone, ofImage);
-            if (ofImage.empty()) continue;
-            mergeKeys(keys, ofImage, longestAlone, merged);
-            keys.swap(merged);
+    if (m_text.any().size() == 0) return;
+    LaterKeys later(*this, longestAlone);
+    const auto merge = [&](std::size_t from, std::size_t end, std::int32_t feature) {
+        const SetKey* other = later.upTo(from);
+        for (; other != nullptr && comesBefore(*other, from, end); other = later.upTo(from)) {
+            if (!longestAlone || other->from < from) found(*other);
+            later.pass();
         }
-        for (const SetKey& key : keys) found(key);
+        const bool isSame = other != nullptr && other->key.end == end;
+        const bool isOutdone = other != nullptr && (longestAlone || isSame);
+        if (!isOutdone || (isSame && m_rules.everyImage)) found(SetKey{from, {end, 0, feature}});
+    };
+    const TextSearch first = m_parts.front().search();
+    if (longestAlone) {
+        first.forEachLongestKey(kAlphabet, merge);
+    } else {
+        first.forEachKey(kAlphabet, merge);
     }
+    const std::size_t last = m_text.any().size() - 1;
+    for (const SetKey* other; (other = later.upTo(last)) != nullptr; later.pass()) found(*other);
 }
 
 }  // namespace Dictionary

@@ -190,7 +190,10 @@ inline constexpr std::uint64_t kWordClassRows[864] = {
     0x55555555455454, 0x0, 0x0, 0x0, 0x0, 0x0, 0x0, 0x0, 0x0, 0x0, 0x5555500000000,
 };
 
-// What is added to the lower 16 bits of a character to fold it.
+// What is added to the lower 16 bits of a character to fold it; nothing from
+// kFirstUnfolded to kLastUnfolded.
+inline constexpr std::uint32_t kFirstUnfolded = 0x3001;
+inline constexpr std::uint32_t kLastUnfolded = 0xA63F;
 inline constexpr std::uint32_t kFoldingShift = 6;
 inline constexpr std::uint32_t kFoldingBlockCount = 1957;
 
