@@ -55,6 +55,7 @@ void SetSearch::LaterKeys::fillBlock() {
         }
     }
     m_blockEnd += TextSearch::kBlock;
+    setStart();
 }
 
 // Lists the keys of an image in the block, all of them or the longest alone.

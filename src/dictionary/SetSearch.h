@@ -58,11 +58,11 @@ private:
         TextSearch search() const;
     };
 
-    // Passes keys of one image on.
+    // Passes on the keys of the first image.
     template <class Found>
-    static auto keyTaker(std::uint32_t image, const Found& found) {
-        return [=, &found](std::size_t from, std::size_t end, std::int32_t feature) {
-            found(SetKey{from, {end, image, feature}});
+    static auto takerOf(const Found& found) {
+        return [&found](std::size_t from, std::size_t end, std::int32_t feature) {
+            found(SetKey{from, {end, 0, feature}});
         };
     }
 
@@ -72,28 +72,37 @@ private:
         LaterKeys(const SetSearch& search, bool longestAlone)
             : m_search(search), m_longestAlone(longestAlone) {}
 
-        // The next key, if it begins at or before `place`; else null.
+        // Whether none of them begins before `place` or at it.
+        bool areAfter(std::size_t place) const { return place < m_start; }
+        // The next key, if it begins before `place` or at it; else null.
         const SetKey* upTo(std::size_t place) {
-            while (m_next == m_keys.size() && m_blockEnd <= place) fillBlock();
-            return m_next < m_keys.size() && m_keys[m_next].from <= place ? &m_keys[m_next]
-                                                                          : nullptr;
+            while (m_next == m_keys.size() && m_start <= place) fillBlock();
+            return areAfter(place) ? nullptr : &m_keys[m_next];
         }
-        void pass() { ++m_next; }
+        void pass() {
+            ++m_next;
+            setStart();
+        }
 
     private:
+        void setStart() { m_start = m_next < m_keys.size() ? m_keys[m_next].from : m_blockEnd; }
         void fillBlock();
         void list(std::uint32_t image);
         void merge();
 
         const SetSearch& m_search;
         const bool m_longestAlone;
+        Keys m_keys, m_ofImage, m_merged;  // of a block
+        std::size_t m_next = 0;            // key
         std::size_t m_blockEnd = 0;
-        Keys m_keys, m_ofImage, m_merged;
-        std::size_t m_next = 0;
+        std::size_t m_start = 0;  // of the next key, or where the next block begins
     };
 
     template <class Found>
     void forEachMergedKey(bool longestAlone, const Found& found) const;
+    template <class Found>
+    bool passLater(LaterKeys& later, bool longestAlone, std::size_t from, std::size_t end,
+                   const Found& found) const;
     bool longestAt(std::size_t from, KeyAt& key) const;
 
     const SetRules m_rules;
@@ -106,18 +115,18 @@ private:
 template <class Found>
 void SetSearch::forEachKey(const Found& found) const {
     if (m_parts.size() > 1) return forEachMergedKey(false, found);
-    m_parts.front().search().forEachKey(kAlphabet, keyTaker(0, found));
+    m_parts.front().search().forEachKey(kAlphabet, takerOf(found));
 }
 
 template <class Found>
 void SetSearch::forEachLongestKey(const Found& found) const {
     if (m_parts.size() > 1) return forEachMergedKey(true, found);
-    m_parts.front().search().forEachLongestKey(kAlphabet, keyTaker(0, found));
+    m_parts.front().search().forEachLongestKey(kAlphabet, takerOf(found));
 }
 
 template <class Found>
 void SetSearch::forEachSegment(const Found& found) const {
-    if (m_parts.size() == 1) return m_parts.front().search().forEachSegment(keyTaker(0, found));
+    if (m_parts.size() == 1) return m_parts.front().search().forEachSegment(takerOf(found));
     KeyAt key = {};
     for (std::size_t from = 0; from < m_text.any().size();) {
         const bool isKey = longestAt(from, key);
@@ -134,14 +143,9 @@ void SetSearch::forEachMergedKey(bool longestAlone, const Found& found) const {
     if (m_text.any().size() == 0) return;
     LaterKeys later(*this, longestAlone);
     const auto merge = [&](std::size_t from, std::size_t end, std::int32_t feature) {
-        const SetKey* other = later.upTo(from);
-        for (; other != nullptr && comesBefore(*other, from, end); other = later.upTo(from)) {
-            if (!longestAlone || other->from < from) found(*other);
-            later.pass();
-        }
-        const bool isSame = other != nullptr && other->key.end == end;
-        const bool isOutdone = other != nullptr && (longestAlone || isSame);
-        if (!isOutdone || (isSame && m_rules.everyImage)) found(SetKey{from, {end, 0, feature}});
+        const bool counts =
+            later.areAfter(from) || passLater(later, longestAlone, from, end, found);
+        if (counts) found(SetKey{from, {end, 0, feature}});
     };
     const TextSearch first = m_parts.front().search();
     if (longestAlone) {
@@ -151,6 +155,19 @@ void SetSearch::forEachMergedKey(bool longestAlone, const Found& found) const {
     }
     const std::size_t last = m_text.any().size() - 1;
     for (const SetKey* other; (other = later.upTo(last)) != nullptr; later.pass()) found(*other);
+}
+
+// Passes the later keys on that come before one of the first image. Whether that counts.
+template <class Found>
+bool SetSearch::passLater(LaterKeys& later, bool longestAlone, std::size_t from, std::size_t end,
+                          const Found& found) const {
+    const SetKey* other = later.upTo(from);
+    for (; other != nullptr && comesBefore(*other, from, end); other = later.upTo(from)) {
+        if (!longestAlone || other->from < from) found(*other);
+        later.pass();
+    }
+    if (other == nullptr) return true;
+    return other->key.end == end ? m_rules.everyImage : !longestAlone;
 }
 
 }  // namespace Dictionary
