@@ -1,4 +1,5 @@
-# Debian packages, one per component that is installed; scripts/package makes them.
+# Debian packages, one per component that is installed; scripts/package makes them. CPack packs what
+# CMake installs; debhelper would need the list of files for each package a second time.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)

@@ -1,4 +1,5 @@
-// manual, which users are not told of: manual pages, made of what the help is made of.
+// manual, a hidden command: manual pages, from the same texts as the help. help2man would read the
+// printed help, which has lost what is an option and what a sentence.
 
 #include "Dictionary.h"
 #include "Listing.h"
