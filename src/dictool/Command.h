@@ -30,8 +30,8 @@ void defineManual(CLI::App& program, Action& action);
 void defineCompletion(CLI::App& program, Action& action);
 void defineHelp(CLI::App& program, Action& action);
 
-// Adds a command whose options live as long as the program. `details` follows the options in the
-// help and is the description in the manual.
+// Adds a command whose options live as long as the program. `details` stands behind the options in
+// the help and as the description in the manual.
 template <class Options>
 CLI::App& addCommand(CLI::App& program, Action& action, const std::string& name,
                      const std::string& summary, const std::string& details, Options& options,
@@ -43,8 +43,8 @@ CLI::App& addCommand(CLI::App& program, Action& action, const std::string& name,
     return command;
 }
 
-// The program's arguments, made so that texts are taken as they come: everything after "--", and
-// those in brackets, which would be taken for lists.
+// The program's arguments, made so that texts are taken as they come: all that stands behind "--",
+// and those in brackets, which would be taken for lists.
 std::vector<std::string> guardedArguments(int count, char** arguments);
 
 // An option that is a text.

@@ -1,4 +1,4 @@
-// The program's commands and options, for the manual pages and completions.
+// The program's commands and options, for whoever describes them: manual pages and completions.
 
 #ifndef DICTOOL_LISTING_H
 #define DICTOOL_LISTING_H
@@ -10,7 +10,7 @@
 
 namespace dictool {
 
-// The commands that are not hidden.
+// The commands that users are told of.
 inline std::vector<const CLI::App*> commandsOf(const CLI::App& program) {
     return program.get_subcommands(
         [](const CLI::App* command) { return !command->get_group().empty(); });
