@@ -202,23 +202,21 @@ int runLint(const BuildOptions& options) {
 }
 
 void addOptions(CLI::App& command, BuildOptions& options) {
-    command.add_flag("--lenient", options.lenient, "Warn of what can be lived with");
-    command.add_flag("--windows", options.windows,
-                     "Leave out carriage returns at the ends of lines, and a byte-order mark");
-    command.add_flag("--allow-empty", options.allowEmpty, "Take a source without records");
-    command.add_flag("--fold", options.folded,
-                     "Fold case and width, in the keys and in whatever is looked up");
+    addFlag(command, "--lenient", options.lenient, "Warn of what can be lived with");
+    addFlag(command, "--windows", options.windows,
+            "Leave out carriage returns at the ends of lines, and a byte-order mark");
+    addFlag(command, "--allow-empty", options.allowEmpty, "Take a source without records");
+    addFlag(command, "--fold", options.folded,
+            "Fold case and width, in the keys and in whatever is looked up");
     addText(command, "--field-separator", options.fieldSeparator, "Ends a field")
-        .type_name("BYTES");
+        .placeholder("BYTES");
     addText(command, "--record-separator", options.recordSeparator, "Ends a record")
-        .type_name("BYTES");
-    command.add_option("--max-problems", options.maxProblems, "Report no more problems than this")
-        ->check(CLI::Range(1u, std::numeric_limits<unsigned>::max()).description(""))
-        ->type_name("N")
-        ->capture_default_str();
-    command.add_flag("-q,--quiet", options.quiet, "Report errors only");
-    command.add_flag("--progress", options.progress,
-                     "Show a progress bar even where standard error is no terminal");
+        .placeholder("BYTES");
+    addNumber(command, "--max-problems", options.maxProblems, 1,
+              std::numeric_limits<unsigned>::max(), "Report no more problems than this");
+    addFlag(command, "-q,--quiet", options.quiet, "Report errors only");
+    addFlag(command, "--progress", options.progress,
+            "Show a progress bar even where standard error is no terminal");
 }
 
 }  // namespace

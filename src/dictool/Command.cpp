@@ -1,6 +1,11 @@
 #include "Command.h"
 
-#include <sstream>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <limits>
+
+#include "Report.h"
 
 namespace dictool {
 
@@ -13,7 +18,35 @@ std::string unguarded(const std::string& text) {
     return text.substr(!text.empty() && text.front() == kGuard ? 1 : 0);
 }
 
+// Says how to name a file that looks like options.
+std::string adviceFor(const std::vector<std::string>& arguments) {
+    for (const std::string& text : arguments) {
+        if (text.size() > 1 && text.front() == '-' && ::access(text.c_str(), F_OK) == 0) {
+            return "write the file " + text + " as ./" + text + " or after --";
+        }
+    }
+    return "";
+}
+
+[[noreturn]] void refuseUsage(const CLI::App& program, const std::vector<std::string>& arguments,
+                              const std::string& error) {
+    const std::vector<CLI::App*> chosen = program.get_subcommands();
+    const std::string name = chosen.empty() ? "dictool" : "dictool " + chosen[0]->get_name();
+    std::string advice = adviceFor(arguments);
+    if (advice.empty()) advice = "see '" + name + " --help'";
+    throw Failure{kTrouble, {}, "usage", error + "; " + advice};
+}
+
 }  // namespace
+
+std::shared_ptr<CLI::App> makeProgram(const std::string& name, const std::string& summary,
+                                      const std::string& details, const std::string& version) {
+    auto program = std::make_shared<CLI::App>(summary, name);
+    program->footer(details);
+    program->set_version_flag("--version", name + " " + version);
+    program->require_subcommand(1);
+    return program;
+}
 
 std::vector<std::string> guardedArguments(int count, char** arguments) {
     std::vector<std::string> guarded;
@@ -30,46 +63,113 @@ std::vector<std::string> guardedArguments(int count, char** arguments) {
     return guarded;
 }
 
-CLI::Option& addText(CLI::App& command, const std::string& name, std::string& value,
-                     const std::string& help) {
+std::string parse(CLI::App& program, const std::vector<std::string>& arguments) {
+    try {
+        program.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::CallForHelp&) {
+        return program.help();
+    } catch (const CLI::CallForVersion& version) {
+        return std::string(version.what()) + "\n";
+    } catch (const CLI::ParseError& error) {
+        refuseUsage(program, arguments, error.what());
+    }
+    return "";
+}
+
+CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& summary,
+                     const std::string& details, std::function<void()> whenChosen) {
+    CLI::App& command = *program.add_subcommand(name, summary);
+    command.footer(details);
+    command.callback(std::move(whenChosen));
+    return command;
+}
+
+void hide(CLI::App& command) {
+    command.group("");
+}
+
+Option& Option::required() {
+    m_option.required();
+    return *this;
+}
+
+Option& Option::placeholder(const std::string& word) {
+    m_option.type_name(word);
+    return *this;
+}
+
+Option& Option::excludes(const Option& other) {
+    m_option.excludes(&other.m_option);
+    return *this;
+}
+
+Option& Option::needs(const Option& other) {
+    m_option.needs(&other.m_option);
+    return *this;
+}
+
+Option optionNamed(CLI::App& command, const std::string& name) {
+    return Option(*command.get_option(name));
+}
+
+Option addFlag(CLI::App& command, const std::string& name, bool& value, const std::string& help) {
+    return Option(*command.add_flag(name, value, help));
+}
+
+Option addText(CLI::App& command, const std::string& name, std::string& value,
+               const std::string& help) {
     const auto take = [&value](const CLI::results_t& results) {
         value = unguarded(results.back());
         return true;
     };
-    return *command.add_option(name, take, help)->default_str(value);
+    return Option(*command.add_option(name, take, help)->default_str(value));
 }
 
 void addArgument(CLI::App& command, const std::string& name, std::string& value,
                  const std::string& help) {
-    addText(command, name, value, help).required()->type_name("");
+    addText(command, name, value, help).required().placeholder("");
 }
 
-CLI::Option& addArguments(CLI::App& command, const std::string& name,
-                          std::vector<std::string>& values, const std::string& help) {
+Option addArguments(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                    const std::string& help) {
     const auto take = [&values](const CLI::results_t& results) {
         for (const std::string& result : results) values.push_back(unguarded(result));
         return true;
     };
-    return *command.add_option(name, take, help)
-                ->expected(0, CLI::detail::expected_max_vector_size)
-                ->allow_extra_args()
-                ->option_text(" ");
+    return Option(*command.add_option(name, take, help)
+                       ->expected(0, CLI::detail::expected_max_vector_size)
+                       ->allow_extra_args()
+                       ->option_text(" "));
 }
 
-CLI::Option& addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
-                      const std::string& help) {
+Option addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                const std::string& help) {
     const auto take = [&values](const CLI::results_t& results) {
         for (const std::string& result : results) values.push_back(unguarded(result));
         return true;
     };
-    return *command.add_option(name, take, help)
-                ->expected(1, CLI::detail::expected_max_vector_size)
-                ->allow_extra_args(false);
+    return Option(*command.add_option(name, take, help)
+                       ->expected(1, CLI::detail::expected_max_vector_size)
+                       ->allow_extra_args(false));
 }
 
-CLI::Option& addNumber(CLI::App& command, const std::string& name, unsigned& value,
-                       const std::string& help) {
-    return *command.add_option(name, value, help)->type_name("N");
+Option addNumber(CLI::App& command, const std::string& name, unsigned& value,
+                 const std::string& help) {
+    return Option(*command.add_option(name, value, help)->type_name("N"));
+}
+
+Option addNumber(CLI::App& command, const std::string& name, unsigned& value, unsigned least,
+                 unsigned most, const std::string& help) {
+    CLI::Validator range = CLI::Range(least, most);
+    if (most == std::numeric_limits<unsigned>::max()) range.description("");
+    return Option(*command.add_option(name, value, help)
+                       ->check(range)
+                       ->type_name("N")
+                       ->capture_default_str());
+}
+
+Option addReal(CLI::App& command, const std::string& name, double& value, const std::string& help) {
+    return Option(*command.add_option(name, value, help)->type_name("X"));
 }
 
 void addLineFormat(CLI::App& command, std::string& format, bool& zeroEnded) {
@@ -79,26 +179,15 @@ void addLineFormat(CLI::App& command, std::string& format, bool& zeroEnded) {
 }
 
 void addZero(CLI::App& command, bool& zeroEnded) {
-    command.add_flag("-z,--zero", zeroEnded, "Lines end with a NUL, in and out");
+    addFlag(command, "-z,--zero", zeroEnded, "Lines end with a NUL, in and out");
 }
 
-CLI::Option& addChoice(CLI::App& command, const std::string& name, std::string& value,
-                       const std::vector<std::string>& choices, const std::string& help) {
-    return *command.add_option(name, value, help)
-                ->check(CLI::IsMember(choices))
-                ->type_name("WORD")
-                ->capture_default_str();
-}
-
-std::vector<std::string> choicesOf(const CLI::Option& option) {
-    const std::string type = option.get_type_name();
-    const std::size_t open = type.find('{');
-    const std::size_t close = type.find('}');
-    if (open == std::string::npos || close == std::string::npos) return {};
-    std::istringstream list(type.substr(open + 1, close - open - 1));
-    std::vector<std::string> choices;
-    for (std::string choice; std::getline(list, choice, ',');) choices.push_back(choice);
-    return choices;
+Option addChoice(CLI::App& command, const std::string& name, std::string& value,
+                 const std::vector<std::string>& choices, const std::string& help) {
+    return Option(*command.add_option(name, value, help)
+                       ->check(CLI::IsMember(choices))
+                       ->type_name("WORD")
+                       ->capture_default_str());
 }
 
 }  // namespace dictool

@@ -1,12 +1,18 @@
-// What every command offers to the program.
+// How commands define themselves: what they are called, their options and their arguments. The
+// parser's own header takes long to compile; only Command.cpp and Listing.cpp include it.
 
 #ifndef DICTOOL_COMMAND_H
 #define DICTOOL_COMMAND_H
 
-#include <CLI/CLI.hpp>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace dictool {
 
@@ -30,53 +36,93 @@ void defineManual(CLI::App& program, Action& action);
 void defineCompletion(CLI::App& program, Action& action);
 void defineHelp(CLI::App& program, Action& action);
 
-// Adds a command whose options live as long as the program. `details` stands behind the options in
-// the help and as the description in the manual.
-template <class Options>
-CLI::App& addCommand(CLI::App& program, Action& action, const std::string& name,
-                     const std::string& summary, const std::string& details, Options& options,
-                     int (*run)(const Options&)) {
-    CLI::App& command = *program.add_subcommand(name, summary);
-    command.footer(details);
-    command.callback(
-        [&action, &options, run] { action = [&options, run] { return run(options); }; });
-    return command;
-}
+// The program, to which commands are added.
+std::shared_ptr<CLI::App> makeProgram(const std::string& name, const std::string& summary,
+                                      const std::string& details, const std::string& version);
 
 // The program's arguments, made so that texts are taken as they come: all that stands behind "--",
 // and those in brackets, which would be taken for lists.
 std::vector<std::string> guardedArguments(int count, char** arguments);
 
+// Understands guarded arguments. Returns the page that they ask for, of help or of the version; it
+// is empty when a command is to be run. Wrong usage is thrown as a Failure.
+std::string parse(CLI::App& program, const std::vector<std::string>& arguments);
+
+// Adds a command. `details` stands behind the options in the help and as the description in the
+// manual.
+CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& summary,
+                     const std::string& details, std::function<void()> whenChosen);
+
+// The same for a command whose options live as long as the program.
+template <class Options>
+CLI::App& addCommand(CLI::App& program, Action& action, const std::string& name,
+                     const std::string& summary, const std::string& details, Options& options,
+                     int (*run)(const Options&)) {
+    return addCommand(program, name, summary, details, [&action, &options, run] {
+        action = [&options, run] { return run(options); };
+    });
+}
+
+// Takes a command off the list that users see.
+void hide(CLI::App& command);
+
+// An option or an argument that a command has.
+class Option {
+public:
+    explicit Option(CLI::Option& option) : m_option(option) {}
+
+    Option& required();
+    // The word for its value in the help.
+    Option& placeholder(const std::string& word);
+    // It cannot be given together with `other`.
+    Option& excludes(const Option& other);
+    // It cannot be given without `other`.
+    Option& needs(const Option& other);
+
+private:
+    CLI::Option& m_option;
+};
+
+// One that the command already has.
+Option optionNamed(CLI::App& command, const std::string& name);
+
+Option addFlag(CLI::App& command, const std::string& name, bool& value, const std::string& help);
+
 // An option that is a text.
-CLI::Option& addText(CLI::App& command, const std::string& name, std::string& value,
-                     const std::string& help);
+Option addText(CLI::App& command, const std::string& name, std::string& value,
+               const std::string& help);
 
 // A positional argument that has to be there.
 void addArgument(CLI::App& command, const std::string& name, std::string& value,
                  const std::string& help);
 
 // Any number of positional arguments.
-CLI::Option& addArguments(CLI::App& command, const std::string& name,
-                          std::vector<std::string>& values, const std::string& help);
+Option addArguments(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                    const std::string& help);
 
 // An option with a text that can be given more than once.
-CLI::Option& addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
-                      const std::string& help);
+Option addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                const std::string& help);
 
 // An option that is a number, not below 0.
-CLI::Option& addNumber(CLI::App& command, const std::string& name, unsigned& value,
-                       const std::string& help);
+Option addNumber(CLI::App& command, const std::string& name, unsigned& value,
+                 const std::string& help);
+
+// An option that is a number from `least` to `most`; the help says so unless every larger one will
+// do.
+Option addNumber(CLI::App& command, const std::string& name, unsigned& value, unsigned least,
+                 unsigned most, const std::string& help);
+
+// An option that is a number with a fraction.
+Option addReal(CLI::App& command, const std::string& name, double& value, const std::string& help);
 
 // The options by which lines are written.
 void addLineFormat(CLI::App& command, std::string& format, bool& zeroEnded);
 void addZero(CLI::App& command, bool& zeroEnded);
 
 // An option that is one of a few words.
-CLI::Option& addChoice(CLI::App& command, const std::string& name, std::string& value,
-                       const std::vector<std::string>& choices, const std::string& help);
-
-// The words of such an option; empty for any other.
-std::vector<std::string> choicesOf(const CLI::Option& option);
+Option addChoice(CLI::App& command, const std::string& name, std::string& value,
+                 const std::vector<std::string>& choices, const std::string& help);
 
 }  // namespace dictool
 

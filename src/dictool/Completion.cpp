@@ -23,7 +23,7 @@ std::string quoted(const std::string& text) {
 
 std::vector<std::string> commandNames(const CLI::App& program) {
     std::vector<std::string> names;
-    for (const CLI::App* command : commandsOf(program)) names.push_back(command->get_name());
+    for (const CLI::App* command : commandsOf(program)) names.push_back(nameOf(*command));
     return names;
 }
 
@@ -35,7 +35,7 @@ std::string bashChoices(const CLI::App& command) {
         if (choices.empty()) continue;
         std::vector<std::string> patterns;
         for (const std::string& name : namesOf(*option)) {
-            patterns.push_back(command.get_name() + ":" + name);
+            patterns.push_back(nameOf(command) + ":" + name);
         }
         cases += "        " + join(patterns, " | ") + ") words='" + join(choices, " ") + "' ;;\n";
     }
@@ -47,7 +47,7 @@ std::string bashOptions(const CLI::App& command) {
     for (const CLI::Option* option : optionsOf(command)) {
         for (const std::string& name : namesOf(*option)) names.push_back(name);
     }
-    return "        " + command.get_name() + ":*) options='" + join(names, " ") + "' ;;\n";
+    return "        " + nameOf(command) + ":*) options='" + join(names, " ") + "' ;;\n";
 }
 
 std::string bashScript(const CLI::App& program) {
@@ -78,10 +78,11 @@ std::string bashScript(const CLI::App& program) {
 
 std::string zshOption(const CLI::Option& option) {
     const std::vector<std::string> names = namesOf(option);
-    const std::string help = "[" + escaped(option.get_description(), "[]:\\", "\\") + "]";
+    const std::string help = "[" + escaped(summaryOf(option), "[]:\\", "\\") + "]";
     const std::vector<std::string> choices = choicesOf(option);
-    std::string value = takesValue(option) ? ":value:" : "";
-    if (takesValue(option)) value += choices.empty() ? "_files" : "(" + join(choices, " ") + ")";
+    const bool takesValue = !placeholderOf(option).empty();
+    std::string value = takesValue ? ":value:" : "";
+    if (takesValue) value += choices.empty() ? "_files" : "(" + join(choices, " ") + ")";
     if (names.size() == 1) return " " + quoted(names[0] + help + value);
     return " " + quoted("(" + join(names, " ") + ")") + "{" + join(names, ",") + "}" +
            quoted(help + value);
@@ -90,8 +91,8 @@ std::string zshOption(const CLI::Option& option) {
 std::string zshScript(const CLI::App& program) {
     std::string commands, cases;
     for (const CLI::App* command : commandsOf(program)) {
-        const std::string& name = command->get_name();
-        commands += "        " + quoted(name + ":" + command->get_description()) + "\n";
+        const std::string& name = nameOf(*command);
+        commands += "        " + quoted(name + ":" + summaryOf(*command)) + "\n";
         cases += "        " + name + ") _arguments";
         for (const CLI::Option* option : optionsOf(*command)) cases += zshOption(*option);
         cases += " '*:file:_files' ;;\n";
@@ -114,19 +115,21 @@ std::string zshScript(const CLI::App& program) {
 
 std::string fishOption(const CLI::Option& option, const std::string& begin) {
     std::string line = begin;
-    for (const std::string& name : option.get_snames()) line += " -s " + name;
-    for (const std::string& name : option.get_lnames()) line += " -l " + name;
+    for (const std::string& name : shortNamesOf(option)) line += " -s " + name;
+    for (const std::string& name : longNamesOf(option)) line += " -l " + name;
     const std::vector<std::string> choices = choicesOf(option);
-    if (takesValue(option)) line += choices.empty() ? " -r" : " -x -a '" + join(choices, " ") + "'";
-    return line + " -d '" + escaped(option.get_description(), "'\\", "\\") + "'\n";
+    if (!placeholderOf(option).empty()) {
+        line += choices.empty() ? " -r" : " -x -a '" + join(choices, " ") + "'";
+    }
+    return line + " -d '" + escaped(summaryOf(option), "'\\", "\\") + "'\n";
 }
 
 std::string fishScript(const CLI::App& program) {
     std::string script;
     for (const CLI::App* command : commandsOf(program)) {
-        const std::string& name = command->get_name();
+        const std::string& name = nameOf(*command);
         script += "complete -c dictool -n __fish_use_subcommand -f -a " + name + " -d '" +
-                  escaped(command->get_description(), "'\\", "\\") + "'\n";
+                  escaped(summaryOf(*command), "'\\", "\\") + "'\n";
         const std::string begin =
             "complete -c dictool -n '__fish_seen_subcommand_from " + name + "'";
         for (const CLI::Option* option : optionsOf(*command)) script += fishOption(*option, begin);
@@ -156,10 +159,8 @@ void defineCompletion(CLI::App& program, Action& action) {
                    "To be put where the shell looks for such scripts.", options, run);
     std::vector<std::string> shells;
     for (const auto& shell : kShells) shells.emplace_back(shell.shell);
-    command.group("");
-    command.add_option("SHELL", options.shell, "The shell")
-        ->required()
-        ->check(CLI::IsMember(shells));
+    hide(command);
+    addChoice(command, "SHELL", options.shell, shells, "The shell").required();
 }
 
 }  // namespace dictool

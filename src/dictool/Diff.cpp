@@ -81,7 +81,7 @@ void defineDiff(CLI::App& program, Action& action) {
                                    kDetails, options, run);
     addArgument(command, "A", options.first, "The first image");
     addArgument(command, "B", options.second, "The second image");
-    command.add_flag("-q,--quiet", options.quiet, "Write nothing");
+    addFlag(command, "-q,--quiet", options.quiet, "Write nothing");
 }
 
 }  // namespace dictool

@@ -79,20 +79,17 @@ int filter(const FilterOptions& options, Lines& lines, Output& output, const Pre
 void addMoreImages(CLI::App& command, std::vector<std::string>& images) {
     addTexts(command, "-D,--dictionary", images,
              "Another image, searched as one with IMAGE; the last that has a key counts")
-        .type_name("IMAGE");
+        .placeholder("IMAGE");
 }
 
 void addFilterOptions(CLI::App& command, FilterOptions& options) {
-    command.add_flag("--windows", options.windows,
-                     "Leave out a carriage return that ends a line and a mark that begins it");
-    command.add_option("-j,--jobs", options.threads, "Threads; 0 for one a core")
-        ->check(CLI::Range(0u, kMaxThreads))
-        ->type_name("N")
-        ->capture_default_str();
-    command.add_flag("--line-buffered", options.lineBuffered,
-                     "Answer every line at once, as is done on a terminal");
-    command.add_flag("--exit-zero", options.exitZero,
-                     "Exit with 0 when nothing is found, too, for hosts that take 1 for a failure");
+    addFlag(command, "--windows", options.windows,
+            "Leave out a carriage return that ends a line and a mark that begins it");
+    addNumber(command, "-j,--jobs", options.threads, 0, kMaxThreads, "Threads; 0 for one a core");
+    addFlag(command, "--line-buffered", options.lineBuffered,
+            "Answer every line at once, as is done on a terminal");
+    addFlag(command, "--exit-zero", options.exitZero,
+            "Exit with 0 when nothing is found, too, for hosts that take 1 for a failure");
 }
 
 int filterFiles(const FilterOptions& options, const std::vector<std::string>& files,

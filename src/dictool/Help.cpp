@@ -34,20 +34,13 @@ std::size_t distanceOf(const std::string& word, const std::string& other) {
     return row.back();
 }
 
-const CLI::App* find(const CLI::App& program, const std::string& name) {
-    for (const CLI::App* command : program.get_subcommands({})) {
-        if (command->get_name() == name) return command;
-    }
-    return nullptr;
-}
-
 [[noreturn]] void refuse(const CLI::App& program, const std::string& name) {
     constexpr std::size_t kLikely = 3;
     std::string nearest;
     std::size_t least = kLikely;
     for (const CLI::App* command : commandsOf(program)) {
-        const std::size_t distance = distanceOf(name, command->get_name());
-        if (distance < least) nearest = command->get_name();
+        const std::size_t distance = distanceOf(name, nameOf(*command));
+        if (distance < least) nearest = nameOf(*command);
         least = std::min(least, distance);
     }
     const std::string question =
@@ -57,12 +50,10 @@ const CLI::App* find(const CLI::App& program, const std::string& name) {
 
 int run(const HelpOptions& options) {
     const CLI::App& program = *options.program;
-    const bool ofProgram = options.command.empty();
-    const CLI::App* const shown = ofProgram ? &program : find(program, options.command);
+    const CLI::App* const shown =
+        options.command.empty() ? &program : findCommand(program, options.command);
     if (shown == nullptr) refuse(program, options.command);
-    const std::string name = ofProgram ? "" : program.get_name() + " ";
-    print(shown->get_formatter()->make_help(shown, name + shown->get_name(),
-                                            CLI::AppFormatMode::Normal));
+    print(helpOf(program, *shown));
     return kDone;
 }
 
@@ -70,7 +61,7 @@ int run(const HelpOptions& options) {
 
 void checkCommand(const CLI::App& program, const std::vector<std::string>& arguments) {
     if (arguments.empty() || arguments[0].empty() || arguments[0].front() == '-') return;
-    if (find(program, arguments[0]) == nullptr) refuse(program, arguments[0]);
+    if (findCommand(program, arguments[0]) == nullptr) refuse(program, arguments[0]);
 }
 
 void defineHelp(CLI::App& program, Action& action) {
@@ -78,7 +69,7 @@ void defineHelp(CLI::App& program, Action& action) {
     options.program = &program;
     CLI::App& command = addCommand(program, action, "help", "Explain a command",
                                    "Without a COMMAND, about the program.", options, run);
-    command.group("");
+    hide(command);
     addText(command, "COMMAND", options.command, "The command");
 }
 

@@ -64,11 +64,11 @@ void defineKeys(CLI::App& program, Action& action) {
     static KeysOptions options;
     CLI::App& command = addCommand(program, action, "keys", "List keys", kDetails, options, run);
     addArgument(command, "IMAGE", options.image, "The image");
-    addText(command, "PREFIX", options.prefix, "What the keys begin with").type_name("");
+    addText(command, "PREFIX", options.prefix, "What the keys begin with").placeholder("");
     addMoreImages(command, options.moreImages);
     addLineFormat(command, options.format, options.zeroEnded);
-    command.add_flag("-c,--count", options.count, "Write how many keys there are");
-    command.add_flag("-d,--data", options.data, "In text form, write data, too");
+    addFlag(command, "-c,--count", options.count, "Write how many keys there are");
+    addFlag(command, "-d,--data", options.data, "In text form, write data, too");
     addNumber(command, "-l,--limit", options.limit, "No more keys than this; 0 for all");
 }
 

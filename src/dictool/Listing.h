@@ -1,4 +1,5 @@
-// The program's commands and options, for whoever describes them: manual pages and completions.
+// The program's commands and options, for whoever describes them: help, manual pages and
+// completions.
 
 #ifndef DICTOOL_LISTING_H
 #define DICTOOL_LISTING_H
@@ -10,46 +11,45 @@
 
 namespace dictool {
 
-// The commands that users are told of.
-inline std::vector<const CLI::App*> commandsOf(const CLI::App& program) {
-    return program.get_subcommands(
-        [](const CLI::App* command) { return !command->get_group().empty(); });
-}
+// The commands that users see.
+std::vector<const CLI::App*> commandsOf(const CLI::App& program);
 
-inline std::vector<const CLI::Option*> optionsOf(const CLI::App& command) {
-    return command.get_options([](const CLI::Option* option) { return option->nonpositional(); });
-}
+// Finds the hidden ones, too; null if there is none of that name.
+const CLI::App* findCommand(const CLI::App& program, const std::string& name);
 
-inline std::vector<const CLI::Option*> argumentsOf(const CLI::App& command) {
-    return command.get_options([](const CLI::Option* option) { return option->get_positional(); });
-}
+// What describes the program or one of its commands.
+const std::string& nameOf(const CLI::App& command);
+std::string summaryOf(const CLI::App& command);
+std::string detailsOf(const CLI::App& command);
+std::string helpOf(const CLI::App& program, const CLI::App& command);
 
-inline bool takesValue(const CLI::Option& option) {
-    return !option.get_type_name().empty();
-}
+std::vector<const CLI::Option*> optionsOf(const CLI::App& command);
+std::vector<const CLI::Option*> argumentsOf(const CLI::App& command);
+
+// What describes an option or an argument.
+std::string nameOf(const CLI::Option& option);
+std::string summaryOf(const CLI::Option& option);
+std::string defaultOf(const CLI::Option& option);
+bool isRequired(const CLI::Option& option);
+bool comesOften(const CLI::Option& option);
+
+// The word for its value; empty for a flag.
+std::string placeholderOf(const CLI::Option& option);
+
+// The words that its value can be; empty if it can be others, too.
+std::vector<std::string> choicesOf(const CLI::Option& option);
+
+// "f" and "format".
+const std::vector<std::string>& shortNamesOf(const CLI::Option& option);
+const std::vector<std::string>& longNamesOf(const CLI::Option& option);
 
 // "-f" and "--format".
-inline std::vector<std::string> namesOf(const CLI::Option& option) {
-    std::vector<std::string> names;
-    for (const std::string& name : option.get_snames()) names.push_back("-" + name);
-    for (const std::string& name : option.get_lnames()) names.push_back("--" + name);
-    return names;
-}
+std::vector<std::string> namesOf(const CLI::Option& option);
 
-inline std::string join(const std::vector<std::string>& words, const std::string& between) {
-    return CLI::detail::join(words, between);
-}
+std::string join(const std::vector<std::string>& words, const std::string& between);
 
 // `text` with `escape` in front of each character of `special`.
-inline std::string escaped(const std::string& text, const std::string& special,
-                           const std::string& escape) {
-    std::string result;
-    for (const char character : text) {
-        if (special.find(character) != std::string::npos) result += escape;
-        result += character;
-    }
-    return result;
-}
+std::string escaped(const std::string& text, const std::string& special, const std::string& escape);
 
 }  // namespace dictool
 

@@ -95,7 +95,7 @@ void defineLookup(CLI::App& program, Action& action) {
         addCommand(program, action, "lookup", "Look up whole keys", kDetails, options, run);
     addArgument(command, "IMAGE", options.image, "The image");
     addArguments(command, "KEY", options.keys, "Keys; none for one per line of standard input");
-    command.add_flag("-m,--missing", options.missing, "Write the keys that are not there instead");
+    addFlag(command, "-m,--missing", options.missing, "Write the keys that are not there instead");
     addMoreImages(command, options.moreImages);
     addLineFormat(command, options.format, options.zeroEnded);
     addFilterOptions(command, options);

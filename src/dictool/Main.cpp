@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <csignal>
 #include <exception>
 #include <new>
@@ -25,47 +23,18 @@ constexpr char kDetails[] =
     "reader of the output has closed it.\n"
     "'dictool help COMMAND' explains a command.";
 
-// Says how to name a file that looks like options.
-std::string adviceFor(const std::vector<std::string>& arguments) {
-    for (const std::string& text : arguments) {
-        if (text.size() > 1 && text.front() == '-' && ::access(text.c_str(), F_OK) == 0) {
-            return "write the file " + text + " as ./" + text + " or after --";
-        }
-    }
-    return "";
-}
-
-[[noreturn]] void refuseUsage(const CLI::App& program, const std::vector<std::string>& arguments,
-                              const std::string& error) {
-    const std::vector<CLI::App*> chosen = program.get_subcommands();
-    const std::string name = chosen.empty() ? "dictool" : "dictool " + chosen[0]->get_name();
-    std::string advice = adviceFor(arguments);
-    if (advice.empty()) advice = "see '" + name + " --help'";
-    throw Failure{kTrouble, {}, "usage", error + "; " + advice};
-}
-
 int run(int count, char** arguments) {
-    CLI::App program("Builds dictionary images, searches texts with them and looks into them.",
-                     "dictool");
-    program.footer(kDetails);
-    program.set_version_flag("--version", std::string("dictool ") + dictionaryVersion());
-    program.require_subcommand(1);
+    const std::shared_ptr<CLI::App> program = makeProgram(
+        "dictool", "Builds dictionary images, searches texts with them and looks into them.",
+        kDetails, dictionaryVersion());
     Action action;
-    for (const DefineCommand define : kCommands) define(program, action);
+    for (const DefineCommand define : kCommands) define(*program, action);
     const std::vector<std::string> given = guardedArguments(count, arguments);
-    checkCommand(program, given);
-    try {
-        program.parse(std::vector<std::string>(given.rbegin(), given.rend()));
-    } catch (const CLI::CallForHelp&) {
-        print(program.help());
-        return kDone;
-    } catch (const CLI::CallForVersion& version) {
-        print(std::string(version.what()) + "\n");
-        return kDone;
-    } catch (const CLI::ParseError& error) {
-        refuseUsage(program, given, error.what());
-    }
-    return action();
+    checkCommand(*program, given);
+    const std::string page = parse(*program, given);
+    if (page.empty()) return action();
+    print(page);
+    return kDone;
 }
 
 int runReporting(int count, char** arguments) {

@@ -43,21 +43,22 @@ std::string item(const std::string& head, const std::string& text) {
 std::string synopsisOf(const CLI::App& command, const std::string& name) {
     std::string synopsis = ".B " + roff(name) + "\n[OPTIONS]";
     for (const CLI::Option* argument : argumentsOf(command)) {
-        std::string word = argument->get_name();
-        if (argument->get_expected_max() > 1) word += "...";
-        synopsis += argument->get_required() ? " " + word : " [" + word + "]";
+        std::string word = nameOf(*argument);
+        if (comesOften(*argument)) word += "...";
+        synopsis += isRequired(*argument) ? " " + word : " [" + word + "]";
     }
     return commandsOf(command).empty() ? synopsis : synopsis + " COMMAND";
 }
 
 std::string headOf(const CLI::Option& option) {
     const std::string names = join(namesOf(option), ", ");
-    return takesValue(option) ? names + " " + option.get_type_name() : names;
+    const std::string placeholder = placeholderOf(option);
+    return placeholder.empty() ? names : names + " " + placeholder;
 }
 
 std::string textOf(const CLI::Option& option) {
-    const std::string usual = option.get_default_str();
-    const std::string text = option.get_description() + ".";
+    const std::string usual = defaultOf(option);
+    const std::string text = summaryOf(option) + ".";
     return usual.empty() ? text : text + " Without it: " + usual + ".";
 }
 
@@ -68,9 +69,9 @@ std::string pageNameOf(std::string command) {
 
 // The other pages, of the program and of its commands, and the library's.
 std::string seeAlso(const CLI::App& program, const std::string& page) {
-    std::vector<std::string> names = {program.get_name()};
+    std::vector<std::string> names = {nameOf(program)};
     for (const CLI::App* command : commandsOf(program)) {
-        names.push_back(program.get_name() + "-" + command->get_name());
+        names.push_back(nameOf(program) + "-" + nameOf(*command));
     }
     std::vector<std::string> others;
     for (const std::string& name : names) {
@@ -83,20 +84,20 @@ std::string seeAlso(const CLI::App& program, const std::string& page) {
 std::string pageOf(const CLI::App& program, const CLI::App& command, const std::string& name) {
     std::string arguments, options, commands;
     for (const CLI::Option* argument : argumentsOf(command)) {
-        arguments += item(argument->get_name(), argument->get_description() + ".");
+        arguments += item(nameOf(*argument), summaryOf(*argument) + ".");
     }
     for (const CLI::Option* option : optionsOf(command)) {
         options += item(headOf(*option), textOf(*option));
     }
     for (const CLI::App* listed : commandsOf(command)) {
-        commands += item(listed->get_name(), listed->get_description() + ".");
+        commands += item(nameOf(*listed), summaryOf(*listed) + ".");
     }
     const std::string page = pageNameOf(name);
     return ".TH " + page + " 1 \"\" \"dictool " + dictionaryVersion() +
            "\" \"User Commands\"\n.ad l\n" +
-           section("NAME", roff(page + " - " + command.get_description())) +
+           section("NAME", roff(page + " - " + summaryOf(command))) +
            section("SYNOPSIS", synopsisOf(command, name)) +
-           section("DESCRIPTION", roff(command.get_footer())) + section("COMMANDS", commands) +
+           section("DESCRIPTION", roff(detailsOf(command))) + section("COMMANDS", commands) +
            section("ARGUMENTS", arguments) + section("OPTIONS", options) +
            section("SEE ALSO", seeAlso(program, page));
 }
@@ -104,10 +105,10 @@ std::string pageOf(const CLI::App& program, const CLI::App& command, const std::
 int run(const ManualOptions& options) {
     const CLI::App& program = *options.program;
     if (options.command.empty()) {
-        print(pageOf(program, program, program.get_name()));
+        print(pageOf(program, program, nameOf(program)));
     } else {
-        const CLI::App& command = *program.get_subcommand(options.command);
-        print(pageOf(program, command, program.get_name() + " " + command.get_name()));
+        const CLI::App& command = *findCommand(program, options.command);
+        print(pageOf(program, command, nameOf(program) + " " + nameOf(command)));
     }
     return kDone;
 }
@@ -120,9 +121,9 @@ void defineManual(CLI::App& program, Action& action) {
     CLI::App& command = addCommand(program, action, "manual", "Write a manual page",
                                    "That of a command, or of the program.", options, run);
     std::vector<std::string> names;
-    for (const CLI::App* listed : commandsOf(program)) names.push_back(listed->get_name());
-    command.group("");
-    command.add_option("COMMAND", options.command, "The command")->check(CLI::IsMember(names));
+    for (const CLI::App* listed : commandsOf(program)) names.push_back(nameOf(*listed));
+    hide(command);
+    addChoice(command, "COMMAND", options.command, names, "The command");
 }
 
 }  // namespace dictool

@@ -71,9 +71,9 @@ void defineReplace(CLI::App& program, Action& action) {
     addNumber(command, "--field", options.field, "The data field that replaces a key, from 1");
     addText(command, "--alternatives", options.alternatives,
             "What separates alternatives in the field, of which the first counts")
-        .type_name("TEXT");
-    command.add_flag("--remove-empty", options.removeEmpty,
-                     "Remove a key whose field is empty or missing");
+        .placeholder("TEXT");
+    addFlag(command, "--remove-empty", options.removeEmpty,
+            "Remove a key whose field is empty or missing");
     addWeightOptions(command, options);
     addZero(command, options.zeroEnded);
     addFilterOptions(command, options);

@@ -40,18 +40,18 @@ void defineSearch(CLI::App& program, Action& action) {
     CLI::App& command = addCommand(program, action, "search", "Find the keys that occur in texts",
                                    kDetails, options, run);
     addMatchOptions(command, options);
-    CLI::Option* all = command.add_flag("-a,--all", options.all, "Every key at every position");
-    CLI::Option* longest = command.add_flag("-l,--longest", options.longest,
-                                            "The longest key at every position, as without it");
-    CLI::Option* every = command.add_flag("--every-image", options.everyImage,
-                                          "A key of several images in each of them");
-    command.add_flag("--classic", options.classic, "What the library's function search returns")
-        ->excludes(all)
-        ->excludes(longest)
-        ->excludes(every)
-        ->excludes(command.get_option("--word"))
-        ->excludes(command.get_option("--dictionary"));
-    longest->excludes(all);
+    const Option all = addFlag(command, "-a,--all", options.all, "Every key at every position");
+    Option longest = addFlag(command, "-l,--longest", options.longest,
+                             "The longest key at every position, as without it");
+    const Option every = addFlag(command, "--every-image", options.everyImage,
+                                 "A key of several images in each of them");
+    addFlag(command, "--classic", options.classic, "What the library's function search returns")
+        .excludes(all)
+        .excludes(longest)
+        .excludes(every)
+        .excludes(optionNamed(command, "--word"))
+        .excludes(optionNamed(command, "--dictionary"));
+    longest.excludes(all);
 }
 
 }  // namespace dictool

@@ -28,11 +28,11 @@ void defineSegment(CLI::App& program, Action& action) {
         addCommand(program, action, "segment", "Cut texts into keys", kDetails, options, run);
     addMatchOptions(command, options);
     addWeightOptions(command, options);
-    command.add_flag("-k,--keep", options.keep, "Write what lies between keys, too");
-    command.add_flag("--pieces", options.pieces,
-                     "The same, with each unknown character as a piece of its own");
-    command.add_flag("--join-runs", options.joinRuns,
-                     "The same, with each run of ASCII letters and digits as one piece");
+    addFlag(command, "-k,--keep", options.keep, "Write what lies between keys, too");
+    addFlag(command, "--pieces", options.pieces,
+            "The same, with each unknown character as a piece of its own");
+    addFlag(command, "--join-runs", options.joinRuns,
+            "The same, with each run of ASCII letters and digits as one piece");
 }
 
 }  // namespace dictool

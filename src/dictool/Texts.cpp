@@ -27,19 +27,18 @@ void addTextOptions(CLI::App& command, TextOptions& options) {
     addArgument(command, "IMAGE", options.image, "The image");
     addArguments(command, "FILE", options.files, "Texts; standard input for none and for -");
     addMoreImages(command, options.moreImages);
-    command.add_flag("-w,--word", options.wholeWords,
-                     "Only keys that neither begin nor end inside a word");
+    addFlag(command, "-w,--word", options.wholeWords,
+            "Only keys that neither begin nor end inside a word");
 }
 
 void addWeightOptions(CLI::App& command, TextOptions& options) {
-    CLI::Option& count = addNumber(command, "--count-field", options.countField,
+    const Option count = addNumber(command, "--count-field", options.countField,
                                    "Cut by counts, which are in this data field, from 1");
-    CLI::Option& cost = addNumber(command, "--cost-field", options.costField,
-                                  "Cut by costs, which are in this data field, from 1");
-    cost.excludes(&count);
-    command.add_option("--unknown-cost", options.unknownCost, "What an unknown character costs")
-        ->type_name("X")
-        ->needs(&cost);
+    Option cost = addNumber(command, "--cost-field", options.costField,
+                            "Cut by costs, which are in this data field, from 1");
+    cost.excludes(count);
+    addReal(command, "--unknown-cost", options.unknownCost, "What an unknown character costs")
+        .needs(cost);
 }
 
 }  // namespace dictool

@@ -53,7 +53,7 @@ void defineVerify(CLI::App& program, Action& action) {
     CLI::App& command = addCommand(program, action, "verify", "Check whether images are sound",
                                    kDetails, options, run);
     addArguments(command, "IMAGE", options.images, "Images").required();
-    command.add_flag("-q,--quiet", options.quiet, "Say nothing about sound images");
+    addFlag(command, "-q,--quiet", options.quiet, "Say nothing about sound images");
 }
 
 }  // namespace dictool

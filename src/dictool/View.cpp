@@ -83,7 +83,7 @@ void defineView(CLI::App& program, Action& action) {
     addArgument(command, "IMAGE", options.image, "The image");
     addText(command, "-o,--output", options.page, "The page; - for standard output")
         .required()
-        ->type_name("FILE");
+        .placeholder("FILE");
 }
 
 }  // namespace dictool
