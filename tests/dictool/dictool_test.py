@@ -214,6 +214,8 @@ class Dictool(unittest.TestCase):
                   "restore_signals": True}
         self.assertRefused(run("build", "-", "new", given=SOURCE, **limits), TROUBLE,
                            "new: error cannot-write: the image cannot be written; ")
+        if os.environ.get("EMULATED") == "TRUE":
+            return  # QEMU catches every signal itself, so that nothing shows when dictool does
         building = subprocess.Popen([DICTOOL, "build", "-", "new"], cwd=HERE, stdin=subprocess.PIPE,
                                     stderr=subprocess.PIPE)
         caught = 0

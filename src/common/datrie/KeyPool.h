@@ -52,7 +52,8 @@ public:
     KeyCodes operator[](std::uint32_t number) const {
         const std::size_t begin = m_begins[number];
         const auto length = static_cast<std::uint32_t>(m_begins[number + 1] - begin);
-        return {m_narrow.data() + begin, m_isWide ? m_wide.data() + begin : nullptr, length};
+        if (m_isWide) return {nullptr, m_wide.data() + begin, length};
+        return {m_narrow.data() + begin, nullptr, length};
     }
 
     // A key's codes begin at one position among all codes and end where the next key's begin.
