@@ -19,13 +19,11 @@ namespace Dictionary::Node {
 
 namespace {
 
-using Texts = std::vector<std::u16string>;
-
 // Matches in the form that is quickest to hand over: for each its start, its end and the number of
 // its data text, as every text is made a string only once.
 class Found {
 public:
-    Found(Search search, const Texts& texts) : m_search(std::move(search)) {
+    Found(Search search, const Utf16Texts& texts) : m_search(std::move(search)) {
         DictionaryMatches matches = {};
         const std::unique_ptr<DictionaryMatches, void (*)(DictionaryMatches*)> owner(
             &matches, dictionaryFreeMatches);
@@ -101,7 +99,7 @@ Job find(const Call& call) {
 // The matches of texts, in columns that JavaScript uses where they are.
 class Columns {
 public:
-    Columns(const Search& search, const Texts& texts) {
+    Columns(const Search& search, const Utf16Texts& texts) {
         const Utf8Strings utf8(texts);
         DictionaryError error = {};
         dictionaryFindColumns(search.handle(), &search.options(), utf8.data(), utf8.size(),

@@ -243,9 +243,15 @@ std::string Value::path() const {
     return withoutNul(m_env, bytes());
 }
 
-std::vector<std::u16string> Value::texts() const {
-    std::vector<std::u16string> texts;
-    for (const Value& element : elements()) texts.push_back(element.text());
+Utf16Texts Value::texts() const {
+    Utf16Texts texts;
+    for (const Value& text : elements()) {
+        std::size_t length = 0;
+        m_env.check(napi_get_value_string_utf16(m_env, text.get(), nullptr, 0, &length));
+        texts.add(length, [&](char16_t* place) {
+            m_env.check(napi_get_value_string_utf16(m_env, text.get(), place, length + 1, nullptr));
+        });
+    }
     return texts;
 }
 

@@ -17,6 +17,8 @@
 #include <utility>
 #include <vector>
 
+#include "Utf16Texts.h"
+
 namespace Dictionary::Node {
 
 // Thrown when a JavaScript exception is pending, which the host sees as soon as we return.
@@ -73,7 +75,7 @@ public:
     std::string bytes() const;
     // A copy of a path in a Uint8Array, for C strings: without a NUL.
     std::string path() const;
-    std::vector<std::u16string> texts() const;
+    Utf16Texts texts() const;
     std::vector<Value> elements() const;
     // Undefined where the object, or undefined in place of one, has no such member.
     Value member(const char* name) const;

@@ -49,7 +49,7 @@ private:
 };
 
 // The result's units, where all between the edits is the text's own: its unpaired surrogates, too.
-std::u16string resultUnits(const DictionaryReplacement& result, const std::u16string& text) {
+std::u16string resultUnits(const DictionaryReplacement& result, std::u16string_view text) {
     std::u16string units = unitsOf(std::string_view(result.bytes, result.size));
     std::size_t from = 0, to = 0;
     for (std::size_t i = 0; i <= result.editCount; ++i) {
@@ -67,7 +67,7 @@ std::u16string resultUnits(const DictionaryReplacement& result, const std::u16st
 // are wanted, which count them.
 class Replaced {
 public:
-    Replaced(const Search& search, const Rule& rule, const std::u16string& text, bool wantsEdits) {
+    Replaced(const Search& search, const Rule& rule, std::u16string_view text, bool wantsEdits) {
         const Utf8String utf8(text);
         const bool needsUnits = wantsEdits || !utf8.isWellFormed();
         DictionaryReplaceOptions options = rule.options();
@@ -113,7 +113,9 @@ Job replace(const Call& call) {
     return reporting([search = Search(call), rule = Rule(call[2]),
                       texts = call[Search::kArguments].texts()]() -> Answer {
         const auto results = std::make_shared<std::vector<Replaced>>();
-        for (const std::u16string& text : texts) results->emplace_back(search, rule, text, false);
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            results->emplace_back(search, rule, texts[i], false);
+        }
         return [results](const Env& env) {
             std::vector<napi_value> list;
             for (const Replaced& result : *results) list.push_back(result.textToJs(env));

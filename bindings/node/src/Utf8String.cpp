@@ -16,26 +16,30 @@ bool isSurrogate(char16_t unit) {
     return isHighSurrogate(unit) || isLowSurrogate(unit);
 }
 
-}  // namespace
-
-Utf8String::Utf8String(const std::u16string& units)
-    : m_bytes(new char[kMostBytesOfUnit * units.size()]) {
-    char* to = m_bytes.get();
-    for (std::size_t i = 0; i < units.size();) to = putCharacter(units, i, to);
-    m_size = static_cast<std::size_t>(to - m_bytes.get());
-}
-
-// Encodes the character at units[i], moves `i` after it and returns where its bytes end. A NUL
-// follows the last unit.
-char* Utf8String::putCharacter(const std::u16string& units, std::size_t& i, char* to) {
+// Encodes the character at units[i], moves `i` after it and returns where its bytes end.
+char* putCharacter(std::u16string_view units, std::size_t& i, char* to, bool& isWellFormed) {
     const char16_t unit = units[i++];
     if (!isSurrogate(unit)) return writeUtf8(unit, to);
-    if (isHighSurrogate(unit) && isLowSurrogate(units[i])) {
+    if (isHighSurrogate(unit) && i < units.size() && isLowSurrogate(units[i])) {
         return writeUtf8(codeOfPair(unit, units[i++]), to);
     }
-    m_isWellFormed = false;
+    isWellFormed = false;
     *to = kIllegalByte;
     return to + 1;
+}
+
+// Returns where the bytes end. `isWellFormed` becomes false at an unpaired surrogate.
+char* encode(std::u16string_view units, char* to, bool& isWellFormed) {
+    for (std::size_t i = 0; i < units.size();) to = putCharacter(units, i, to, isWellFormed);
+    return to;
+}
+
+}  // namespace
+
+Utf8String::Utf8String(std::u16string_view units)
+    : m_bytes(new char[kMostBytesOfUnit * units.size()]) {
+    const char* const end = encode(units, m_bytes.get(), m_isWellFormed);
+    m_size = static_cast<std::size_t>(end - m_bytes.get());
 }
 
 std::u16string unitsOf(std::string_view utf8) {
@@ -54,7 +58,16 @@ std::u16string unitsOf(std::string_view utf8) {
     return units;
 }
 
-Utf8Strings::Utf8Strings(const std::vector<std::u16string>& texts)
-    : m_texts(texts.begin(), texts.end()), m_views(m_texts.begin(), m_texts.end()) {}
+Utf8Strings::Utf8Strings(const Utf16Texts& texts)
+    : m_bytes(new char[kMostBytesOfUnit * texts.units()]) {
+    m_views.reserve(texts.size());
+    bool isWellFormed = true;
+    char* begin = m_bytes.get();
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        char* const end = encode(texts[i], begin, isWellFormed);
+        m_views.push_back({begin, static_cast<std::size_t>(end - begin)});
+        begin = end;
+    }
+}
 
 }  // namespace Dictionary::Node

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Dictionary.h"
+#include "Utf16Texts.h"
 
 namespace Dictionary::Node {
 
@@ -17,7 +18,7 @@ namespace Dictionary::Node {
 // holds it.
 class Utf8String {
 public:
-    explicit Utf8String(const std::u16string& units);
+    explicit Utf8String(std::u16string_view units);
 
     const char* data() const { return m_bytes.get(); }
     std::size_t size() const { return m_size; }
@@ -26,8 +27,6 @@ public:
     bool isWellFormed() const { return m_isWellFormed; }
 
 private:
-    char* putCharacter(const std::u16string& units, std::size_t& i, char* to);
-
     std::unique_ptr<char[]> m_bytes;
     std::size_t m_size = 0;
     bool m_isWellFormed = true;
@@ -39,13 +38,13 @@ std::u16string unitsOf(std::string_view utf8);
 // Several of them, as the library takes them.
 class Utf8Strings {
 public:
-    explicit Utf8Strings(const std::vector<std::u16string>& texts);
+    explicit Utf8Strings(const Utf16Texts& texts);
 
     const DictionaryText* data() const { return m_views.data(); }
     std::size_t size() const { return m_views.size(); }
 
 private:
-    std::vector<Utf8String> m_texts;
+    std::unique_ptr<char[]> m_bytes;
     std::vector<DictionaryText> m_views;
 };
 

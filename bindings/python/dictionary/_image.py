@@ -7,7 +7,7 @@ from collections.abc import Callable, Iterable, Iterator, Sequence
 from ctypes import (Array, addressof, byref, c_bool, c_char, c_void_p, create_string_buffer,
                     string_at)
 from functools import lru_cache
-from itertools import chain, islice
+from itertools import chain, islice, repeat
 from typing import Any, AnyStr
 
 from . import _collector
@@ -184,14 +184,16 @@ class Image:
 
     def _list(self, prefix: AnyStr) -> Iterator[memoryview]:
         """The keys that begin with a prefix as the library has them, some at a time."""
-        raw, room = self._codecs.of(prefix).encode(prefix), bytearray(_KEYS_PER_CALL * _KEY.size)
-        address = addressof(c_char.from_buffer(room))
+        raw = self._codecs.of(prefix).encode(prefix)
         with _cursor(self) as cursor:
             library.dictionarySeekPrefix(cursor, raw, len(raw))
-            wanted = _FIRST_KEYS
-            while count := library.dictionaryNextKeys(cursor, address, wanted):
-                yield memoryview(room)[:count * _KEY.size]
-                wanted = _KEYS_PER_CALL
+            for wanted in chain((_FIRST_KEYS,), repeat(_KEYS_PER_CALL)):
+                keys = bytearray(wanted * _KEY.size)
+                room = addressof(c_char.from_buffer(keys))
+                count = library.dictionaryNextKeys(cursor, room, wanted)
+                if not count:
+                    return
+                yield memoryview(keys)[:count * _KEY.size]
 
     def contains_key(self, search: Search, text: AnyStr) -> bool:
         raw = self._codecs.of(text).encode(text)

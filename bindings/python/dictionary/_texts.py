@@ -42,7 +42,7 @@ class Batch(list[Any]):
         self.codec: Codec[Any] = codecs.str
         if self._has_bytes():
             self.codec = codecs.bytes
-        if not all(isinstance(text, self.codec.kind) for text in self):
+        if set(map(type, self)) != {self.codec.kind}:
             self._check(skip_missing)
         self.packed = PackedTexts(self.codec.encode_all(self))
 
