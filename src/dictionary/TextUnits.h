@@ -33,13 +33,33 @@ inline Stretch byteStretch(const Utf8Text&, std::size_t from, std::size_t end) {
     return {from, end - from};
 }
 
+// Whether each place of a text is one unit after the one before it: then nothing needs to be
+// counted.
+inline bool placesAreUnits(const EncodedText& text, int unit) {
+    if (unit == DICTIONARY_UNIT_BYTE) return false;
+    const std::int32_t* const codes = text.codes();
+    // A text has characters above U+FFFF as two labels, or as one code.
+    const auto isOne = [unit](std::int32_t code) {
+        return unit == DICTIONARY_UNIT_UTF16 ? code < kBmpEnd : !isLowSurrogate(code);
+    };
+    bool areUnits = true;
+    for (std::size_t i = 0; i < text.size(); ++i) areUnits &= isOne(codes[i]);
+    return areUnits;
+}
+template <class Text>
+bool placesAreUnits(const Text&, int) {
+    return false;
+}
+
 // Measures stretches of a text, which must come by their starts.
 template <class Text>
 class TextUnits {
 public:
-    TextUnits(const Text& text, int unit) : m_text(text), m_unit(unit) {}
+    TextUnits(const Text& text, int unit)
+        : m_text(text), m_unit(unit), m_placesAreUnits(placesAreUnits(text, unit)) {}
 
     Stretch measure(std::size_t from, std::size_t end) {
+        if (m_placesAreUnits) return {from, end - from};
         if (m_unit == DICTIONARY_UNIT_BYTE) return byteStretch(m_text, from, end);
         m_units += unitsBetween(m_passed, from);
         m_passed = from;
@@ -53,7 +73,6 @@ private:
         return units;
     }
 
-    // A text has characters above U+FFFF as two labels, or as one code.
     std::size_t unitsOf(std::int32_t code) const {
         if (m_unit == DICTIONARY_UNIT_UTF16) return code < kBmpEnd ? 1 : 2;
         return isLowSurrogate(code) ? 0 : 1;
@@ -61,6 +80,7 @@ private:
 
     const Text& m_text;
     const int m_unit;
+    const bool m_placesAreUnits;
     std::size_t m_passed = 0;  // places
     std::size_t m_units = 0;   // of those
 };
