@@ -79,13 +79,13 @@ constexpr Set kSets[] = {
     {"growth-1000000"},
     {"growth-4000000"},
     {"one-parent", oneParent},
-    // darts recurses once per byte, libdatrie loses the data of ends past 32 KiB.
+    // darts recurses once a byte, libdatrie loses the data of ends past 32 KiB.
     {"long-keys", longKeys, false, "darts libdatrie"},
     {"first-characters", firstCharacters},
     {"falling", [](const std::string&) { return fromFile("mixed"); }, true},
 };
 
-// The set's entries; valid until the next call with another set.
+// The set's entries; valid until another set is asked for.
 const std::vector<Entry>& entriesOf(const Set& set) {
     static std::optional<Source> source;
     static std::vector<Entry> entries;

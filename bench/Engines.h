@@ -11,7 +11,7 @@
 
 namespace Bench {
 
-// The engine with whose answers those of the others are compared.
+// The engine whose answers the others' are held against.
 using Reference = OtherDictionary<DartsIndex>;
 
 template <class T>

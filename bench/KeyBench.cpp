@@ -1,7 +1,7 @@
 // The keys of the real dictionaries: listing them, completing what a user typed, and looking up
 // many. A row is named WORKLOAD/DICTIONARY/ENGINE; its items are keys listed, prefixes completed or
-// keys looked up. Whatever is found is copied out. Before a row is timed, its results are compared
-// with the reference's.
+// keys looked up. Whatever is found is copied out. Before a row is timed, its results are held
+// against the reference's.
 //
 //   key_bench [Google Benchmark's options] [DATA FOLDER]
 

@@ -134,7 +134,7 @@ private:
     mutable std::optional<Dictionary::CDATReader> m_reader;
 };
 
-// The library with a narrower kernel than the machine would use.
+// The library held to a kernel below the one that the machine would use.
 template <Dictionary::Kernel kernel>
 class LibraryOn : public Library {
 public:
@@ -144,7 +144,7 @@ public:
     using Library::Library;
 };
 
-// While it lives, the engine uses its kernel.
+// Sees to it, while it lives, that the engine uses its kernel.
 template <class Engine>
 struct InUse {
     static bool isPossible() { return true; }

@@ -1,5 +1,5 @@
 // Segmentation by weight beside that by longest match, and replacement beside opencc's, over the
-// Chinese dictionary and text. A row is what was done, and how many megabytes of text per second;
+// Chinese dictionary and text. A row is what was done, and how many megabytes of text in a second;
 // the first two are the milliseconds and the bytes that a segmenter takes.
 //
 //   segment_bench [DATA FOLDER]
@@ -65,7 +65,7 @@ std::vector<DictionaryText> viewsOf(const Texts& texts) {
     return views;
 }
 
-// Megabytes per second by which the texts are segmented.
+// Megabytes a second by which the texts are segmented.
 double segment(const Image& image, int mode, const DictionarySegmenter* segmenter,
                const Material& material) {
     DictionaryFindOptions options = {};
@@ -120,7 +120,7 @@ std::string converted(opencc_t converter, const std::string& text) {
     return result;
 }
 
-// Megabytes per second by which the lines are converted. All ways come to the same results.
+// Megabytes a second by which the lines are converted. All ways come to the same results.
 template <class Convert>
 double speedOf(const Texts& lines, Texts& results, const Convert& convert) {
     Texts written(lines.size());

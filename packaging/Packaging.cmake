@@ -1,5 +1,4 @@
-# Debian packages, one per component that is installed; scripts/package makes them. CPack packs what
-# CMake installs; debhelper would need the list of files for each package a second time.
+# Debian packages, one per component that is installed; scripts/package makes them.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)

@@ -4,7 +4,6 @@
 
 #include "KeyScan.h"
 #include "TextSearch.h"
-#include "WalkStep.h"
 #include "WordBoundary.h"
 
 namespace Dictionary {
@@ -161,7 +160,7 @@ void CheapestPath::findKeys(const SetText& window, std::size_t first, std::size_
 // The weights are read here, and not while paths are compared, so that no comparison waits for one.
 void CheapestPath::findPlainKeys(const EncodedText& labels, std::size_t first, std::size_t end) {
     const WeightedImage& weighted = m_images.images.front();
-    const TextSearch search(weighted.image.cells(), labels, walkSteps());
+    const TextSearch search(weighted.image.cells(), labels);
     search.forEachKeyIn(
         first, kAlphabet, [&](std::size_t from, std::size_t keyEnd, std::int32_t feature) {
             if (from >= end || labels.isInsidePair(keyEnd)) return;

@@ -69,9 +69,9 @@ enum DictionaryCode {
     DICTIONARY_IMAGE_HEADER = 22,    /* header: its sizes do not add up to the image's */
     DICTIONARY_IMAGE_AREA = 23,      /* area: a feature record runs over the end of the area */
     DICTIONARY_IMAGE_FREE_CELL = 24, /* free-cell: a free cell is not as written */
-    DICTIONARY_IMAGE_PARENT = 25,    /* parent: an impossible one, or one below the cell */
+    DICTIONARY_IMAGE_PARENT = 25,    /* parent: one that cannot be, or leads back to the cell */
     DICTIONARY_IMAGE_LABEL = 26,     /* label: a cell's distance from its parent's base is none */
-    DICTIONARY_IMAGE_BASE = 27,      /* base: a cell in use has an impossible one */
+    DICTIONARY_IMAGE_BASE = 27,      /* base: a cell in use has none that can be */
     DICTIONARY_IMAGE_FEATURE = 28,   /* feature: a cell refers to no record of the area */
 
     /* Sources. */
@@ -128,7 +128,7 @@ typedef struct DictionaryError {
 } DictionaryError;
 
 /* The name of a code: "no-field"; "ok" for DICTIONARY_OK, "unknown" for a number that is none.
- * Valid permanently. */
+ * Lasts permanently. */
 DICTIONARY_EXPORT const char* dictionaryCodeName(int code);
 
 /* Writes "PATH:LINE:COLUMN: NAME: TEXT" to `buffer`, without the parts that the error does not
@@ -144,7 +144,7 @@ DICTIONARY_EXPORT size_t dictionaryErrorMessage(const DictionaryError* error, ch
  * (a set finds nothing there). */
 typedef struct DictionaryHandle DictionaryHandle;
 
-/* Where the bytes of an open image are. */
+/* What an open image rests on. */
 enum DictionaryOpenMode {
     DICTIONARY_OPEN_MAP = 0,   /* the file's pages, shared with every process that maps it; the file
                                   must not change while it is open */
@@ -287,7 +287,7 @@ enum DictionaryFindMode {
     DICTIONARY_FIND_ALL = 0,      /* every key at every position, shortest first */
     DICTIONARY_FIND_LONGEST = 1,  /* the longest key at every position */
     DICTIONARY_FIND_SEGMENT = 2,  /* the longest key at the first position that has one, then the
-                                     same after it, and so on */
+                                     same  after it, and so on */
     DICTIONARY_FIND_WEIGHTED = 3, /* the cheapest segmentation by the weights of a segmenter */
     DICTIONARY_FIND_PREFIXES = 4, /* every key that the text begins with, shortest first */
     DICTIONARY_FIND_CLASSIC = 5   /* what `search` finds: it stops at a NUL and at the first illegal
@@ -329,8 +329,8 @@ typedef struct DictionaryMatch {
     uint32_t image;      /* number of the image in a set, else 0 */
 } DictionaryMatch;
 
-/* A list that grows as needed and can be used again for the next text. Zero it first and free it in
- * the end. */
+/* A list that grows as needed and can be used again for the next text: zero it first, free it at
+ * last. */
 typedef struct DictionaryMatches {
     DictionaryMatch* items;
     size_t count;
@@ -355,8 +355,8 @@ DICTIONARY_EXPORT int dictionaryFindInTexts(const DictionaryHandle* handle,
 DICTIONARY_EXPORT void dictionaryFreeMatches(DictionaryMatches* matches); /* may be null */
 
 /* Calls `visit` for the matches of `text`, by start, until it returns false, and returns
- * DICTIONARY_STOPPED then. If stopped early, it searches no more of the text than necessary. The
- * match lasts during the call. */
+ * DICTIONARY_STOPPED then. Stopped early, no more of the text is searched than has to be. The match
+ * lasts during the call. */
 DICTIONARY_EXPORT int dictionaryVisitMatches(
     const DictionaryHandle* handle, const DictionaryFindOptions* options, DictionaryText text,
     bool (*visit)(void* context, const DictionaryMatch* match), void* context,
@@ -369,8 +369,8 @@ DICTIONARY_EXPORT int dictionaryContainsKey(const DictionaryHandle* handle,
                                             DictionaryText text, bool* contains,
                                             DictionaryError* error);
 
-/* The matches of many texts as arrays of equal length, one entry per match, for hosts where a
- * struct per match costs too much. Zero it first and free it in the end. */
+/* The matches of many texts as arrays of equal length, one entry per match, for hosts for which a
+ * record per match is too much. Zero it first, free it at last. */
 typedef struct DictionaryColumns {
     uint32_t* text;       /* number of the text, from 0 */
     uint32_t* start;      /* in the unit */
@@ -409,16 +409,16 @@ typedef struct DictionarySegmenterOptions {
 } DictionarySegmenterOptions;
 
 /* A segmenter for DICTIONARY_FIND_WEIGHTED: of all ways to cut a text into keys and unknown
- * characters, which are those where no key begins, it finds the one of the least total cost; of
- * several, the one whose first word is longer, and so on. The sums are made from the end of the
+ * characters, which are those where no key begins, it finds the one of the least total cost, of
+ * several the one whose first word is longer, and so on. The sums are made from the end of the
  * text, in double precision.
  *
  * Every key must have the field, and a number in it; the error names a key that has not and, of a
- * set, the number of its image. In a set, a key of several images counts once, as the last of them
- * has it. A segmenter takes at most 8 bytes per distinct data text, and two bits per 4 to 8 bytes
- * of those, but less where weights repeat. A text takes one byte per byte while it is segmented,
- * and some hundred kilobytes. The handle must stay open. Null options read counts from the first
- * field. */
+ * set, the number of its image. In a set,
+ * a key of several images counts once, as the last of them has it. A segmenter takes at most
+ * 8 bytes per distinct data text, and two bits per 4 to 8 bytes of those, but less where weights
+ * repeat. A text takes one byte per byte while it is segmented, and some hundred kilobytes. The
+ * handle must stay open. Null options read counts from the first field. */
 DICTIONARY_EXPORT DictionarySegmenter* dictionaryMakeSegmenter(
     const DictionaryHandle* handle, const DictionarySegmenterOptions* options,
     DictionaryError* error);
@@ -444,7 +444,7 @@ typedef struct DictionaryEdit {
     size_t resultEnd;
 } DictionaryEdit;
 
-/* A result that grows as needed and can be used again. Zero it first and free it in the end. */
+/* A result that grows as needed and can be used again: zero it first, free it at last. */
 typedef struct DictionaryReplacement {
     char* bytes;
     size_t size;
@@ -497,14 +497,14 @@ typedef struct DictionaryTarget {
 
 DICTIONARY_EXPORT void dictionaryFreeBuffer(DictionaryImageBuffer* buffer); /* may be null */
 
-/* The stages of a build, in their order. */
+/* What a build is at; the stages come in this order. */
 enum DictionaryBuildStage {
     DICTIONARY_STAGE_READ = 0,  /* done and total count bytes of the source, or items */
     DICTIONARY_STAGE_PLACE = 1, /* done and total count keys that pass through nodes */
     DICTIONARY_STAGE_WRITE = 2  /* done and total count bytes of the image */
 };
 
-/* How a source is read, and the callbacks of a build. */
+/* How a source is read, and who learns what a build does. */
 typedef struct DictionaryBuildOptions {
     size_t size;                 /* sizeof(DictionaryBuildOptions) */
     const char* fieldSeparator;  /* in the notation of getEscapeSeparator; null for a tab */
@@ -552,9 +552,9 @@ DICTIONARY_EXPORT int dictionaryBuildFile(const char* source, const char* image,
  * image may be used by those who might use the old one. A folder, a device and a file that may not
  * be written are refused before the source is read.
  *
- * All problems of the source are reported, in its order; after the first error nothing more is
- * built. Returns DICTIONARY_OK, or the code of the first error, which `error` has as well; a
- * stopped build is DICTIONARY_STOPPED. `report` may be null. */
+ * All problems of the source are reported, in its order; after the first error nothing is built any
+ * more. Returns DICTIONARY_OK, or the code of the first error, which `error` has as well; a stopped
+ * build is DICTIONARY_STOPPED. `report` may be null. */
 DICTIONARY_EXPORT int dictionaryBuildFrom(const DictionarySource* source,
                                           const DictionaryTarget* target,
                                           const DictionaryBuildOptions* options,

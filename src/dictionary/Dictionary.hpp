@@ -1,6 +1,6 @@
 // The dictionary for hosts in C++17: owners instead of handles, exceptions instead of codes, ranges
-// and views instead of lists. All of it is inline, over Dictionary.h, which documents what
-// each call does, what it takes and which threads may make it.
+// and views instead of lists. All of it is inline, over Dictionary.h, which says of each call what
+// it does, what it takes and which threads may make it.
 //
 //     const auto words = dictionary::Image::open("words.bin");
 //     for (const dictionary::Match& match : words.find(text)) { ... match.data ... }
@@ -641,7 +641,7 @@ private:
 
 namespace detail {
 
-// A range of items, passed on one by one. An item is a pair of a key and its data: one field, or a
+// A range of items, handed out one by one. An item is a pair of a key and its data: one field, or a
 // range of fields; each becomes a std::string_view.
 template <class Range>
 class Items {
@@ -831,7 +831,7 @@ Built checkItems(const Range& range, const BuildOptions& options) {
 }  // namespace detail
 
 // Builds the image file `image` from a source: a file, bytes, or a range of items. An item is a
-// pair (or another type of two parts) of a key and its data, which is one field or a range
+// pair (or whatever else falls into two parts) of a key and its data, which is one field or a range
 // of fields. Throws BuildError when there is no new image.
 inline Built buildFile(const std::string& source, const std::string& image,
                        const BuildOptions& options = {}) {

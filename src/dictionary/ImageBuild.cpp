@@ -7,7 +7,6 @@
 #include "Folding.h"
 #include "ImageFormat.h"
 #include "LabelCoder.h"
-#include "SourceKeys.h"
 #include "StringUtil.h"
 #include "Utf8Decoder.h"
 
@@ -204,8 +203,8 @@ void ImageBuild::take(SourceRecord& record) {
     ++m_report.records;
     m_sourceBytes += record.text.size();
     const std::size_t keySize = record.text.find(m_fieldSeparator);
-    for (const SourceFault& fault : m_check.examine(record, keySize)) {
-        report(fault.code, record.number, record.skipped + fault.column);
+    for (const Finding& finding : m_check.examine(record, keySize)) {
+        report(finding.code, record.number, record.skipped + finding.column);
     }
     if (m_log.hasErrors()) m_table.reset();
     if (!m_table.has_value()) return;
@@ -273,10 +272,12 @@ bool ImageBuild::place() {
 void ImageBuild::addKeys() {
     LabelCoder coder;
     const bool isLiteral = m_hasItems || m_isFolded;
-    const auto keyOf = [&](std::uint32_t record) {
-        return isLiteral ? m_table->key(record) : m_table->trieKey(record);
-    };
-    addKeysOf(*m_table, keyOf, coder, m_builder, [](const std::string&) {});
+    m_builder.reserve(m_table->keyCount(), m_table->keyBytes());
+    std::string key;
+    m_table->forEachKey([&](std::uint32_t record) {
+        key = isLiteral ? m_table->key(record) : m_table->trieKey(record);
+        m_builder.addKey(coder, key.c_str(), false, m_table->data(record));
+    });
 }
 
 void ImageBuild::write() {

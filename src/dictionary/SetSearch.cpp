@@ -8,7 +8,7 @@ namespace {
 
 // Whether each place of the text is inside a word, that at the end included; empty where none is.
 std::vector<std::uint8_t> insideWordsOf(const EncodedText& text) {
-    std::vector<std::uint8_t> inside(text.size() + 1);
+    std::vector<std::uint8_t> inside(text.size() + 1 + TextSearch::kClosedPadding);
     bool followsWord = false, isAnyInside = false;
     for (std::size_t place = 0; place < text.size(); ++place) {
         if (text.isInsidePair(place)) continue;

@@ -57,8 +57,7 @@ void SourceCheck::takeOffWindowsMarks(SourceRecord& record) const {
     if (endsInCr(record.text)) record.text.remove_suffix(1);
 }
 
-const std::vector<SourceFault>& SourceCheck::examine(const SourceRecord& record,
-                                                     std::size_t keySize) {
+const std::vector<Finding>& SourceCheck::examine(const SourceRecord& record, std::size_t keySize) {
     m_found.clear();
     if (record.tooLong) {
         add(DICTIONARY_RECORD_TOO_LONG, SourceRecords::kMaxRecordBytes);
@@ -67,9 +66,8 @@ const std::vector<SourceFault>& SourceCheck::examine(const SourceRecord& record,
     }
     if (!record.finished) add(DICTIONARY_UNFINISHED, record.text.size());
     if (m_found.size() > 1) {
-        std::stable_sort(
-            m_found.begin(), m_found.end(),
-            [](const SourceFault& a, const SourceFault& b) { return a.column < b.column; });
+        std::stable_sort(m_found.begin(), m_found.end(),
+                         [](const Finding& a, const Finding& b) { return a.column < b.column; });
     }
     return m_found;
 }

@@ -14,7 +14,7 @@
 
 namespace Dictionary {
 
-struct SourceFault {
+struct Finding {
     int code;  // a DictionaryCode
     std::uint64_t column;
 };
@@ -35,7 +35,7 @@ public:
 
     // Examines a record whose field separator is at `keySize`, npos when there is none. Returns
     // what is wrong by columns, each kind at most once; valid until the next call.
-    const std::vector<SourceFault>& examine(const SourceRecord& record, std::size_t keySize);
+    const std::vector<Finding>& examine(const SourceRecord& record, std::size_t keySize);
 
 private:
     void examineText(const SourceRecord& record, std::size_t keySize);
@@ -48,7 +48,7 @@ private:
 
     bool m_recordsAreLines;
     std::string m_join;  // empty when it is not looked for
-    std::vector<SourceFault> m_found;
+    std::vector<Finding> m_found;
 };
 
 }  // namespace Dictionary

@@ -1,4 +1,4 @@
-// build and lint: make an image of a source, or only check the source.
+// build and lint: from a source to an image, or only to what is wrong with the source.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,39 +32,42 @@ struct BuildOptions {
 };
 
 constexpr char kDetails[] =
-    "A source has one line per record: a key, a tab, data fields separated by tabs. SOURCE\n"
-    "may be a pipe, or - for standard input. The key \\n is a newline. Data of a key that\n"
-    "occurs more than once is joined with \";\". In separators, \\t and \\n are a tab and a\n"
-    "newline, and a backslash with three digits is the byte of that decimal number.\n"
-    "\nProblems are reported with the number of the record and of the byte in it. With --lenient,\n"
-    "an empty key, illegal UTF-8, a carriage return at the end of a line and a byte-order mark\n"
-    "are warnings. --windows accepts the last two and leaves them out. A source without records\n"
-    "is an error unless --allow-empty is given.\n";
+    "A source has one line per record: a key, a tab, data fields separated by tabs. SOURCE may be\n"
+    "a pipe, or - for standard input. The key \\n stands for a newline. Data of a key that comes\n"
+    "more than once is joined with \";\". In separators, \\t and \\n stand for a tab and a "
+    "newline,\n"
+    "a backslash and three digits for the byte of that decimal number.\n"
+    "\nProblems are reported with the number of the record and of the byte in it. --lenient makes\n"
+    "warnings of an empty key, illegal UTF-8, a carriage return at the end of a line and a\n"
+    "byte-order mark; --windows reads the last two as what they are. A source without records is\n"
+    "an error unless --allow-empty is given.\n";
 
 constexpr char kStatusDetails[] = "\n\nExit status: 0 done; 2 an error; 130 ended by a signal.";
 
 constexpr char kBuildDetails[] =
-    "\nThe image appears under its name when it is complete. Until then, and if the build fails\n"
-    "or is interrupted, the old file stays. IMAGE may be - for standard output, if that is no\n"
-    "terminal.";
+    "\nThe image appears under its name when it is complete. Until then, and if the build fails "
+    "or\n"
+    "is interrupted, what was there before stays. IMAGE may be - for standard output, if that is\n"
+    "no terminal.";
 
 constexpr char kLintDetails[] =
-    "\nNothing is written; the exit status is that of build. A field that begins with \";\" after\n"
-    "another one gets a warning, as it looks like data of a repeated key.";
+    "\nNothing is written, and the exit status is that of building. A field that begins with "
+    "\";\"\n"
+    "after another one gets a warning, as it looks like data of a key that comes twice.";
 
-// One run of the library's build, and how many problems it reported.
+// One run of the library's build, and what it is told.
 struct Build {
     const BuildOptions& options;
     const std::string& image;  // a file, "-" or, for a check, nothing
     Progress progress;
-    std::uint64_t reported = 0;
+    std::uint64_t told = 0;
 
     bool writesFile() const { return !image.empty() && image != "-"; }
 };
 
 void onProblem(void* context, const DictionaryError* problem) {
     Build& build = *static_cast<Build*>(context);
-    ++build.reported;
+    ++build.told;
     if (problem->severity == DICTIONARY_WARNING && build.options.quiet) return;
     const bool ofImage = problem->file == DICTIONARY_FILE_IMAGE;
     const Failure failure =
@@ -83,7 +86,7 @@ bool onProgress(void* context, int stage, std::uint64_t done, std::uint64_t tota
     return !interrupted();
 }
 
-// A separator in the notation of the library, which has only the numbers of bytes.
+// The notation of the library, which knows a byte by its number only.
 std::string notationOf(const std::string& separator) {
     constexpr struct {
         const char* escape;
@@ -98,8 +101,8 @@ std::string notationOf(const std::string& separator) {
     return notation;
 }
 
-// A name by which the library can open standard input and read on from its position; empty when
-// there is none, as for a socket. Opening a pipe with a name waits for a writer.
+// A name under which the library can open standard input and read on where it is; empty when there
+// is none, as for a socket. A pipe with a name waits for a writer whenever it is opened.
 std::string nameOfInput() {
     constexpr char kName[] = "/dev/stdin";
     constexpr std::string_view kUnnamedPipe = "pipe:";
@@ -146,9 +149,8 @@ int callLibrary(Build& build, const DictionaryTarget& target, DictionaryBuildRep
     const DictionarySource source = sourceOf(name, bytes);
     DictionaryError error;
     const int code = dictionaryBuildFrom(&source, &target, &options, &report, &error);
-    const bool unreported =
-        code != DICTIONARY_OK && code != DICTIONARY_STOPPED && build.reported == 0;
-    if (unreported) throw failureOf(error, given.source);
+    const bool untold = code != DICTIONARY_OK && code != DICTIONARY_STOPPED && build.told == 0;
+    if (untold) throw failureOf(error, given.source);
     return code;
 }
 
@@ -167,7 +169,7 @@ DictionaryTarget targetOf(const Build& build, dictionary::ImageBuffer& buffer) {
     return target;
 }
 
-// Without an image, the source is only checked.
+// A build of no image is a check.
 int run(const BuildOptions& options, const std::string& image) {
     const bool showsProgress = !options.quiet && (options.progress || errorsOnTerminal());
     Build build{options, image, Progress(showsProgress)};
@@ -179,8 +181,8 @@ int run(const BuildOptions& options, const std::string& image) {
     counts.size = sizeof counts;
     const int code = callLibrary(build, targetOf(build, buffer), counts);
     build.progress.clear();
-    if (counts.problems > build.reported) {
-        remark(options.source + ": " + std::to_string(counts.problems - build.reported) +
+    if (counts.problems > build.told) {
+        remark(options.source + ": " + std::to_string(counts.problems - build.told) +
                " more problems; --max-problems shows more of them");
     }
     if (code == DICTIONARY_STOPPED) remark(interruption);
@@ -231,7 +233,7 @@ void defineBuild(CLI::App& program, Action& action) {
     addOptions(build, options);
 
     CLI::App& lint =
-        addCommand(program, action, "lint", "Report what is wrong with a source",
+        addCommand(program, action, "lint", "Tell what is wrong with a source",
                    std::string(kDetails) + kLintDetails + kStatusDetails, options, runLint);
     addArgument(lint, "SOURCE", options.source, "The source; - for standard input");
     addOptions(lint, options);

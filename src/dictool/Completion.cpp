@@ -1,4 +1,4 @@
-// completion, a hidden command: scripts by which shells complete commands and options.
+// completion, which users are not told of: scripts by which shells complete commands and options.
 
 #include "Listing.h"
 #include "Output.h"

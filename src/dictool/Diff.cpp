@@ -1,4 +1,4 @@
-// diff: the differences between the keys of two images.
+// diff: what sets the keys of two images apart.
 
 #include "Command.h"
 #include "Format.h"
@@ -17,9 +17,9 @@ struct DiffOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes one line per difference, in the order of the keys: - and a key that only the first\n"
-    "image has, + and one that only the second has, ~ and one whose data differs; then a tab\n"
-    "and the data fields, for ~ those of the second. A newline is written \\n, a tab in a key\n"
+    "Writes a line for every difference, by the order of the keys: - and a key that only the\n"
+    "first image has, + and one that only the second has, ~ and one whose data differs; then a\n"
+    "tab and the data fields, for ~ those of the second. A newline is written \\n, a tab in a key\n"
     "\\t and a backslash \\\\.\n"
     "\nExit status: 0 when there is no difference, 1 when there is one.";
 
@@ -40,7 +40,7 @@ private:
     dictionary::Keys::iterator m_next;
 };
 
-// Negative when the key of the first is not in the second, positive the other way round.
+// Below 0 when the first one's key is not in the second, above 0 when it is the other way round.
 int compare(const Keys& first, const Keys& second) {
     if (!first.left() || !second.left()) return int{second.left()} - int{first.left()};
     return first.key().compare(second.key());
@@ -48,9 +48,9 @@ int compare(const Keys& first, const Keys& second) {
 
 void write(Output& output, std::string_view sign, const Keys& keys) {
     std::string line(sign);
-    appendEscaped(line, keys.key(), kEscapedInRow);
+    appendEscaped(line, keys.key(), kTorn);
     line += '\t';
-    appendEscaped(line, withoutClosingTab(keys.data()), kEscapedInData);
+    appendEscaped(line, withoutClosingTab(keys.data()), kTornFields);
     output.add(line += '\n');
 }
 

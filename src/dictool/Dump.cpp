@@ -21,13 +21,13 @@ struct DumpOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes a source that builds to the same bytes, its keys in ascending order. There is none\n"
-    "for an image of a source with keys that were cut off or empty, or with other separators\n"
-    "whose keys or data contain a tab or a newline; the command says so. If another writer\n"
-    "placed the cells differently, the source has the same keys and data and builds to other\n"
-    "bytes; the first of these is reported.\n"
-    "The source of a folded image needs 'dictool build --fold'. Where lint has objections, as\n"
-    "to data that ends in a carriage return, it needs 'dictool build --lenient'.\n"
+    "Writes a source that builds to the same bytes, its keys in ascending order. Says so instead\n"
+    "when there is none: an image of a source with keys that were cut off or empty, or with other\n"
+    "separators whose keys or data hold a tab or a newline, cannot be given back. An image whose\n"
+    "cells another writer placed differently is: the source has its keys and data and builds to\n"
+    "other bytes, the first of which is reported.\n"
+    "The source of a folded image needs 'dictool build --fold'. Where lint has objections, as to\n"
+    "data that ends in a carriage return, the source needs 'dictool build --lenient'.\n"
     "\nExit status: 0 when the source builds to the same bytes, 1 when it builds to others.";
 
 // The record that marks a folded image, and to which no key refers.
@@ -93,10 +93,10 @@ private:
         using namespace std::string_view_literals;
         const std::string_view text = sourceTextOf(key.text);
         const std::string which = "key number " + std::to_string(m_number);
-        if (holds(text, "\t\n\0"sv)) refuse(which + " has a separator or a NUL");
+        if (holds(text, "\t\n\0"sv)) refuse(which + " holds a separator or a NUL");
         if (key.text == kWrittenNewline) refuse(which + " would become a newline");
-        if (!isUtf8(text)) refuse(which + " is not UTF-8");
-        if (holds(key.data, "\n")) refuse("the data of " + which + " has a newline");
+        if (!isUtf8(text)) refuse(which + " is no UTF-8");
+        if (holds(key.data, "\n")) refuse("the data of " + which + " holds a newline");
         if (key.data.empty() || key.data.back() != '\t') {
             refuse("the data of " + which + " does not end with a tab");
         }
@@ -168,7 +168,7 @@ void reportDifference(const Image& image, std::size_t byte) {
         "byte " + std::to_string(byte) + (inCells ? " (cell " + std::to_string(cell) + ")" : "");
     report(DICTIONARY_WARNING, {image.file()}, "placed-otherwise",
            "the source builds to other bytes from " + place +
-               " on: the cells are placed differently; keys and data are the same");
+               " on, for the cells are placed otherwise; keys and data are the same");
 }
 
 int run(const DumpOptions& options) {

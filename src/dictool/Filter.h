@@ -1,4 +1,4 @@
-// What the commands that read lines have in common.
+// What the commands that go through lines have in common.
 
 #ifndef DICTOOL_FILTER_H
 #define DICTOOL_FILTER_H
@@ -34,7 +34,7 @@ void addFilterOptions(CLI::App& command, FilterOptions& options);
 // Makes, once an image is open, what makes the works of the threads.
 using Prepare = std::function<MakeLineWork(const dictionary::Image& image)>;
 
-// Runs lines through works over the options' images and writes their output. Lines of files come
+// Runs lines through works over the options' images and writes what they give. Lines of files come
 // from `files`, or from standard input when that is empty.
 int filterFiles(const FilterOptions& options, const std::vector<std::string>& files,
                 const Prepare& prepare);
@@ -74,7 +74,7 @@ private:
 struct MatchOptions : TextOptions {
     std::string offset = "byte";
     bool data = false;
-    bool keep = false;      // writes the text between matches, too
+    bool keep = false;      // writes what lies between matches, too
     bool pieces = false;    // the same, one piece for each character
     bool joinRuns = false;  // and one for each run of ASCII letters and digits
 

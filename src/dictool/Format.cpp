@@ -18,7 +18,7 @@ void append(std::string& out, std::uint64_t number) {
     out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
 }
 
-// Positions in a line, for bytes in rising order.
+// Positions in a line, asked for in rising order.
 class Positions {
 public:
     explicit Positions(const LinePieces& pieces) : m_line(pieces.line), m_unit(pieces.unit) {}
@@ -51,8 +51,6 @@ void forEachPiece(const LinePieces& pieces, Write write) {
     }
 }
 
-// JSON is written directly, as this is done for every match: a library would first build objects
-// for each line.
 void appendJsonEscape(std::string& out, char character) {
     constexpr char kHex[] = "0123456789abcdef";
     if (character == '"' || character == '\\') {
@@ -90,9 +88,9 @@ void appendJsonPiece(std::string& out, std::string_view key, std::size_t start, 
 
 void appendRow(std::string& out, std::string_view key, std::string_view data, char end,
                bool escapes) {
-    appendEscaped(out, key, escapes ? kEscapedInRow : "");
+    appendEscaped(out, key, escapes ? kTorn : "");
     out += '\t';
-    appendEscaped(out, withoutClosingTab(data), escapes ? kEscapedInData : "");
+    appendEscaped(out, withoutClosingTab(data), escapes ? kTornFields : "");
     out += end;
 }
 
@@ -118,7 +116,7 @@ void formatKeys(std::string& out, const LinePieces& pieces) {
 }
 
 void formatKeysData(std::string& out, const LinePieces& pieces) {
-    const std::string_view special = pieces.escapes ? kEscapedInData : "";
+    const std::string_view special = pieces.escapes ? kTornFields : "";
     forEachPiece(pieces, [&](auto text, auto start, auto, const Piece& piece) {
         out.append(text) += '/';
         append(out, start);
@@ -181,7 +179,7 @@ void answerJson(std::string& out, const Answer& answer) {
 }
 
 void keyText(std::string& out, const KeyLine& line) {
-    appendEscaped(out, line.key, line.escapes ? kEscapedInRow : "");
+    appendEscaped(out, line.key, line.escapes ? kTorn : "");
     out += line.end;
 }
 

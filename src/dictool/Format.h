@@ -14,7 +14,7 @@ namespace dictool {
 // What positions count.
 enum class Unit { kByte, kCharacter };
 
-// A stretch of a line, measured in bytes: a match, or, without data, the text between two.
+// A stretch of a line, measured in bytes: a match, or, without data, what lies between two.
 using Piece = DictionaryMatch;
 
 // The pieces of one line, by their start.
@@ -76,12 +76,12 @@ inline std::string_view withoutClosingTab(std::string_view data) {
     return data;
 }
 
-// The characters that are escaped in a row of fields, and in data, whose tabs separate fields.
-constexpr std::string_view kEscapedInRow = "\n\\\t";
-constexpr std::string_view kEscapedInData = "\n\\";
+// What tears a row of fields up, and what tears their text up where tabs stand between fields.
+constexpr std::string_view kTorn = "\n\\\t";
+constexpr std::string_view kTornFields = "\n\\";
 
-// Appends `text` with a backslash and a letter for each of the characters in `special`, which is
-// one of the above.
+// Appends `text`, in which a backslash and a letter stand for each of the characters in `special`,
+// which is one of the above.
 void appendEscaped(std::string& out, std::string_view text, std::string_view special);
 
 // Appends a JSON string; bytes that are no UTF-8 become U+FFFD each.

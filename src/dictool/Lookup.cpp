@@ -12,14 +12,16 @@ struct LookupOptions : FilterOptions {
 };
 
 constexpr char kDetails[] =
-    "Without KEY, each input line is a key. Writes one line per key that is in the\n"
-    "image: the key, a tab, its data fields separated by tabs; with -f tsv the number of\n"
-    "the key first; with -f json one line per key,\n"
-    "{\"line\":N,\"key\":..,\"found\":true,\"data\":[..]}. --missing writes the keys that are\n"
-    "not in the image instead, in text form as they came.\n"
-    "\nA newline is written \\n, a tab in a key \\t and a backslash \\\\, but with -z everything\n"
-    "is written as it is.\n"
-    "\nExit status: 0 when a key was found, or with --missing when one was not; 1 otherwise.";
+    "Without a KEY, takes every line of standard input for one. Writes a line for every key that\n"
+    "is in the image: the key, a tab, its data fields separated by tabs; with -f tsv the number\n"
+    "of the key in front; with -f json a line for every key, {\"line\":N,\"key\":..,\n"
+    "\"found\":true,\"data\":[..]}. --missing writes the keys that are not in the image instead,\n"
+    "in text form just as they came.\n"
+    "\nA newline is written \\n, a tab in a key \\t and a backslash \\\\, but with -z everything "
+    "is\n"
+    "written as it is.\n"
+    "\nExit status: 0 when a line was to be written for a key, other than one of \"found\":false;\n"
+    "1 when none was.";
 
 FormatAnswer formatOf(const LookupOptions& options) {
     if (options.format == "tsv") return answerTable;

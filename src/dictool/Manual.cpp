@@ -1,5 +1,4 @@
-// manual, a hidden command: manual pages, from the same texts as the help. help2man would read the
-// printed help, which has lost what is an option and what a sentence.
+// manual, which users are not told of: manual pages, made of what the help is made of.
 
 #include "Dictionary.h"
 #include "Listing.h"

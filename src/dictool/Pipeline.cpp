@@ -91,7 +91,7 @@ bool runLines(Lines& lines, Output& output, unsigned threads, const MakeLineWork
     try {
         for (std::thread& thread : others) thread = std::thread(run);
     } catch (const std::system_error&) {
-        // There are no more threads; those that run do the work.
+        // The system gives no more threads: those there are do the work.
     }
     run();
     for (std::thread& thread : others) {

@@ -18,8 +18,8 @@ class LineWork {
 public:
     virtual ~LineWork() = default;
 
-    // Appends the output for the line to `out`. Returns whether anything was found. The line lasts
-    // until the end of its block.
+    // Appends to `out` what the line gives. Returns whether anything was found.
+    // The line lasts until the end of its block.
     virtual bool take(std::string_view line, std::uint64_t number, std::string& out) = 0;
 
     // After the last line of a block: the same for the lines that were put off.
@@ -28,9 +28,9 @@ public:
 
 using MakeLineWork = std::function<std::unique_ptr<LineWork>()>;
 
-// Lets `threads` threads, each with its own LineWork, take blocks of lines, and writes their output
-// in the order of the lines. Each thread keeps one block and its output in memory. Returns whether
-// anything was found. Throws what a thread throws.
+// Has `threads` threads, each with a work of its own, take blocks of lines, and writes what they
+// give in the order of the lines. Memory is bounded by a block and its output a thread. Returns
+// whether anything was found. Throws what a thread throws.
 bool runLines(Lines& lines, Output& output, unsigned threads, const MakeLineWork& makeWork);
 
 }  // namespace dictool

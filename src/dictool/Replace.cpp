@@ -13,10 +13,11 @@ struct ReplaceOptions : TextOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes every line read with its keys replaced by the first data field of their first\n"
-    "record, or by the field of --field. The keys are those of segment: the longest ones from\n"
-    "the start on, or with --count-field or --cost-field the cheapest. Everything else is\n"
-    "copied byte for byte. A key whose field is empty or missing stays.\n"
+    "Writes every line read, with each key of it replaced by the first data field of the key's\n"
+    "first record, or by that of --field. The keys are those of segment: the longest ones from "
+    "the\n"
+    "start on, or with --count-field or --cost-field the cheapest. Everything else is copied byte\n"
+    "for byte. A key whose field is empty or missing stays.\n"
     "\nExit status: 0 when a line was changed, 1 when none was.";
 
 class ReplaceWork : public LineWork {

@@ -37,7 +37,7 @@ struct Failure {
     std::string text;  // what is wrong and what to do about it
 };
 
-// Thrown when the reader of the output has closed it: ends the program silently.
+// Thrown when nobody reads the output any more: ends the program without a word.
 struct ClosedPipe {};
 
 // Writes "dictool: FILE:LINE:COL: error CODE: text", in colours on a terminal. A message is one
@@ -49,7 +49,7 @@ void report(const Failure& failure);
 // What a command ends with after an error of the library.
 Status statusOf(int code);
 
-// An error of the library on `file`.
+// What the library says of `file`.
 Failure failureOf(const DictionaryError& error, const std::string& file);
 
 // "dictool: text" and a newline.

@@ -13,16 +13,15 @@ struct SearchOptions : MatchOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes one line per line read: the longest key at every position where one starts, each\n"
-    "followed by a tab, or with -d: key, \"/\", position, \":\", data, tab. Bytes that are not\n"
-    "UTF-8 are skipped. --classic writes what the library's function search returns, which\n"
-    "reads a line up to the first such byte or NUL and misses keys before a character above\n"
-    "U+FFFF.\n"
+    "Writes a line for every line read: the longest key at every position where one starts, each\n"
+    "followed by a tab, or with -d: key, \"/\", position, \":\", data, tab. Bytes that are no "
+    "UTF-8\n"
+    "are passed over. --classic writes what the library's function search returns, which reads a\n"
+    "line up to the first such byte or NUL and misses keys before a character above U+FFFF.\n"
     "\ntsv: one line per match: the number of its line, start, length, key and the data fields.\n"
-    "json: one object per line,\n"
-    "{\"line\":N,\"matches\":[{\"start\":..,\"length\":..,\"key\":.., \"data\":[..]},..]}; with\n"
-    "-D also \"image\":N, 0 for IMAGE. Lines are numbered through all files; positions\n"
-    "count from 0.\n"
+    "json: one line per line, {\"line\":N,\"matches\":[{\"start\":..,\"length\":..,\"key\":..,\n"
+    "\"data\":[..]},..]}; with -D also \"image\":N, 0 for IMAGE. Lines are numbered through all\n"
+    "files; positions count from 0.\n"
     "\nIn tsv, and in data in text form, a newline is written \\n, a tab in a key \\t and a\n"
     "backslash \\\\. With -z or --classic everything is written as it is.\n"
     "\nExit status: 0 when a key was found, 1 when none was.";

@@ -1,4 +1,4 @@
-// segment: the longest keys of each line, one after the other.
+// segment: the longest keys of each line, one behind the other.
 
 #include "Filter.h"
 
@@ -7,13 +7,14 @@ namespace dictool {
 namespace {
 
 constexpr char kDetails[] =
-    "Writes one line per line read: the longest key at the first position that has one, then\n"
-    "the same after it, and so on, each followed by a tab. The formats are those of search.\n"
-    "With --keep, the text between keys is written likewise, without data (null in json).\n"
-    "\nWith --count-field or --cost-field, the line is cut into keys and unknown characters in\n"
-    "the cheapest way. By counts, a key costs the logarithm of the sum of all counts minus that\n"
-    "of its own count, and an unknown character has the count 1. By costs, a key costs what its\n"
-    "field says.\n"
+    "Writes a line for every line read: the longest key at the first position that has one, then\n"
+    "the same behind it, and so on, each followed by a tab. The formats are those of search. With\n"
+    "--keep, what lies between the keys is written likewise, without data (null in json).\n"
+    "\nWith --count-field or --cost-field, of all ways to cut a line into keys and unknown\n"
+    "characters the one that costs least: a key costs the logarithm of the sum of all counts "
+    "minus\n"
+    "that of its own count, and an unknown character counts 1; or a key costs what its field "
+    "says.\n"
     "\nExit status: 0 when a key was found, 1 when none was.";
 
 int run(const MatchOptions& options) {

@@ -18,10 +18,10 @@ struct VerifyOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes ok for an image over which every lookup of every text stays inside, and for any\n"
-    "other file what is wrong with it, with the cell and the byte. All other commands verify\n"
-    "their images, too.\n"
-    "\nExit status: 0 when all are sound; 4 when one is not; 2 when one cannot be read.";
+    "Says ok for an image over which every lookup with every text stays inside, and for any other\n"
+    "file what is wrong with it, with the cell and the byte. All other commands verify the images\n"
+    "they are given, too. Exit status: 0 when all are sound; 4 when one is not; 2 when one cannot\n"
+    "be read.";
 
 Status verify(const std::string& file, bool quiet) {
     DictionaryError error;
@@ -50,7 +50,7 @@ int run(const VerifyOptions& options) {
 
 void defineVerify(CLI::App& program, Action& action) {
     static VerifyOptions options;
-    CLI::App& command = addCommand(program, action, "verify", "Check whether images are sound",
+    CLI::App& command = addCommand(program, action, "verify", "Tell whether images are sound",
                                    kDetails, options, run);
     addArguments(command, "IMAGE", options.images, "Images").required();
     addFlag(command, "-q,--quiet", options.quiet, "Say nothing about sound images");

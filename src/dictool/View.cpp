@@ -16,14 +16,14 @@ struct ViewOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes one page that needs no other file: a picture of how full the cells are, the lengths\n"
-    "of the keys, the branches of the nodes, and sizes.";
+    "Writes one page that needs nothing else: how full the cells are as a picture, how long the\n"
+    "keys are, how the nodes branch, and sizes.";
 
 constexpr std::size_t kPictureWidth = 256;
 constexpr std::size_t kPictureHeight = 96;
 
-// The share of used cells for each pixel of the picture, as one digit from 0 to 63 of kDigits. With
-// fewer cells than pixels, a cell has a pixel of its own.
+// The share of used cells in each pixel of the picture, a digit each: 0 to 63 in the order of
+// kDigits. An image of fewer cells than pixels has a pixel a cell.
 std::string occupancyOf(const Image& image, std::size_t pixels) {
     constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     constexpr std::size_t kTop = sizeof kDigits - 2;
@@ -40,7 +40,7 @@ std::string occupancyOf(const Image& image, std::size_t pixels) {
     return picture;
 }
 
-// As text inside a script element, which nothing in it ends.
+// Nothing in it ends the script element it stands in.
 std::string scriptText(const nlohmann::ordered_json& value) {
     std::string text = value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
     for (std::size_t at = 0; (at = text.find('<', at)) != std::string::npos;) {

@@ -66,7 +66,7 @@ private:
     std::optional<Items> m_items;
 };
 
-// A build, from the arguments of JavaScript to its answer.
+// A build from what JavaScript says to what it hears.
 class Build {
 public:
     // (source, target, options, onProgress, stop): the target is {path}, {memory: true} or {}.

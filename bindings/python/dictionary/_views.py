@@ -1,11 +1,16 @@
 """Keys, values and items of a dictionary that begin with a prefix, in the order of their keys."""
 
-from collections.abc import ItemsView, Iterator, KeysView, Mapping, ValuesView
-from typing import Any, AnyStr, Generic
+from __future__ import annotations
+
+from collections.abc import ItemsView, Iterator, KeysView, ValuesView
+from typing import TYPE_CHECKING, Any, AnyStr, Generic
+
+if TYPE_CHECKING:
+    from ._searchable import Searchable
 
 
 class _View(Generic[AnyStr]):
-    def __init__(self, dictionary: Mapping[str, str], prefix: AnyStr) -> None:
+    def __init__(self, dictionary: Searchable, prefix: AnyStr) -> None:
         self._mapping: Any = dictionary
         self._prefix: AnyStr = prefix
 

@@ -73,9 +73,8 @@ bool gather(CRecordReader& source, SourceTable& table) {
 
 void addAll(const SourceTable& table, ICoderInterface& coder, TrieBuilder& builder) {
     MessageBlock messages(stderr);
-    addKeysOf(
-        table, [&](std::uint32_t record) { return table.trieKey(record); }, coder, builder,
-        [&](const std::string& key) { messages << "wrong add a key : " << key << "\n"; });
+    addKeysOf(table, coder, builder,
+              [&](const std::string& key) { messages << "wrong add a key : " << key << "\n"; });
 }
 
 }  // namespace

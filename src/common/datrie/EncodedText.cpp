@@ -34,9 +34,9 @@ void EncodedText::encodeBy(ICoderInterface& coder, const char* text, int length,
     std::vector<SPOS> positions;
     coder.encodeString(text, codes, positions, length);
     m_size = codes.size();
-    m_codes = roomFor(3 * m_size + kEnds);
-    std::fill_n(m_codes + m_size, kEnds, kEnd);
-    m_starts = m_codes + m_size + kEnds;
+    m_codes = roomFor(3 * m_size + kPadding);
+    std::fill_n(m_codes + m_size, kPadding, kEnd);
+    m_starts = m_codes + m_size + kPadding;
     m_ends = m_starts + m_size;
     for (std::size_t i = 0; i < m_size; ++i) {
         const std::size_t source = reverse ? m_size - 1 - i : i;

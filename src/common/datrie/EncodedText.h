@@ -64,9 +64,11 @@ public:
 
     std::size_t size() const { return m_size; }
 
-    // The codes and, behind the last one, kEnd twice. It is below every alphabet and leads nowhere;
-    // only in a damaged image it may lead to the header, and then the second leads nowhere.
+    // The codes and, after the last one, kPadding times kEnd. It is below every alphabet and leads
+    // nowhere; only in a damaged image it may lead to the header, and then the second leads
+    // nowhere. The others are there for walks that read many codes at a time.
     const std::int32_t* codes() const { return m_codes; }
+    static constexpr std::size_t kPadding = 72;
     static constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::min();
     static constexpr std::int32_t kOutsider = kEnd;
 
@@ -76,6 +78,8 @@ public:
         return m_size > 0 && m_starts[0] == 0 &&
                static_cast<std::size_t>(m_ends[m_size - 1]) == std::strlen(text);
     }
+
+    bool hasPairs() const { return m_hasPairs; }
 
     // Whether `place` is between the surrogates of a character, where no key begins.
     bool isInsidePair(std::size_t place) const {
@@ -105,7 +109,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t kEnds = 2;
     static constexpr std::size_t kInlineCharacters = 128;
 
     template <class Decode>
@@ -121,7 +124,7 @@ private:
     std::int32_t* m_starts = nullptr;
     std::int32_t* m_ends = nullptr;  // exclusive
     std::unique_ptr<std::int32_t[]> m_heap;
-    std::int32_t m_inline[3 * kInlineCharacters];
+    std::int32_t m_inline[3 * kInlineCharacters + kPadding];
 };
 
 // Encodes all of the text, each legal character by what `map` makes of its code.
@@ -141,9 +144,9 @@ void EncodedText::encodeLabels(const char* text, std::size_t size, Map map) {
 
 template <class Decode>
 void EncodedText::encodeUtf8(std::size_t bytes, Decode decode) {
-    m_codes = roomFor(2 * bytes + kEnds + 1);
+    m_codes = roomFor(2 * bytes + kPadding + 1);
     // Each character begins where the one before it ends.
-    m_starts = m_codes + bytes + kEnds;
+    m_starts = m_codes + bytes + kPadding;
     m_ends = m_starts + 1;
     m_starts[0] = 0;
     std::int32_t* code = m_codes;
@@ -153,7 +156,7 @@ void EncodedText::encodeUtf8(std::size_t bytes, Decode decode) {
         *end++ = static_cast<std::int32_t>(start + size);
     });
     m_size = static_cast<std::size_t>(code - m_codes);
-    std::fill_n(code, kEnds, kEnd);
+    std::fill_n(code, kPadding, kEnd);
 }
 
 }  // namespace Dictionary

@@ -1,4 +1,4 @@
-// Helper, not installed: adds the keys of a source to a trie.
+// Helper, not installed: the way of a source's keys into a trie.
 
 #ifndef DICTIONARY_SOURCE_KEYS_H
 #define DICTIONARY_SOURCE_KEYS_H
@@ -12,15 +12,15 @@
 
 namespace Dictionary {
 
-// Adds the keys of an arranged table to a builder, as `keyOf(record)` returns them. Calls
-// `refused(key)` for every key that the coder refuses.
-template <class KeyOf, class Refused>
-void addKeysOf(const SourceTable& table, KeyOf keyOf, ICoderInterface& coder, TrieBuilder& builder,
+// Adds the keys of an arranged table to a builder. Calls `refused(key)` for every one that the
+// coder refuses.
+template <class Refused>
+void addKeysOf(const SourceTable& table, ICoderInterface& coder, TrieBuilder& builder,
                Refused refused) {
     builder.reserve(table.keyCount(), table.keyBytes());
     std::string key;
     table.forEachKey([&](std::uint32_t record) {
-        key = keyOf(record);
+        key = table.trieKey(record);
         if (!builder.addKey(coder, key.c_str(), false, table.data(record))) refused(key);
     });
 }

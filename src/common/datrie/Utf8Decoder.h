@@ -105,6 +105,24 @@ inline Utf8Character decodeMultiByteOfFour(const std::uint8_t* text) {
     return decodeMultiByte(text, sizeof bytes);
 }
 
+// Calls `emit(code, start, 1)` for the characters from `start` on, as long as they are ASCII and
+// whole blocks of bytes, which takes registers of them at a time. Returns where that ends.
+template <class Emit>
+std::size_t decodeAsciiBlocks(const std::uint8_t* bytes, std::size_t start, std::size_t size,
+                              Emit& emit) {
+    constexpr std::size_t kBlock = 16;
+    constexpr std::uint64_t kHighBits = 0x8080808080808080u;
+    for (; size - start >= kBlock; start += kBlock) {
+        std::uint64_t halves[2];
+        std::memcpy(halves, bytes + start, kBlock);
+        if (((halves[0] | halves[1]) & kHighBits) != 0) break;
+        std::uint8_t block[kBlock];
+        std::memcpy(block, halves, kBlock);
+        for (std::size_t i = 0; i < kBlock; ++i) emit(std::int32_t{block[i]}, start + i, 1u);
+    }
+    return start;
+}
+
 // Calls `emit(code, start, length)` for every character of the `size` bytes at `text`, up to the
 // first sequence that is illegal or cut off. Returns where that is, or `size`.
 template <class Emit>
@@ -113,8 +131,13 @@ std::size_t decodeUtf8(const char* text, std::size_t size, Emit emit) {
     constexpr std::size_t kLongest = 4;
     for (std::size_t start = 0; start < size;) {
         if (bytes[start] < 0x80) {
-            emit(std::int32_t{bytes[start]}, start, 1u);
-            ++start;
+            const std::size_t blocksEnd = decodeAsciiBlocks(bytes, start, size, emit);
+            if (blocksEnd == start) {
+                emit(std::int32_t{bytes[start]}, start, 1u);
+                ++start;
+            } else {
+                start = blocksEnd;
+            }
             continue;
         }
         const std::size_t left = size - start;

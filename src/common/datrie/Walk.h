@@ -18,19 +18,30 @@ namespace Dictionary {
 
 constexpr std::int64_t kNoAlphabet = std::numeric_limits<std::int64_t>::max();
 
-// Follows the text at `place` from `cell` as far as the trie goes, and calls `found(end, cell)` for
-// every cell on the way that ends a key, the first one included; the key's characters end at `end`.
-// Kept: a code at or beyond `alphabet` ends the walk before the key in front of it is reported.
-template <class Text, class Found>
-void walkOn(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
-            std::int64_t alphabet, Found found) {
+// Follows the text at `place` from `cell` as far as the trie goes, and calls
+// `visit(isKey, end, cell)` for every cell on the way, the first one included: whether a key ends
+// there, and where its characters end.
+// Kept: a code at or beyond `alphabet` ends the walk before the key in front of it is looked at.
+template <class Text, class Visit>
+void walkThrough(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
+                 std::int64_t alphabet, Visit visit) {
     for (;;) {
         const std::size_t end = place;
         const std::int32_t code = text.next(place);
         if (code >= alphabet) return;
-        if (endsKey(cells.baseOf(cell))) found(end, cell);
+        visit(endsKey(cells.baseOf(cell)), end, cell);
         if (!cells.descend(cell, code)) return;
     }
+}
+
+// Calls `found(end, cell)` for the cells that end keys alone.
+template <class Text, class Found>
+void walkOn(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
+            std::int64_t alphabet, Found found) {
+    walkThrough(cells, cell, text, place, alphabet,
+                [&](bool isKey, std::size_t end, std::uint32_t reached) {
+                    if (isKey) found(end, reached);
+                });
 }
 
 // Calls `found(end, feature)` for every key that begins at `place`, shortest first.
@@ -45,46 +56,34 @@ void walkFrom(const CellView& cells, const Text& text, std::size_t place, std::i
 
 struct LongestKey {
     bool found;
-    std::size_t end;  // behind the first character when none was found
-    std::int32_t feature;
+    std::size_t end;  // after the first character when none was found
+    std::uint32_t cell;
 };
 
-// The longest key that begins at `place`, where the text must not end.
-template <class Text>
-LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t place,
-                       std::int64_t alphabet) {
-    constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
-    const std::int32_t first = text.next(place);
-    LongestKey longest = {false, place, kNoFeature};
-    if (!cells.holds(first)) return longest;
-    std::uint32_t last = kNone;
-    std::int32_t code;
-    auto cell = static_cast<std::uint32_t>(first);
-    do {
-        const std::size_t end = place;
-        code = text.next(place);
-        const bool isKey = code < alphabet && endsKey(cells.baseOf(cell));
-        last = isKey ? cell : last;
-        longest.end = isKey ? end : longest.end;
-    } while (code < alphabet && cells.descend(cell, code));
-    if (last == kNone) return longest;
-    return {true, longest.end, cells.featureOf(last)};
+// Follows the text as walkThrough does and puts the longest key, of those for which `counts(end)`
+// holds, in the place of `longest`.
+template <class Text, class Counts>
+void goOnToLongest(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
+                   std::int64_t alphabet, Counts counts, LongestKey& longest) {
+    walkThrough(cells, cell, text, place, alphabet,
+                [&](bool isKey, std::size_t end, std::uint32_t reached) {
+                    const bool isLonger = isKey && counts(end);
+                    longest.found |= isLonger;
+                    longest.end = isLonger ? end : longest.end;
+                    longest.cell = isLonger ? reached : longest.cell;
+                });
 }
 
-// Calls `found(from, end, feature)` for the longest key at the first character that begins one,
-// then at the first after that key, and so on.
-// Kept: the codes are not tested against the alphabet.
-template <class Text, class Found>
-void segment(const CellView& cells, const Text& text, Found found) {
-    for (std::size_t from = 0; from < text.size();) {
-        if (text.isInsidePair(from)) {
-            ++from;
-            continue;
-        }
-        const LongestKey longest = longestFrom(cells, text, from, kNoAlphabet);
-        if (longest.found) found(from, longest.end, longest.feature);
-        from = longest.end;
-    }
+// The longest key that begins at `place`, where the text must not end, of those for which
+// `counts(end)` holds.
+template <class Text, class Counts>
+LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t place,
+                       std::int64_t alphabet, Counts counts) {
+    const std::int32_t first = text.next(place);
+    LongestKey longest = {false, place, 0};
+    if (!cells.holds(first)) return longest;
+    goOnToLongest(cells, static_cast<std::uint32_t>(first), text, place, alphabet, counts, longest);
+    return longest;
 }
 
 // Calls `found(from, end, feature)` for every key that begins at the first character of the

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "DATWriter.h"
+#include "Kernel.h"
 #include "LetterCoder.h"
 #include "TextSearch.h"
 #include "Walk.h"
-#include "WalkStep.h"
 
 namespace {
 
@@ -63,8 +63,7 @@ std::unique_ptr<char[]> imageOf(LetterCoder& coder, const std::vector<std::strin
     return std::unique_ptr<char[]>(writer.write());
 }
 
-TEST(WalkBlock, FindsWhatWalksOneByOneFind) {
-    constexpr const Dictionary::WalkSteps* oneByOneSteps = nullptr;
+TEST(WalkGroup, FindsWhatWalksOneByOneFind) {
     std::mt19937 random(11);
     LetterCoder coder;
     const auto text = [&](std::size_t size, unsigned letters) {
@@ -76,32 +75,32 @@ TEST(WalkBlock, FindsWhatWalksOneByOneFind) {
         const unsigned letters = 1 + random() % 4;
         std::vector<std::string> keys;
         for (int i = 0; i < 40; ++i) keys.push_back(text(1 + random() % 6, letters));
-        // In a text of one letter these are more keys than a block has room for.
+        // In a text of one letter these go on after the steps of a group.
         for (std::size_t size = 1; round % 10 == 0 && size < 90; ++size)
             keys.push_back(text(size, 1));
         const std::unique_ptr<char[]> image = imageOf(coder, keys);
         const Dictionary::ImageView view(image.get());
-        // From texts shorter than a register to several blocks; some letters are in no key.
-        for (const std::size_t size : {0u, 1u, 9u, 17u, 255u, 256u, 257u, 700u}) {
+        // From texts shorter than a register to several groups; some letters are in no key.
+        for (const std::size_t size : {0u, 1u, 9u, 17u, 63u, 64u, 65u, 300u}) {
             const std::string content = text(size, round % 10 == 0 ? 1 : letters + 1);
             const EncodedText codes(coder, content.c_str(), -1, round % 2 == 1);
-            Closed open(codes.size() + 1), closed(codes.size() + 1);
+            const std::size_t places = codes.size() + 1 + TextSearch::kClosedPadding;
+            Closed open(places), closed(places);
             for (std::uint8_t& place : closed) place = random() % 3 == 0;
             // The smaller alphabet leaves out letters that keys have.
             for (const std::int32_t alphabet : {64, 3}) {
                 for (const bool longest : {false, true}) {
                     const Found all = oneByOne(view.cells(), codes, alphabet, longest, open);
                     const Found some = oneByOne(view.cells(), codes, alphabet, longest, closed);
-                    for (const auto* steps : {Dictionary::walkSteps(), oneByOneSteps}) {
-                        const TextSearch search(view.cells(), codes, steps);
+                    for (int i = 0; i < Dictionary::kKernelCount; ++i) {
+                        const auto kernel = static_cast<Dictionary::Kernel>(i);
+                        if (!Dictionary::runsHere(kernel)) continue;
+                        const Dictionary::ForcedKernel forced(kernel);
+                        const TextSearch search(view.cells(), codes);
                         EXPECT_EQ(together(search, alphabet, longest, nullptr), all)
-                            << "round " << round << ", " << size << " letters";
+                            << kernelName(kernel) << ", round " << round << ", " << size;
                         EXPECT_EQ(together(search, alphabet, longest, &closed), some)
-                            << "round " << round << ", " << size << " letters";
-                        if (steps == nullptr || round % 10 == 0 || size != 17u) continue;
-                        // Few and short keys have room: no walk needs to be taken alone.
-                        Dictionary::WalkBlock block(view.cells(), alphabet, *steps);
-                        EXPECT_TRUE(block.walk(codes.codes(), 17));
+                            << kernelName(kernel) << ", round " << round << ", " << size;
                     }
                 }
             }

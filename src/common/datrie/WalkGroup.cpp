@@ -1,0 +1,292 @@
+#include "WalkGroup.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+#include "Kernel.h"
+
+#ifdef __x86_64__
+#include <immintrin.h>
+#endif
+
+namespace Dictionary {
+
+namespace {
+
+// Walks one by one, by a loop so short that the processor has all that it needs in registers. It
+// guesses where walks end, and is several of them ahead while it waits for a cell. But it does not
+// guess well which cells end keys: each is written down as a key, and overwritten when it is none.
+void walkOneByOne(const CellView& cells, const GroupStart& start, WalkGroup& group) {
+    const CellView image = cells;
+    WalkGroup::Key* key = group.keys;
+    for (std::uint32_t from = 0; from < WalkGroup::kWalks; ++from) {
+        const std::int32_t* code = start.codes + from;
+        if (*code >= start.alphabet || !image.holds(*code) || !start.isOpen(from)) continue;
+        auto cell = static_cast<std::uint32_t>(*code);
+        std::uint32_t place = from * WalkGroup::kPlaces;
+        for (std::uint32_t end = from + 1;; ++end, ++place) {
+            *key = {place, cell};
+            if (key->isLeft()) {
+                ++key;
+                break;
+            }
+            if (*++code >= start.alphabet) break;
+            key += endsKey(image.baseOf(cell)) && start.isOpen(end) ? 1 : 0;
+            if (!image.descend(cell, *code)) break;
+        }
+    }
+    group.count = static_cast<std::uint32_t>(key - group.keys);
+    group.stepsOfLeft = WalkGroup::kMaxSteps;
+}
+
+#ifdef __x86_64__
+
+constexpr int kWordBytes = sizeof(std::int32_t);
+static_assert(kCellBytes == 3 * kWordBytes, "cells are multiplied by three to get their words");
+
+// When no more walks are left, one after the other is quicker.
+constexpr int kFewWalks = 2;
+
+// Codes below it, as numbers without a sign, begin a walk.
+std::uint32_t firstLimit(const CellView& cells, std::int32_t alphabet) {
+    return std::min(cells.firstLimit(), static_cast<std::uint32_t>(std::max(alphabet, 0)));
+}
+
+const char* basesOf(const CellView& cells) {
+    return cells.bytes() + offsetof(Cell, base);
+}
+const char* checksOf(const CellView& cells) {
+    return cells.bytes() + offsetof(Cell, check);
+}
+
+// What is known of a group until its keys are listed.
+struct Steps {
+    // The cells of the walks after each step, and last of those that are not over.
+    alignas(64) std::uint32_t cells[WalkGroup::kMaxSteps + 1][WalkGroup::kWalks];
+    // One byte per walk: bit n says that it passed the end of a key after n steps, the highest bit
+    // that it is not over.
+    alignas(64) std::uint8_t keys[WalkGroup::kWalks];
+    std::uint32_t count;
+};
+constexpr unsigned kIsLeft = 1u << WalkGroup::kMaxSteps;
+
+// The bits of eight walks at a time are their keys in order, the lowest bit first.
+void listKeys(const Steps& steps, WalkGroup& group) {
+    constexpr std::uint32_t kWordWalks = sizeof(std::uint64_t);
+    WalkGroup::Key* key = group.keys;
+    for (std::uint32_t first = 0; first < WalkGroup::kWalks; first += kWordWalks) {
+        std::uint64_t bits;
+        std::memcpy(&bits, steps.keys + first, sizeof bits);
+        for (; bits != 0; bits &= bits - 1) {
+            const auto bit = static_cast<std::uint32_t>(__builtin_ctzll(bits));
+            key->place = first * WalkGroup::kPlaces + bit;
+            key->cell = steps.cells[key->steps()][key->from()];
+            ++key;
+        }
+    }
+    group.count = static_cast<std::uint32_t>(key - group.keys);
+    group.stepsOfLeft = steps.count;
+}
+static_assert(WalkGroup::kPlaces == 8, "a byte of bits per walk");
+
+// Eight walks in registers.
+struct Walks8 {
+    static constexpr std::uint32_t kLanes = 8;
+
+    // All bits of a lane mean yes.
+    __m256i areOn;
+    __m256i cells;
+    __m256i keys;
+
+    [[gnu::target("avx2")]] void begin(const CellView& image, const GroupStart& start,
+                                       std::uint32_t lane) {
+        const std::uint32_t limit = firstLimit(image, start.alphabet);
+        cells = load(start.codes + lane);
+        areOn = _mm256_and_si256(areBelow(cells, limit), areOpen(start, lane));
+        keys = _mm256_setzero_si256();
+    }
+
+    [[gnu::target("avx2")]] void step(const CellView& image, const GroupStart& start,
+                                      std::uint32_t lane, std::uint32_t steps) {
+        const std::uint32_t place = lane + steps + 1;
+        const __m256i base = gather(basesOf(image), cells, areOn);
+        const __m256i code = load(start.codes + place);
+        const __m256i inAlphabet = _mm256_cmpgt_epi32(_mm256_set1_epi32(start.alphabet), code);
+        const __m256i goOn = _mm256_and_si256(areOn, inAlphabet);
+        const __m256i isEnd = _mm256_and_si256(goOn, areOpen(start, place));
+        const __m256i isKey = _mm256_and_si256(isEnd, _mm256_srai_epi32(base, 31));
+        keys = _mm256_or_si256(keys, _mm256_and_si256(isKey, all(1u << steps)));
+
+        const __m256i child = _mm256_add_epi32(_mm256_abs_epi32(base), code);
+        const __m256i areInside = _mm256_and_si256(goOn, areBelow(child, image.childLimit()));
+        const __m256i check = gather(checksOf(image), child, areInside);
+        areOn = _mm256_and_si256(areInside, _mm256_cmpeq_epi32(check, cells));
+        cells = child;
+    }
+
+    [[gnu::target("avx2,popcnt")]] int left() const {
+        const int lanes = _mm256_movemask_ps(_mm256_castsi256_ps(areOn));
+        return __builtin_popcount(static_cast<unsigned>(lanes));
+    }
+
+    [[gnu::target("avx2")]] void storeCells(std::uint32_t* to) const {
+        _mm256_store_si256(reinterpret_cast<__m256i*>(to), cells);
+    }
+
+    [[gnu::target("avx2")]] void storeKeys(std::uint8_t* to) const {
+        const __m256i isLeft = _mm256_and_si256(areOn, all(kIsLeft));
+        const __m256i words = _mm256_or_si256(keys, isLeft);
+        const __m128i halves =
+            _mm_packus_epi32(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(halves, halves));
+    }
+
+private:
+    [[gnu::target("avx2")]] static __m256i load(const std::int32_t* words) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(words));
+    }
+
+    [[gnu::target("avx2")]] static __m256i all(std::uint32_t value) {
+        return _mm256_set1_epi32(static_cast<int>(value));
+    }
+
+    [[gnu::target("avx2")]] static __m256i areBelow(__m256i values, std::uint32_t limit) {
+        const __m256i sign = all(0x80000000u);
+        return _mm256_cmpgt_epi32(all(limit ^ 0x80000000u), _mm256_xor_si256(values, sign));
+    }
+
+    [[gnu::target("avx2")]] static __m256i areOpen(const GroupStart& start, std::uint32_t place) {
+        if (start.closed == nullptr) return _mm256_set1_epi32(-1);
+        const auto* const from = reinterpret_cast<const __m128i*>(start.closed + place);
+        const __m256i closed = _mm256_cvtepu8_epi32(_mm_loadl_epi64(from));
+        return _mm256_cmpeq_epi32(closed, _mm256_setzero_si256());
+    }
+
+    [[gnu::target("avx2")]] static __m256i gather(const char* words, __m256i of, __m256i which) {
+        const __m256i number = _mm256_add_epi32(of, _mm256_add_epi32(of, of));
+        return _mm256_mask_i32gather_epi32(
+            _mm256_setzero_si256(), reinterpret_cast<const int*>(words), number, which, kWordBytes);
+    }
+};
+
+// Sixteen walks in registers.
+struct Walks16 {
+    static constexpr std::uint32_t kLanes = 16;
+
+    __mmask16 areOn;
+    __m512i cells;
+    __m512i keys;
+
+    [[gnu::target("avx512f")]] void begin(const CellView& image, const GroupStart& start,
+                                          std::uint32_t lane) {
+        const std::uint32_t limit = firstLimit(image, start.alphabet);
+        cells = _mm512_loadu_si512(start.codes + lane);
+        areOn = _mm512_mask_cmplt_epu32_mask(areOpen(start, lane), cells, all(limit));
+        keys = _mm512_setzero_si512();
+    }
+
+    [[gnu::target("avx512f")]] void step(const CellView& image, const GroupStart& start,
+                                         std::uint32_t lane, std::uint32_t steps) {
+        const std::uint32_t place = lane + steps + 1;
+        const __m512i base = gather(basesOf(image), cells, areOn);
+        const __m512i code = _mm512_loadu_si512(start.codes + place);
+        const __m512i alphabet = _mm512_set1_epi32(start.alphabet);
+        const __mmask16 goOn = _mm512_mask_cmplt_epi32_mask(areOn, code, alphabet);
+        const __mmask16 isEnd = goOn & areOpen(start, place);
+        const __mmask16 isKey = _mm512_mask_cmplt_epi32_mask(isEnd, base, _mm512_setzero_si512());
+        keys = _mm512_mask_or_epi32(keys, isKey, keys, all(1u << steps));
+
+        const __m512i child = _mm512_add_epi32(_mm512_maskz_abs_epi32(areOn, base), code);
+        const __mmask16 areInside =
+            _mm512_mask_cmplt_epu32_mask(goOn, child, all(image.childLimit()));
+        const __m512i check = gather(checksOf(image), child, areInside);
+        areOn = _mm512_mask_cmpeq_epi32_mask(areInside, check, cells);
+        cells = child;
+    }
+
+    [[gnu::target("popcnt")]] int left() const { return __builtin_popcount(areOn); }
+
+    [[gnu::target("avx512f")]] void storeCells(std::uint32_t* to) const {
+        _mm512_store_si512(to, cells);
+    }
+
+    [[gnu::target("avx512f")]] void storeKeys(std::uint8_t* to) const {
+        const __m512i words = _mm512_mask_or_epi32(keys, areOn, keys, all(kIsLeft));
+        _mm_store_si128(reinterpret_cast<__m128i*>(to), _mm512_maskz_cvtepi32_epi8(0xFFFF, words));
+    }
+
+private:
+    [[gnu::target("avx512f")]] static __m512i all(std::uint32_t value) {
+        return _mm512_set1_epi32(static_cast<int>(value));
+    }
+
+    [[gnu::target("avx512f")]] static __mmask16 areOpen(const GroupStart& start,
+                                                        std::uint32_t place) {
+        if (start.closed == nullptr) return 0xFFFF;
+        const auto* const from = reinterpret_cast<const __m128i*>(start.closed + place);
+        const __m512i closed = _mm512_maskz_cvtepu8_epi32(0xFFFF, _mm_loadu_si128(from));
+        return _mm512_cmpeq_epi32_mask(closed, _mm512_setzero_si512());
+    }
+
+    [[gnu::target("avx512f")]] static __m512i gather(const char* words, __m512i of,
+                                                     __mmask16 which) {
+        const __m512i number = _mm512_add_epi32(of, _mm512_add_epi32(of, of));
+        return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), which, number, words,
+                                           kWordBytes);
+    }
+};
+
+// Inlined into a caller for each width, which sets the instructions that may be used.
+// The image and the start are copies, which no write to the group may have changed.
+template <class Walks>
+[[gnu::always_inline]] inline void walk(const CellView image, const GroupStart start,
+                                        WalkGroup& group) {
+    constexpr std::uint32_t kRegisters = WalkGroup::kWalks / Walks::kLanes;
+    Walks walks[kRegisters];
+    for (std::uint32_t i = 0; i < kRegisters; ++i) walks[i].begin(image, start, i * Walks::kLanes);
+    Steps steps;
+    steps.count = 0;
+    for (int left = kFewWalks + 1; left > kFewWalks && steps.count < WalkGroup::kMaxSteps;
+         ++steps.count) {
+        left = 0;
+#pragma GCC unroll 8
+        for (std::uint32_t i = 0; i < kRegisters; ++i) {
+            walks[i].storeCells(steps.cells[steps.count] + i * Walks::kLanes);
+            walks[i].step(image, start, i * Walks::kLanes, steps.count);
+            left += walks[i].left();
+        }
+    }
+    for (std::uint32_t i = 0; i < kRegisters; ++i) {
+        walks[i].storeCells(steps.cells[WalkGroup::kMaxSteps] + i * Walks::kLanes);
+        walks[i].storeKeys(steps.keys + i * Walks::kLanes);
+    }
+    listKeys(steps, group);
+}
+
+[[gnu::target("avx2,popcnt")]] void walkAvx2(const CellView& image, const GroupStart& start,
+                                             WalkGroup& group) {
+    if (start.closed == nullptr)
+        return walk<Walks8>(image, {start.codes, nullptr, start.alphabet}, group);
+    walk<Walks8>(image, start, group);
+}
+
+[[gnu::target("avx512f,popcnt")]] void walkAvx512(const CellView& image, const GroupStart& start,
+                                                  WalkGroup& group) {
+    if (start.closed == nullptr)
+        return walk<Walks16>(image, {start.codes, nullptr, start.alphabet}, group);
+    walk<Walks16>(image, start, group);
+}
+
+constexpr WalkTogether kWalks[kKernelCount] = {walkOneByOne, walkAvx2, walkAvx512};
+#else
+constexpr WalkTogether kWalks[kKernelCount] = {walkOneByOne};
+#endif
+
+}  // namespace
+
+WalkTogether walkTogether() {
+    return forThisMachine(kWalks);
+}
+
+}  // namespace Dictionary
