@@ -32,7 +32,7 @@ struct Subject {
     std::string text;
 };
 
-// The lookups. Each gives its result for one input to a receiver.
+// The lookups. Each hands its result for one input to a receiver.
 
 struct Exact {
     template <class AnySubject, class Receiver>

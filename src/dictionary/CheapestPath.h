@@ -111,9 +111,9 @@ bool CheapestPath::findKey(std::size_t start, std::size_t end, Found found) cons
         const WeightedImage& weighted = m_images.images[i];
         if (isInsideWord(weighted, start) || isInsideWord(weighted, end)) continue;
         if (weighted.isFolded) {
-            lookUp(weighted.image.cells(), FoldedText(key), kNoAlphabet, foundHere);
+            findWholeKey(weighted.image.cells(), FoldedText(key), kNoAlphabet, foundHere);
         } else {
-            lookUp(weighted.image.cells(), LabelText(key), kNoAlphabet, foundHere);
+            findWholeKey(weighted.image.cells(), LabelText(key), kNoAlphabet, foundHere);
         }
     }
     return going;

@@ -29,13 +29,13 @@ public:
         return place < m_size && isContinuation(m_bytes[place]) && wideEndingAt(place).length != 0;
     }
 
-    // The label at `place`, which moves behind it; at the end, EncodedText::kEnd.
+    // The label at `place`, which moves after it; at the end, EncodedText::kEnd.
     std::int32_t next(std::size_t& place) const {
         if (place == m_size) return EncodedText::kEnd;
         if (m_bytes[place] < kMultiByteLead) return nextOfOneByte(place);
         const Utf8Character character = decodeMultiByte(m_bytes + place, m_size - place);
         place += character.length == 0 ? 1 : character.length;
-        if (character.length == 0) return EncodedText::kOutsider;
+        if (character.length == 0) return EncodedText::kNoCharacter;
         const std::int32_t code = Map()(character.code);
         if (code < kBmpEnd) return code;
         --place;
@@ -60,7 +60,7 @@ public:
             m_bytes[place] < kMultiByteLead ? kNone : decodeMultiByte(m_bytes + place, end - place);
         if (character.length == end - place) return Map()(character.code);
         place = end - 1;
-        return EncodedText::kOutsider;
+        return EncodedText::kNoCharacter;
     }
 
 private:
@@ -75,7 +75,7 @@ private:
         const Utf8Character wide = isContinuation(m_bytes[place]) ? wideEndingAt(place) : kNone;
         ++place;
         if (wide.length != 0) return lowSurrogateOf(Map()(wide.code));
-        return byte > 0 && byte < 0x80 ? Map()(byte) : EncodedText::kOutsider;
+        return byte > 0 && byte < 0x80 ? Map()(byte) : EncodedText::kNoCharacter;
     }
 
     // The character above U+FFFF whose last byte is at `place`; of length 0 when there is none.

@@ -157,7 +157,7 @@ using Readers = std::vector<WeightReader>;
 void leaveOutHidden(const KeyLabels& key, std::size_t later, Readers& readers) {
     for (std::size_t i = later; i-- > 0;) {
         bool isKey = false;
-        lookUp(readers[i].cells(), key, kNoAlphabet, [&](std::int32_t feature) {
+        findWholeKey(readers[i].cells(), key, kNoAlphabet, [&](std::int32_t feature) {
             readers[i].leaveOut(feature);
             isKey = true;
         });

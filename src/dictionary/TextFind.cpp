@@ -126,9 +126,9 @@ bool visitClassic(const TextFind& find, const Use& use) {
 // ---- All at once, which takes less time ----
 
 template <class Search, class Use>
-bool listBy(const TextFind& find, EncodedText::Outsiders outsiders, const Search& search,
+bool listBy(const TextFind& find, EncodedText::Illegal illegal, const Search& search,
             const Use& use) {
-    const EncodedText text(find.text.data(), find.text.size(), outsiders);
+    const EncodedText text(find.text.data(), find.text.size(), illegal);
     TextUnits<EncodedText> units(text, find.options.unit);
     search(TextSearch(firstCells(find), text),
            [&](std::size_t from, std::size_t end, std::int32_t feature) {
@@ -161,9 +161,9 @@ bool listAll(const TextFind& find, const Use& use) {
 }
 
 template <class Use>
-bool listLongestOfOne(const TextFind& find, EncodedText::Outsiders outsiders, const Use& use) {
+bool listLongestOfOne(const TextFind& find, EncodedText::Illegal illegal, const Use& use) {
     return listBy(
-        find, outsiders,
+        find, illegal,
         [](const TextSearch& search, const auto& found) {
             search.forEachLongestKey(kAlphabet, found);
         },

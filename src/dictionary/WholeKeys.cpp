@@ -21,8 +21,8 @@ namespace {
 template <class Text>
 DictionaryText lookUpText(const OpenImage& image, const Text& key) {
     DictionaryText data = kNoText;
-    lookUp(image.view().cells(), key, kAlphabet,
-           [&](std::int32_t feature) { data = dataText(image.view().featureText(feature)); });
+    findWholeKey(image.view().cells(), key, kAlphabet,
+                 [&](std::int32_t feature) { data = dataText(image.view().featureText(feature)); });
     return data;
 }
 

@@ -43,10 +43,10 @@ void CDATReader::exactMatch(const char* key, std::string& featureText) {
         // Kept: the key must span the whole text from its first byte to its last, which a reversed
         // span of more than one byte never does.
         if (!text.spans(key)) return;
-        lookUp(CellView(m_image, m_cellBytes), text, m_coder->getNumOfSingleWord(),
-               [&](std::int32_t feature) {
-                   featureText += featureTextAt(m_features.data(), feature);
-               });
+        findWholeKey(CellView(m_image, m_cellBytes), text, m_coder->getNumOfSingleWord(),
+                     [&](std::int32_t feature) {
+                         featureText += featureTextAt(m_features.data(), feature);
+                     });
     });
 }
 

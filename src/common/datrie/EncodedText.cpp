@@ -14,8 +14,8 @@ EncodedText::EncodedText(ICoderInterface& coder, const char* text, int length, b
     }
 }
 
-EncodedText::EncodedText(const char* text, std::size_t size, Outsiders outsiders) {
-    if (outsiders == kStopAtIllegal) {
+EncodedText::EncodedText(const char* text, std::size_t size, Illegal illegal) {
+    if (illegal == kStopAtIllegal) {
         const std::size_t bytes = size == 0 ? 0 : strnlen(text, size);
         encodeUtf8(bytes, [&](auto emit) { decodeUtf8(text, bytes, emit); });
         return;

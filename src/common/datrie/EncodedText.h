@@ -43,14 +43,14 @@ public:
     EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse);
 
     // Encodes the `size` bytes of UTF-8 at `text`, which may be any.
-    enum Outsiders {
+    enum Illegal {
         kStopAtIllegal,  // as the UTF-8 coder does, up to a NUL or an illegal byte
-        // All of them: a NUL and each illegal byte are characters kOutsider, and a character above
-        // U+FFFF is its two surrogates. The first of these has the character's bytes, the second
-        // none, so that a key which ends with both ends where the character does.
+        // All of them: a NUL and each illegal byte are characters kNoCharacter, and a character
+        // above U+FFFF is its two surrogates. The first of these has the character's bytes, the
+        // second none, so that a key which ends with both ends where the character does.
         kPassOver
     };
-    EncodedText(const char* text, std::size_t size, Outsiders outsiders);
+    EncodedText(const char* text, std::size_t size, Illegal illegal);
 
     // The same as kPassOver, but each legal character is what `map` makes of its code, which has as
     // many surrogates.
@@ -70,7 +70,7 @@ public:
     const std::int32_t* codes() const { return m_codes; }
     static constexpr std::size_t kPadding = 72;
     static constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::min();
-    static constexpr std::int32_t kOutsider = kEnd;
+    static constexpr std::int32_t kNoCharacter = kEnd;
 
     // Whether the first character begins with the first byte of `text`, which was encoded, and the
     // last one ends with its last.
@@ -86,7 +86,7 @@ public:
         return m_hasPairs && isLowSurrogate(m_codes[place]);
     }
 
-    // The code of character `place`, which moves behind it.
+    // The code of character `place`, which moves after it.
     std::int32_t next(std::size_t& place) const { return m_codes[place++]; }
 
     // The character that begins at `place`, which is not the end.
@@ -133,7 +133,7 @@ void EncodedText::encodeLabels(const char* text, std::size_t size, Map map) {
     encodeUtf8(size, [&](auto emit) {
         decodeAllUtf8(text, size, 0,
                       [&](std::int32_t found, std::size_t start, std::uint32_t length) {
-                          const std::int32_t code = found == 0 ? kOutsider : map(found);
+                          const std::int32_t code = found == 0 ? kNoCharacter : map(found);
                           if (code < kBmpEnd) return emit(code, start, length);
                           m_hasPairs = true;
                           emit(highSurrogateOf(code), start, length);

@@ -24,7 +24,7 @@ public:
     // All that is decoded of it does, or ends with a code that leads nowhere.
     bool spans(const char*) const { return true; }
 
-    // The code at byte `place`, which moves behind it; at the end, EncodedText::kEnd.
+    // The code at byte `place`, which moves after it; at the end, EncodedText::kEnd.
     std::int32_t next(std::size_t& place) const {
         if (place == m_size) return EncodedText::kEnd;
         if (m_bytes[place] < 0x80) return m_bytes[place++];

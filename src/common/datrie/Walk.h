@@ -1,9 +1,9 @@
 // Helper, not installed: single walks through the cells of an image.
 //
 // They read any text with numbered places: `text.next(place)` returns the code of the character at
-// `place` and moves the place behind it. Place 0 is where the text begins, and `text.size()` is
-// where it ends: there stands a code that is below every alphabet and leads nowhere. No walk may
-// begin where `text.isInsidePair(place)`.
+// `place` and moves the place after it. Place 0 is where the text begins, and `text.size()` is
+// where it ends: the code there is below every alphabet and leads nowhere. No walk may begin
+// where `text.isInsidePair(place)`.
 
 #ifndef DICTIONARY_WALK_H
 #define DICTIONARY_WALK_H
@@ -98,11 +98,11 @@ void forEachKeyAtFirst(const CellView& cells, const Text& text, std::int64_t alp
     }
 }
 
-// Calls `found(feature)` if the whole text is a key whose first character is of the alphabet. The
-// only jump on the way that depends on what a cell holds is the one out of it, so that a lookup
-// which succeeds keeps none behind it waiting.
+// Calls `found(feature)` if the whole text is a key whose first character is of the alphabet. Of
+// the branches on the way, only the one out of it depends on what a cell holds, so that the next
+// lookup need not wait for one that succeeds.
 template <class Text, class Found>
-void lookUp(const CellView& cells, const Text& text, std::int64_t alphabet, Found found) {
+void findWholeKey(const CellView& cells, const Text& text, std::int64_t alphabet, Found found) {
     std::size_t place = 0;
     const std::int32_t first = text.next(place);
     if (first >= alphabet || !cells.holds(first)) return;
