@@ -1,28 +1,6 @@
 #include "SetSearch.h"
 
-#include "WordBoundary.h"
-
 namespace Dictionary {
-
-namespace {
-
-// Whether each place of the text is inside a word, that at the end included; empty where none is.
-std::vector<std::uint8_t> insideWordsOf(const EncodedText& text) {
-    std::vector<std::uint8_t> inside(text.size() + 1 + TextSearch::kClosedPadding);
-    bool followsWord = false, isAnyInside = false;
-    for (std::size_t place = 0; place < text.size(); ++place) {
-        if (text.isInsidePair(place)) continue;
-        const WordClass at = wordClassOf(text.characterAt(place));
-        const bool isInside = followsWord && at != WordClass::kNone;
-        inside[place] = isInside;
-        isAnyInside |= isInside;
-        followsWord = at == WordClass::kLetter || (at == WordClass::kMark && followsWord);
-    }
-    if (!isAnyInside) inside.clear();
-    return inside;
-}
-
-}  // namespace
 
 TextSearch SetSearch::Part::search() const {
     TextSearch search(cells, *text);
@@ -35,11 +13,10 @@ SetSearch::SetSearch(const Images& images, const SetRules& rules, const SetText&
     bool isKnown[2] = {};
     for (const auto& image : images) {
         const bool isFolded = image->isFolded();
-        std::vector<std::uint8_t>& inside = m_insideWords[isFolded];
-        if (rules.wholeWords && !isKnown[isFolded]) inside = insideWordsOf(text.of(isFolded));
+        InsideWords& inside = m_insideWords[isFolded];
+        if (rules.wholeWords && !isKnown[isFolded]) inside.find(text.of(isFolded));
         isKnown[isFolded] = true;
-        m_parts.push_back(
-            {image->view().cells(), &text.of(isFolded), inside.empty() ? nullptr : inside.data()});
+        m_parts.push_back({image->view().cells(), &text.of(isFolded), inside.closedPlaces()});
     }
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "EncodedText.h"
+#include "InsideWords.h"
 #include "KeyScan.h"
 #include "SetKeys.h"
 #include "SetText.h"
@@ -107,9 +108,8 @@ private:
 
     const SetRules m_rules;
     const SetText& m_text;
-    std::vector<Part> m_parts;  // by the numbers of the images
-    // By whether the text is folded: whether each place is inside a word; empty where none is.
-    std::vector<std::uint8_t> m_insideWords[2];
+    std::vector<Part> m_parts;     // by the numbers of the images
+    InsideWords m_insideWords[2];  // by whether the text is folded
 };
 
 template <class Found>

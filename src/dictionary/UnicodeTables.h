@@ -11,9 +11,12 @@ namespace Dictionary {
 
 // Whether a character is a letter or digit of a script written with blanks (1), a mark
 // (2), or neither (0): 32 characters per row, the first one lowest. The marks from
-// kFirstHighMark to kLastHighMark are in no block.
+// kFirstHighMark to kLastHighMark are in no block, and all from kFirstWordless to
+// kLastWordless are neither.
 inline constexpr std::uint32_t kFirstHighMark = 0xE0100;
 inline constexpr std::uint32_t kLastHighMark = 0xE01EF;
+inline constexpr std::uint32_t kFirstWordless = 0x318F;
+inline constexpr std::uint32_t kLastWordless = 0xA4CF;
 inline constexpr std::uint32_t kWordClassShift = 8;
 inline constexpr std::uint32_t kWordClassBlockCount = 508;
 inline constexpr std::uint32_t kWordClassRowsPerBlock = 8;

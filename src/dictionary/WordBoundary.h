@@ -20,6 +20,8 @@ inline WordClass wordClassOf(std::int32_t code) {
     constexpr std::uint32_t kRowShift = 5;
     constexpr std::uint32_t kBits = 2;
     const auto bits = static_cast<std::uint32_t>(code);
+    // Han, among others: the processor guesses this well.
+    if (bits - kFirstWordless <= kLastWordless - kFirstWordless) return WordClass::kNone;
     const std::uint32_t block = bits >> kWordClassShift;
     if (block >= kWordClassBlockCount) {
         const bool isMark = bits - kFirstHighMark <= kLastHighMark - kFirstHighMark;
