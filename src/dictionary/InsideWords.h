@@ -19,19 +19,13 @@ class InsideWords {
 public:
     // Looks at each place of the text, that at the end included.
     void find(const EncodedText& text) {
-        const std::size_t places = text.size() + 1;
-        std::uint8_t* const inside = roomFor(places + TextSearch::kClosedPadding);
-        bool followsWord = false, isAnyInside = false;
-        for (std::size_t place = 0; place < text.size(); ++place) {
-            inside[place] = 0;
-            if (text.isInsidePair(place)) continue;
-            const WordClass at = wordClassOf(text.characterAt(place));
-            const bool isInside = followsWord && at != WordClass::kNone;
-            inside[place] = isInside ? 1 : 0;
-            isAnyInside |= isInside;
-            followsWord = at == WordClass::kLetter || (at == WordClass::kMark && followsWord);
-        }
-        std::fill_n(inside + text.size(), 1 + TextSearch::kClosedPadding, std::uint8_t{0});
+        std::uint8_t* const inside = roomFor(text.size() + 1 + TextSearch::kClosedPadding);
+        const std::int32_t* const codes = text.codes();
+        const bool isAnyInside =
+            text.hasPairs()
+                ? mark(text.size(), inside, [&](std::size_t place) { return classOf(text, place); })
+                : mark(text.size(), inside,
+                       [codes](std::size_t place) { return wordClassOf(codes[place]); });
         m_inside = isAnyInside ? inside : nullptr;
     }
 
@@ -40,6 +34,27 @@ public:
 
 private:
     static constexpr std::size_t kInlinePlaces = 256;
+
+    // Returns whether any of the `size` places is inside a word.
+    template <class ClassAt>
+    static bool mark(std::size_t size, std::uint8_t* inside, ClassAt classAt) {
+        bool followsWord = false, isAnyInside = false;
+        for (std::size_t place = 0; place < size; ++place) {
+            const WordClass at = classAt(place);
+            const bool isInside = followsWord && at != WordClass::kNone;
+            inside[place] = isInside ? 1 : 0;
+            isAnyInside |= isInside;
+            followsWord = at == WordClass::kLetter || (at == WordClass::kMark && followsWord);
+        }
+        std::fill_n(inside + size, 1 + TextSearch::kClosedPadding, std::uint8_t{0});
+        return isAnyInside;
+    }
+
+    // The second label of a pair is a mark: it goes on with what the first one is.
+    static WordClass classOf(const EncodedText& text, std::size_t place) {
+        if (text.isInsidePair(place)) return WordClass::kMark;
+        return wordClassOf(text.characterAt(place));
+    }
 
     std::uint8_t* roomFor(std::size_t places) {
         if (places <= sizeof m_inline) return m_inline;
