@@ -55,8 +55,7 @@ public:
     // Whether a key begins at `place`; `key` becomes the longest.
     bool longestAt(std::size_t place, KeyAt& key) const {
         if (!mayBeginAt(place)) return false;
-        const LongestKey longest =
-            longestFrom(m_cells, m_text, place, m_alphabet, [](std::size_t) { return true; });
+        const LongestKey longest = longestFrom(m_cells, m_text, place, m_alphabet);
         if (longest.found) key = {longest.end, 0, m_cells.featureOf(longest.cell)};
         return longest.found;
     }

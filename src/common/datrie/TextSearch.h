@@ -9,7 +9,6 @@
 
 #include "EncodedText.h"
 #include "ImageFormat.h"
-#include "Segments.h"
 #include "Walk.h"
 #include "WalkGroup.h"
 
@@ -54,13 +53,11 @@ public:
     // Kept: the codes are not tested against an alphabet.
     template <class Found>
     void forEachSegment(Found found) const {
-        Segment segments[kSegmentsAtOnce];
-        for (std::size_t place = 0; place < m_text.size();) {
-            const std::size_t count = findSegments(m_cells, m_text, m_closed, place, segments);
-            for (std::size_t i = 0; i < count; ++i) {
-                const Segment& segment = segments[i];
-                found(segment.from, segment.end, m_cells.featureOf(segment.cell));
-            }
+        if (m_closed == nullptr) return segment(m_cells, m_text, found);
+        for (std::size_t from = 0; from < m_text.size();) {
+            const LongestKey longest = longestBetweenOpen(from);
+            if (longest.found) found(from, longest.end, m_cells.featureOf(longest.cell));
+            from = longest.end;
         }
     }
 
@@ -135,6 +132,17 @@ private:
             if (longest.found) found(from, longest.end, m_cells.featureOf(longest.cell));
             longest.found = false;
         }
+    }
+
+    // The longest key at `from` that neither begins nor ends at a closed place.
+    LongestKey longestBetweenOpen(std::size_t from) const {
+        LongestKey longest = {false, from + 1, 0};
+        const std::int32_t code = m_text.codes()[from];
+        if (m_text.isInsidePair(from) || !isOpen(from) || !m_cells.holds(code)) return longest;
+        goOnToLongest(
+            m_cells, static_cast<std::uint32_t>(code), m_text, from + 1, kNoAlphabet,
+            [&](std::size_t end) { return isOpen(end); }, longest);
+        return longest;
     }
 
     bool isOpen(std::size_t place) const { return m_closed == nullptr || m_closed[place] == 0; }

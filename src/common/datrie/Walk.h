@@ -74,16 +74,41 @@ void goOnToLongest(const CellView& cells, std::uint32_t cell, const Text& text, 
                 });
 }
 
-// The longest key that begins at `place`, where the text must not end, of those for which
-// `counts(end)` holds.
-template <class Text, class Counts>
+// The longest key that begins at `place`, where the text must not end.
+template <class Text>
 LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t place,
-                       std::int64_t alphabet, Counts counts) {
+                       std::int64_t alphabet) {
+    constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
     const std::int32_t first = text.next(place);
-    LongestKey longest = {false, place, 0};
+    LongestKey longest = {false, place, kNone};
     if (!cells.holds(first)) return longest;
-    goOnToLongest(cells, static_cast<std::uint32_t>(first), text, place, alphabet, counts, longest);
+    std::int32_t code;
+    auto cell = static_cast<std::uint32_t>(first);
+    do {
+        const std::size_t end = place;
+        code = text.next(place);
+        const bool isKey = code < alphabet && endsKey(cells.baseOf(cell));
+        longest.cell = isKey ? cell : longest.cell;
+        longest.end = isKey ? end : longest.end;
+    } while (code < alphabet && cells.descend(cell, code));
+    longest.found = longest.cell != kNone;
     return longest;
+}
+
+// Calls `found(from, end, feature)` for the longest key at the first character that begins one,
+// then at the first after that key, and so on.
+// Kept: the codes are not tested against the alphabet.
+template <class Text, class Found>
+void segment(const CellView& cells, const Text& text, Found found) {
+    for (std::size_t from = 0; from < text.size();) {
+        if (text.isInsidePair(from)) {
+            ++from;
+            continue;
+        }
+        const LongestKey longest = longestFrom(cells, text, from, kNoAlphabet);
+        if (longest.found) found(from, longest.end, cells.featureOf(longest.cell));
+        from = longest.end;
+    }
 }
 
 // Calls `found(from, end, feature)` for every key that begins at the first character of the
