@@ -4,12 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "Dictionary.hpp"
 #include "EncodedText.h"
 #include "Folding.h"
+#include "InsideWords.h"
+#include "Utf8Encoder.h"
 #include "WordBoundary.h"
 
 namespace {
@@ -48,6 +52,37 @@ TEST(Words, AreCutByTheirScripts) {
     }
 }
 
+// Whether the places found all at once are those found one by one.
+bool areFoundAlike(const std::string& text) {
+    const EncodedText encoded(text.data(), text.size(), EncodedText::kPassOver);
+    const Words<EncodedText> words(encoded);
+    InsideWords inside;
+    inside.find(encoded);
+    const std::uint8_t* const closed = inside.closedPlaces();
+    for (std::size_t place = 0; place <= encoded.size(); ++place) {
+        const bool isClosed = closed != nullptr && closed[place] != 0;
+        if (!encoded.isInsidePair(place) && isClosed != words.isInside(place)) return false;
+    }
+    return true;
+}
+
+TEST(Words, AreFoundAllAtOnceAsOneByOne) {
+    std::string runs, betweenLetters;
+    for (std::int32_t code = 0; code < kBmpEnd; ++code) {
+        if (isHighSurrogate(code) || isLowSurrogate(code)) continue;
+        appendUtf8(code, runs);
+        betweenLetters += 'a';
+        appendUtf8(code, betweenLetters);
+    }
+    const std::string pair = "\U00010428\u0301";
+    for (const std::string& text : {runs, betweenLetters, runs + pair, std::string("か\u3099")}) {
+        EXPECT_TRUE(areFoundAlike(text));
+    }
+    for (std::size_t size = 0; size < 100; ++size) {
+        EXPECT_TRUE(areFoundAlike(std::string(size, 'a'))) << size;
+    }
+}
+
 TEST(Folding, TakesCaseAndWidth) {
     const struct {
         std::string text, folded;
@@ -65,9 +100,13 @@ TEST(Folding, TakesCaseAndWidth) {
 }
 
 TEST(Columns, AreTheMatchesOfManyTexts) {
-    const std::vector<std::string> texts = {"Ab abc", "", "cab",
+    const std::vector<std::string> texts = {"Ab abc",
+                                            "",
+                                            "cab",
                                             "\xFF\x61"
-                                            "bab c"};
+                                            "bab c",
+                                            std::string(300'000, 'b'),
+                                            "ab"};
     dictionary::BuildOptions folding;
     folding.folded = true;
     dictionary::ImageBuffer small, large;

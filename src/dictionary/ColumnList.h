@@ -5,10 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 #include "Dictionary.h"
-#include "MatchList.h"
 
 namespace Dictionary {
 
@@ -21,10 +19,13 @@ struct ColumnEntry {
     std::uint32_t image;
 };
 
-// The caller's columns, emptied.
+// The caller's columns, emptied. They are parts of one block of memory, that of the texts first.
 class ColumnList {
 public:
     explicit ColumnList(DictionaryColumns& columns) : m_columns(columns) { m_columns.count = 0; }
+
+    // Says how long the texts are all together.
+    void expect(std::size_t bytes) { m_bytes = bytes; }
 
     void add(const ColumnEntry& entry) {
         if (m_columns.count == m_columns.capacity) grow();
@@ -36,20 +37,23 @@ public:
         m_columns.image[place] = entry.image;
     }
 
-private:
-    // The capacity changes when all columns have grown.
-    void grow() {
-        std::size_t capacity = m_columns.capacity;
-        for (std::uint32_t** column : {&m_columns.text, &m_columns.start, &m_columns.end,
-                                       &m_columns.dataNumber, &m_columns.image}) {
-            capacity = m_columns.capacity;
-            growItems(*column, capacity);
-        }
-        m_columns.capacity = capacity;
+    // Comes after the last entry of a text.
+    void passText(std::size_t bytes) {
+        m_bytesPassed += bytes;
+        m_entriesPassed = m_columns.count;
     }
 
+private:
+    void grow();
+    std::size_t grownCapacity() const;
+
     DictionaryColumns& m_columns;
+    std::size_t m_bytes = 0;        // of all texts
+    std::size_t m_bytesPassed = 0;  // of those that are done
+    std::size_t m_entriesPassed = 0;
 };
+
+void freeColumns(DictionaryColumns& columns);
 
 }  // namespace Dictionary
 

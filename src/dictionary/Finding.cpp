@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <numeric>
 #include <optional>
 #include <string_view>
 
@@ -40,6 +41,13 @@ void visit(const DictionaryHandle* handle, const DictionaryFindOptions* given, D
     const DictionaryFindOptions options = readFindOptions(handle, given);
     const TextFind find = {*handle, options, readText(text)};
     if (!visitMatches(find, {Visitor::take, &visitor})) throw Failure{errorOf(DICTIONARY_STOPPED)};
+}
+
+std::size_t bytesOf(const DictionaryText* texts, std::size_t count) {
+    if (texts == nullptr) return 0;
+    return std::accumulate(
+        texts, texts + count, std::size_t{0},
+        [](std::size_t bytes, const DictionaryText& text) { return bytes + text.size; });
 }
 
 // Calls `find(number, text)` for each text. An error gets the number of its text.
@@ -88,9 +96,11 @@ void findColumns(const DictionaryHandle* handle, const DictionaryFindOptions* gi
                     "there are more texts than columns can number");
     const DictionaryFindOptions options = readFindOptions(handle, given);
     SharedPath path(options);
+    columns.expect(bytesOf(texts, count));
     forEachText(texts, count, [&](std::size_t number, std::string_view text) {
         listColumns({*handle, options, text, path.get()}, static_cast<std::uint32_t>(number),
                     columns);
+        columns.passText(text.size());
     });
 }
 
@@ -145,12 +155,7 @@ int dictionaryFindColumns(const DictionaryHandle* handle, const DictionaryFindOp
 }
 
 void dictionaryFreeColumns(DictionaryColumns* columns) {
-    if (columns == nullptr) return;
-    for (std::uint32_t* column :
-         {columns->text, columns->start, columns->end, columns->dataNumber, columns->image}) {
-        std::free(column);
-    }
-    *columns = {};
+    if (columns != nullptr) freeColumns(*columns);
 }
 
 int dictionaryVisitMatches(const DictionaryHandle* handle, const DictionaryFindOptions* options,
