@@ -19,35 +19,87 @@ class InsideWords {
 public:
     // Looks at each place of the text, that at the end included.
     void find(const EncodedText& text) {
-        std::uint8_t* const inside = roomFor(text.size() + 1 + TextSearch::kClosedPadding);
-        const std::int32_t* const codes = text.codes();
-        const bool isAnyInside =
-            text.hasPairs()
-                ? mark(text.size(), inside, [&](std::size_t place) { return classOf(text, place); })
-                : mark(text.size(), inside,
-                       [codes](std::size_t place) { return wordClassOf(codes[place]); });
-        m_inside = isAnyInside ? inside : nullptr;
+        const std::size_t places = (text.size() + kBlock - 1) / kBlock * kBlock;
+        std::uint8_t* const bytes = roomFor(places + 1 + TextSearch::kClosedPadding);
+        bytes[0] = 0;
+        const bool hasMarks =
+            text.hasPairs() ? classifyEach(text, bytes + 1) : classifyBlocks(text, bytes + 1);
+        const bool isAnyInside = hasMarks ? joinMarked(bytes, places) : join(bytes, places);
+        std::fill_n(bytes + places, 1 + TextSearch::kClosedPadding, std::uint8_t{0});
+        m_inside = isAnyInside ? bytes : nullptr;
+        m_isFound = true;
     }
+    bool isFound() const { return m_isFound; }
 
     // By place, not 0 inside a word; null where none is, or before anything was found.
     const std::uint8_t* closedPlaces() const { return m_inside; }
 
 private:
     static constexpr std::size_t kInlinePlaces = 256;
+    static constexpr std::size_t kBlock = 16;  // characters that are classified together
+    static_assert(kBlock <= EncodedText::kPadding, "a block may begin at the last character");
 
-    // Returns whether any of the `size` places is inside a word.
-    template <class ClassAt>
-    static bool mark(std::size_t size, std::uint8_t* inside, ClassAt classAt) {
-        bool followsWord = false, isAnyInside = false;
-        for (std::size_t place = 0; place < size; ++place) {
-            const WordClass at = classAt(place);
-            const bool isInside = followsWord && at != WordClass::kNone;
-            inside[place] = isInside ? 1 : 0;
-            isAnyInside |= isInside;
-            followsWord = at == WordClass::kLetter || (at == WordClass::kMark && followsWord);
+    // Bits of a byte for each character.
+    static constexpr std::uint8_t kLetter = static_cast<std::uint8_t>(WordClass::kLetter);
+    static constexpr std::uint8_t kMark = static_cast<std::uint8_t>(WordClass::kMark);
+
+    // ---- The class of each character; returns whether any is a mark ----
+
+    static bool classifyBlocks(const EncodedText& text, std::uint8_t* classes) {
+        bool hasMarks = false;
+        for (std::size_t first = 0; first < text.size(); first += kBlock) {
+            const std::int32_t* const codes = text.codes() + first;
+            if (!classifyByRanges(codes, classes + first)) {
+                hasMarks |= classifyByTable(codes, classes + first);
+            }
         }
-        std::fill_n(inside + size, 1 + TextSearch::kClosedPadding, std::uint8_t{0});
-        return isAnyInside;
+        return hasMarks;
+    }
+
+    // Without a table and without branches, so that registers of characters are classified at a
+    // time. False when a character is none of those that this knows.
+    static bool classifyByRanges(const std::int32_t* codes, std::uint8_t* classes) {
+        std::uint16_t known = 1;
+        for (std::size_t i = 0; i < kBlock; ++i) {
+            // Without pairs no bits are lost, but of codes that are no character.
+            const auto code = static_cast<std::uint16_t>(codes[i]);
+            classes[i] =
+                isBetween(code, '0', '9') || isBetween(code, 'A', 'Z') || isBetween(code, 'a', 'z')
+                    ? kLetter
+                    : std::uint8_t{0};
+            known &= static_cast<std::uint16_t>(isAsciiOrWordless(code));
+        }
+        return known != 0;
+    }
+
+    static bool isBetween(std::uint16_t code, std::uint16_t first, std::uint16_t last) {
+        return static_cast<std::uint16_t>(code - first) <= last - first;
+    }
+
+    // Punctuation, Kana, Bopomofo and Han, not all of them.
+    static bool isAsciiOrWordless(std::uint16_t code) {
+        return isBetween(code, 0, 0x7F) | isBetween(code, 0x200E, 0x2070) |
+               isBetween(code, 0x2E30, 0x3029) | isBetween(code, 0x3030, 0x3098) |
+               isBetween(code, 0x309B, 0x3130) | isBetween(code, kFirstWordless, kLastWordless) |
+               isBetween(code, 0xFEFD, 0xFF0F) | isBetween(code, 0xFF1A, 0xFF20);
+    }
+
+    static bool classifyByTable(const std::int32_t* codes, std::uint8_t* classes) {
+        bool hasMarks = false;
+        for (std::size_t i = 0; i < kBlock; ++i) {
+            classes[i] = static_cast<std::uint8_t>(wordClassOf(codes[i]));
+            hasMarks |= classes[i] == kMark;
+        }
+        return hasMarks;
+    }
+
+    // Where there are pairs, their second labels are marks.
+    static bool classifyEach(const EncodedText& text, std::uint8_t* classes) {
+        for (std::size_t place = 0; place < text.size(); ++place) {
+            classes[place] = static_cast<std::uint8_t>(classOf(text, place));
+        }
+        std::fill_n(classes + text.size(), kBlock, std::uint8_t{0});
+        return true;
     }
 
     // The second label of a pair is a mark: it goes on with what the first one is.
@@ -56,12 +108,38 @@ private:
         return wordClassOf(text.characterAt(place));
     }
 
+    // ---- From the classes, each in the byte after its place, to what is inside ----
+
+    // Returns whether any of the places is.
+    static bool join(std::uint8_t* bytes, std::size_t places) {
+        std::uint8_t any = 0;
+        for (std::size_t place = 0; place < places; ++place) {
+            bytes[place] &= bytes[place + 1];
+            any |= bytes[place];
+        }
+        return any != 0;
+    }
+
+    // The same where there are marks.
+    static bool joinMarked(std::uint8_t* bytes, std::size_t places) {
+        bool followsWord = false, isAnyInside = false;
+        for (std::size_t place = 0; place < places; ++place) {
+            const std::uint8_t at = bytes[place + 1];
+            const bool isInside = followsWord && at != 0;
+            bytes[place] = isInside ? 1 : 0;
+            isAnyInside |= isInside;
+            followsWord = at == kLetter || (at == kMark && followsWord);
+        }
+        return isAnyInside;
+    }
+
     std::uint8_t* roomFor(std::size_t places) {
         if (places <= sizeof m_inline) return m_inline;
         m_heap.reset(new std::uint8_t[places]);
         return m_heap.get();
     }
 
+    bool m_isFound = false;
     const std::uint8_t* m_inside = nullptr;
     std::unique_ptr<std::uint8_t[]> m_heap;
     std::uint8_t m_inline[kInlinePlaces];

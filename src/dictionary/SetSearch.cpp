@@ -1,5 +1,8 @@
 #include "SetSearch.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace Dictionary {
 
 TextSearch SetSearch::Part::search() const {
@@ -9,21 +12,22 @@ TextSearch SetSearch::Part::search() const {
 }
 
 SetSearch::SetSearch(const Images& images, const SetRules& rules, const SetText& text)
-    : m_rules(rules), m_text(text) {
-    bool isKnown[2] = {};
-    for (const auto& image : images) {
-        const bool isFolded = image->isFolded();
-        InsideWords& inside = m_insideWords[isFolded];
-        if (rules.wholeWords && !isKnown[isFolded]) inside.find(text.of(isFolded));
-        isKnown[isFolded] = true;
-        m_parts.push_back({image->view().cells(), &text.of(isFolded), inside.closedPlaces()});
-    }
+    : m_rules(rules), m_text(text), m_first(partOf(*images.front())) {
+    std::transform(images.begin() + 1, images.end(), std::back_inserter(m_others),
+                   [&](const auto& image) { return partOf(*image); });
+}
+
+SetSearch::Part SetSearch::partOf(const OpenImage& image) {
+    const EncodedText& text = m_text.of(image.isFolded());
+    InsideWords& inside = m_insideWords[image.isFolded()];
+    if (m_rules.wholeWords && !inside.isFound()) inside.find(text);
+    return {image.view().cells(), &text, inside.closedPlaces()};
 }
 
 void SetSearch::LaterKeys::fillBlock() {
     m_keys.clear();
     m_next = 0;
-    for (std::uint32_t image = 1; image < m_search.m_parts.size(); ++image) {
+    for (std::uint32_t image = 1; image < m_search.parts(); ++image) {
         list(image);
         if (m_keys.empty()) {
             m_keys.swap(m_ofImage);
@@ -38,7 +42,7 @@ void SetSearch::LaterKeys::fillBlock() {
 // Lists the keys of an image in the block, all of them or the longest alone.
 void SetSearch::LaterKeys::list(std::uint32_t image) {
     m_ofImage.clear();
-    m_search.m_parts[image].search().forEachKeyIn(
+    m_search.part(image).search().forEachKeyIn(
         m_blockEnd, kAlphabet, [&](std::size_t from, std::size_t end, std::int32_t feature) {
             const bool isLonger =
                 m_longestAlone && !m_ofImage.empty() && m_ofImage.back().from == from;
@@ -71,12 +75,12 @@ void SetSearch::LaterKeys::merge() {
 bool SetSearch::longestAt(std::size_t from, KeyAt& key) const {
     bool isFound = false;
     if (m_text.any().isInsidePair(from)) return isFound;
-    for (std::uint32_t image = 0; image < m_parts.size(); ++image) {
-        const Part& part = m_parts[image];
-        if (part.isClosed(from)) continue;
-        walkFrom(part.cells, *part.text, from, kAlphabet,
+    for (std::uint32_t image = 0; image < parts(); ++image) {
+        const Part& searched = part(image);
+        if (searched.isClosed(from)) continue;
+        walkFrom(searched.cells, *searched.text, from, kAlphabet,
                  [&](std::size_t end, std::int32_t feature) {
-                     if (part.isClosed(end) || (isFound && end < key.end)) return;
+                     if (searched.isClosed(end) || (isFound && end < key.end)) return;
                      key = {end, image, feature};
                      isFound = true;
                  });

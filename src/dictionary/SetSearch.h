@@ -106,27 +106,34 @@ private:
                    const Found& found) const;
     bool longestAt(std::size_t from, KeyAt& key) const;
 
+    Part partOf(const OpenImage& image);
+    std::uint32_t parts() const { return static_cast<std::uint32_t>(1 + m_others.size()); }
+    const Part& part(std::uint32_t image) const {
+        return image == 0 ? m_first : m_others[image - 1];
+    }
+
     const SetRules m_rules;
     const SetText& m_text;
-    std::vector<Part> m_parts;     // by the numbers of the images
     InsideWords m_insideWords[2];  // by whether the text is folded
+    const Part m_first;            // of image number 0, mostly the only one
+    std::vector<Part> m_others;
 };
 
 template <class Found>
 void SetSearch::forEachKey(const Found& found) const {
-    if (m_parts.size() > 1) return forEachMergedKey(false, found);
-    m_parts.front().search().forEachKey(kAlphabet, takerOf(found));
+    if (parts() > 1) return forEachMergedKey(false, found);
+    m_first.search().forEachKey(kAlphabet, takerOf(found));
 }
 
 template <class Found>
 void SetSearch::forEachLongestKey(const Found& found) const {
-    if (m_parts.size() > 1) return forEachMergedKey(true, found);
-    m_parts.front().search().forEachLongestKey(kAlphabet, takerOf(found));
+    if (parts() > 1) return forEachMergedKey(true, found);
+    m_first.search().forEachLongestKey(kAlphabet, takerOf(found));
 }
 
 template <class Found>
 void SetSearch::forEachSegment(const Found& found) const {
-    if (m_parts.size() == 1) return m_parts.front().search().forEachSegment(takerOf(found));
+    if (parts() == 1) return m_first.search().forEachSegment(takerOf(found));
     KeyAt key = {};
     for (std::size_t from = 0; from < m_text.any().size();) {
         const bool isKey = longestAt(from, key);
@@ -147,7 +154,7 @@ void SetSearch::forEachMergedKey(bool longestAlone, const Found& found) const {
             later.areAfter(from) || passLater(later, longestAlone, from, end, found);
         if (counts) found(SetKey{from, {end, 0, feature}});
     };
-    const TextSearch first = m_parts.front().search();
+    const TextSearch first = m_first.search();
     if (longestAlone) {
         first.forEachLongestKey(kAlphabet, merge);
     } else {
