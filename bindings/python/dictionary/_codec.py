@@ -2,13 +2,14 @@
 
 import codecs
 import struct
-from collections.abc import Iterator, Sequence
+from collections.abc import Callable, Iterable, Iterator, Sequence
 from ctypes import string_at
 from itertools import chain
-from typing import Any, AnyStr
+from typing import Any, AnyStr, TypeVar
 
 from ._library import UNIT_BYTE, UNIT_CODE_POINT
 
+_Used = TypeVar("_Used")
 _MOST_TEXTS = 1 << 16
 
 # Where a data text is, as matches and lookups hold it: address and length.
@@ -46,8 +47,9 @@ class Codec(dict[bytes, AnyStr | None]):
     def decode(self, data: bytes) -> AnyStr:
         raise NotImplementedError
 
-    def encode_all(self, texts: Sequence[AnyStr]) -> list[bytes]:
-        return list(map(self.encode, texts))
+    def encode_all(self, texts: Sequence[AnyStr], use: Callable[[Iterable[bytes]], _Used]) -> _Used:
+        """What ``use`` makes of all texts for the library, which it gets one by one."""
+        return use(map(self.encode, texts))
 
     def data_texts(self, places: bytes) -> Iterator[AnyStr | None]:
         """The data texts at places that follow each other, None where there is none."""
@@ -72,11 +74,11 @@ class StrCodec(Codec[str]):
     def encode(self, text: str) -> bytes:
         return text.encode(errors=_SURROGATES)
 
-    def encode_all(self, texts: Sequence[str]) -> list[bytes]:
+    def encode_all(self, texts: Sequence[str], use: Callable[[Iterable[bytes]], _Used]) -> _Used:
         try:
-            return list(map(str.encode, texts))
+            return use(map(str.encode, texts))
         except UnicodeEncodeError:
-            return super().encode_all(texts)
+            return super().encode_all(texts, use)
 
     def decode(self, data: bytes) -> str:
         return data.decode(errors="surrogateescape")
@@ -88,6 +90,9 @@ class BytesCodec(Codec[bytes]):
 
     def encode(self, text: bytes) -> bytes:
         return text
+
+    def encode_all(self, texts: Sequence[bytes], use: Callable[[Iterable[bytes]], _Used]) -> _Used:
+        return use(texts)
 
     def decode(self, data: bytes) -> bytes:
         return data

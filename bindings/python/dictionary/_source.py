@@ -46,7 +46,7 @@ class _Chunk:
     def __init__(self, items: list[tuple[int, Any]]) -> None:
         records = [_fields(number, item) for number, item in items]
         self._counts = array("I", map(len, records))
-        self._packed = PackedTexts(list(chain.from_iterable(records)))
+        self._packed = PackedTexts(chain.from_iterable(records))
 
     def __iter__(self) -> Iterator[tuple[int, int]]:
         """The address and the number of the fields of each item."""

@@ -3,13 +3,14 @@
 import reprlib
 from array import array
 from collections.abc import Iterable, Iterator, Sequence
-from ctypes import c_char_p, c_void_p, cast
+from ctypes import c_char_p, c_uint64, c_void_p, cast, sizeof
+from io import BytesIO
 from itertools import accumulate, islice
 from typing import Any, AnyStr
 
 from ._codec import Codec, Codecs
 
-_ADDRESS = "Q"
+_ADDRESS, _ADDRESS_SIZE = "Q", sizeof(c_uint64)
 
 
 def address_of(content: bytes) -> int:
@@ -19,15 +20,15 @@ def address_of(content: bytes) -> int:
 class PackedTexts:
     """An array of DictionaryText."""
 
-    def __init__(self, texts: Sequence[bytes]) -> None:
-        self.count = len(texts)
-        self._bytes = b"".join(texts)
-        sizes = array(_ADDRESS, map(len, texts))
-        begin = address_of(self._bytes)
-        places = array(_ADDRESS, accumulate(sizes, initial=begin))
-        self._items = array(_ADDRESS, bytes(2 * sizes.itemsize * self.count))
-        self._items[0::2] = places[:-1]
-        self._items[1::2] = sizes
+    def __init__(self, texts: Iterable[bytes]) -> None:
+        written = BytesIO()
+        sizes = list(map(written.write, texts))
+        self.count = len(sizes)
+        self._bytes = written.getvalue()
+        places = accumulate(sizes, initial=address_of(self._bytes))
+        self._items = array(_ADDRESS, bytes(2 * _ADDRESS_SIZE * self.count))
+        self._items[0::2] = array(_ADDRESS, list(islice(places, self.count)))
+        self._items[1::2] = array(_ADDRESS, sizes)
         self.address = self._items.buffer_info()[0]
 
 
@@ -44,7 +45,7 @@ class Batch(list[Any]):
             self.codec = codecs.bytes
         if set(map(type, self)) != {self.codec.kind}:
             self._check(skip_missing)
-        self.packed = PackedTexts(self.codec.encode_all(self))
+        self.packed = self.codec.encode_all(self, PackedTexts)
 
     def _has_bytes(self) -> bool:
         return isinstance(next((text for text in self if not _is_missing(text)), None), bytes)
