@@ -246,10 +246,10 @@ std::string Value::path() const {
 Utf16Texts Value::texts() const {
     Utf16Texts texts;
     for (const Value& text : elements()) {
-        std::size_t length = 0;
-        m_env.check(napi_get_value_string_utf16(m_env, text.get(), nullptr, 0, &length));
-        texts.add(length, [&](char16_t* place) {
-            m_env.check(napi_get_value_string_utf16(m_env, text.get(), place, length + 1, nullptr));
+        texts.add([&](char16_t* place, std::size_t room) {
+            std::size_t length = 0;
+            m_env.check(napi_get_value_string_utf16(m_env, text.get(), place, room, &length));
+            return length;
         });
     }
     return texts;
