@@ -18,6 +18,14 @@ std::string unguarded(const std::string& text) {
     return text.substr(!text.empty() && text.front() == kGuard ? 1 : 0);
 }
 
+// Takes all that an option or argument was given.
+CLI::callback_t addingTo(std::vector<std::string>& values) {
+    return [&values](const CLI::results_t& results) {
+        for (const std::string& result : results) values.push_back(unguarded(result));
+        return true;
+    };
+}
+
 // Says how to name a file that looks like options.
 std::string adviceFor(const std::vector<std::string>& arguments) {
     for (const std::string& text : arguments) {
@@ -132,11 +140,7 @@ void addArgument(CLI::App& command, const std::string& name, std::string& value,
 
 Option addArguments(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                     const std::string& help) {
-    const auto take = [&values](const CLI::results_t& results) {
-        for (const std::string& result : results) values.push_back(unguarded(result));
-        return true;
-    };
-    return Option(*command.add_option(name, take, help)
+    return Option(*command.add_option(name, addingTo(values), help)
                        ->expected(0, CLI::detail::expected_max_vector_size)
                        ->allow_extra_args()
                        ->option_text(" "));
@@ -144,11 +148,7 @@ Option addArguments(CLI::App& command, const std::string& name, std::vector<std:
 
 Option addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                 const std::string& help) {
-    const auto take = [&values](const CLI::results_t& results) {
-        for (const std::string& result : results) values.push_back(unguarded(result));
-        return true;
-    };
-    return Option(*command.add_option(name, take, help)
+    return Option(*command.add_option(name, addingTo(values), help)
                        ->expected(1, CLI::detail::expected_max_vector_size)
                        ->allow_extra_args(false));
 }
