@@ -55,9 +55,9 @@ public:
     // Whether a key begins at `place`; `key` becomes the longest.
     bool longestAt(std::size_t place, KeyAt& key) const {
         if (!mayBeginAt(place)) return false;
-        const LongestKey longest = longestFrom(m_cells, m_text, place, m_alphabet);
-        if (longest.found) key = {longest.end, 0, m_cells.featureOf(longest.cell)};
-        return longest.found;
+        const LongestKey longest = longestFrom(m_cells, m_text, place, m_alphabet, AnyPlace());
+        if (longest.isFound()) key = {longest.end, 0, m_cells.featureOf(longest.cell)};
+        return longest.isFound();
     }
 
     // Calls `found(key)` for the longest key at `place`. False when that did.

@@ -53,11 +53,11 @@ public:
     // Kept: the codes are not tested against an alphabet.
     template <class Found>
     void forEachSegment(Found found) const {
-        if (m_closed == nullptr) return segment(m_cells, m_text, found);
-        for (std::size_t from = 0; from < m_text.size();) {
-            const LongestKey longest = longestBetweenOpen(from);
-            if (longest.found) found(from, longest.end, m_cells.featureOf(longest.cell));
-            from = longest.end;
+        const auto isOpen = [this](std::size_t place) { return this->isOpen(place); };
+        if (m_closed == nullptr) {
+            segment(m_cells, m_text, AnyPlace(), found);
+        } else {
+            segment(m_cells, m_text, isOpen, found);
         }
     }
 
@@ -77,7 +77,9 @@ private:
         WalkGroup group;
         for (std::size_t first = begin; first < end; first += WalkGroup::kWalks) {
             const std::uint8_t* const closed = m_closed == nullptr ? nullptr : m_closed + first;
-            m_together(m_cells, {m_text.codes() + first, closed, alphabet}, group);
+            const auto left =
+                static_cast<std::uint32_t>(std::min<std::size_t>(end - first, WalkGroup::kWalks));
+            m_together(m_cells, {m_text.codes() + first, closed, alphabet, left}, group);
             if (m_text.hasPairs()) dropInsidePairs(group, first);
             use(group, first);
         }
@@ -117,7 +119,7 @@ private:
     template <class Found>
     void forEachLongestOf(const WalkGroup& group, std::size_t first, std::int32_t alphabet,
                           Found& found) const {
-        LongestKey longest = {false, 0, 0};
+        LongestKey longest = {0, LongestKey::kNone};
         for (std::uint32_t i = 0; i < group.count; ++i) {
             const WalkGroup::Key key = group.keys[i];
             const std::size_t from = first + key.from();
@@ -126,23 +128,12 @@ private:
                     m_cells, key.cell, m_text, from + group.stepsOfLeft + 1, alphabet,
                     [&](std::size_t end) { return isOpen(end); }, longest);
             } else {
-                longest = {true, from + key.steps() + 1, key.cell};
+                longest = {from + key.steps() + 1, key.cell};
             }
             if (i + 1 < group.count && group.keys[i + 1].from() == key.from()) continue;
-            if (longest.found) found(from, longest.end, m_cells.featureOf(longest.cell));
-            longest.found = false;
+            if (longest.isFound()) found(from, longest.end, m_cells.featureOf(longest.cell));
+            longest.cell = LongestKey::kNone;
         }
-    }
-
-    // The longest key at `from` that neither begins nor ends at a closed place.
-    LongestKey longestBetweenOpen(std::size_t from) const {
-        LongestKey longest = {false, from + 1, 0};
-        const std::int32_t code = m_text.codes()[from];
-        if (m_text.isInsidePair(from) || !isOpen(from) || !m_cells.holds(code)) return longest;
-        goOnToLongest(
-            m_cells, static_cast<std::uint32_t>(code), m_text, from + 1, kNoAlphabet,
-            [&](std::size_t end) { return isOpen(end); }, longest);
-        return longest;
     }
 
     bool isOpen(std::size_t place) const { return m_closed == nullptr || m_closed[place] == 0; }

@@ -18,30 +18,19 @@ namespace Dictionary {
 
 constexpr std::int64_t kNoAlphabet = std::numeric_limits<std::int64_t>::max();
 
-// Follows the text at `place` from `cell` as far as the trie goes, and calls
-// `visit(isKey, end, cell)` for every cell on the way, the first one included: whether a key ends
-// there, and where its characters end.
+// Follows the text at `place` from `cell` as far as the trie goes, and calls `found(end, cell)` for
+// every cell that ends a key on the way, the first one included: `end` is where its characters end.
 // Kept: a code at or beyond `alphabet` ends the walk before the key in front of it is looked at.
-template <class Text, class Visit>
-void walkThrough(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
-                 std::int64_t alphabet, Visit visit) {
+template <class Text, class Found>
+void walkOn(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
+            std::int64_t alphabet, Found found) {
     for (;;) {
         const std::size_t end = place;
         const std::int32_t code = text.next(place);
         if (code >= alphabet) return;
-        visit(endsKey(cells.baseOf(cell)), end, cell);
+        if (endsKey(cells.baseOf(cell))) found(end, cell);
         if (!cells.descend(cell, code)) return;
     }
-}
-
-// Calls `found(end, cell)` for the cells that end keys alone.
-template <class Text, class Found>
-void walkOn(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
-            std::int64_t alphabet, Found found) {
-    walkThrough(cells, cell, text, place, alphabet,
-                [&](bool isKey, std::size_t end, std::uint32_t reached) {
-                    if (isKey) found(end, reached);
-                });
 }
 
 // Calls `found(end, feature)` for every key that begins at `place`, shortest first.
@@ -54,59 +43,58 @@ void walkFrom(const CellView& cells, const Text& text, std::size_t place, std::i
            [&](std::size_t end, std::uint32_t cell) { found(end, cells.featureOf(cell)); });
 }
 
+// Where keys may begin and end unless the caller says otherwise.
+struct AnyPlace {
+    bool operator()(std::size_t) const { return true; }
+};
+
 struct LongestKey {
-    bool found;
+    static constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
+
+    bool isFound() const { return cell != kNone; }
+
     std::size_t end;  // after the first character when none was found
     std::uint32_t cell;
 };
 
-// Follows the text as walkThrough does and puts the longest key, of those for which `counts(end)`
-// holds, in the place of `longest`.
-template <class Text, class Counts>
+// Follows the text as walkOn does and puts the longest key of those for which `mayEnd(end)` holds
+// in the place of `longest`. It does so without a branch, which would be guessed badly.
+template <class Text, class MayEnd>
 void goOnToLongest(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
-                   std::int64_t alphabet, Counts counts, LongestKey& longest) {
-    walkThrough(cells, cell, text, place, alphabet,
-                [&](bool isKey, std::size_t end, std::uint32_t reached) {
-                    const bool isLonger = isKey && counts(end);
-                    longest.found |= isLonger;
-                    longest.end = isLonger ? end : longest.end;
-                    longest.cell = isLonger ? reached : longest.cell;
-                });
-}
-
-// The longest key that begins at `place`, where the text must not end.
-template <class Text>
-LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t place,
-                       std::int64_t alphabet) {
-    constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
-    const std::int32_t first = text.next(place);
-    LongestKey longest = {false, place, kNone};
-    if (!cells.holds(first)) return longest;
+                   std::int64_t alphabet, const MayEnd& mayEnd, LongestKey& longest) {
     std::int32_t code;
-    auto cell = static_cast<std::uint32_t>(first);
     do {
         const std::size_t end = place;
         code = text.next(place);
-        const bool isKey = code < alphabet && endsKey(cells.baseOf(cell));
-        longest.cell = isKey ? cell : longest.cell;
-        longest.end = isKey ? end : longest.end;
+        const bool isLonger = code < alphabet && endsKey(cells.baseOf(cell)) && mayEnd(end);
+        longest.cell = isLonger ? cell : longest.cell;
+        longest.end = isLonger ? end : longest.end;
     } while (code < alphabet && cells.descend(cell, code));
-    longest.found = longest.cell != kNone;
+}
+
+// The longest key that begins at `place`, where the text must not end.
+template <class Text, class MayEnd>
+LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t place,
+                       std::int64_t alphabet, const MayEnd& mayEnd) {
+    const std::int32_t first = text.next(place);
+    LongestKey longest = {place, LongestKey::kNone};
+    if (!cells.holds(first)) return longest;
+    goOnToLongest(cells, static_cast<std::uint32_t>(first), text, place, alphabet, mayEnd, longest);
     return longest;
 }
 
 // Calls `found(from, end, feature)` for the longest key at the first character that begins one,
-// then at the first after that key, and so on.
+// then at the first after that key, and so on. Keys begin and end only where `isOpen(place)`.
 // Kept: the codes are not tested against the alphabet.
-template <class Text, class Found>
-void segment(const CellView& cells, const Text& text, Found found) {
+template <class Text, class IsOpen, class Found>
+void segment(const CellView& cells, const Text& text, const IsOpen& isOpen, Found found) {
     for (std::size_t from = 0; from < text.size();) {
-        if (text.isInsidePair(from)) {
+        if (text.isInsidePair(from) || !isOpen(from)) {
             ++from;
             continue;
         }
-        const LongestKey longest = longestFrom(cells, text, from, kNoAlphabet);
-        if (longest.found) found(from, longest.end, cells.featureOf(longest.cell));
+        const LongestKey longest = longestFrom(cells, text, from, kNoAlphabet, isOpen);
+        if (longest.isFound()) found(from, longest.end, cells.featureOf(longest.cell));
         from = longest.end;
     }
 }

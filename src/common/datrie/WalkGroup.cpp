@@ -20,7 +20,7 @@ namespace {
 void walkOneByOne(const CellView& cells, const GroupStart& start, WalkGroup& group) {
     const CellView image = cells;
     WalkGroup::Key* key = group.keys;
-    for (std::uint32_t from = 0; from < WalkGroup::kWalks; ++from) {
+    for (std::uint32_t from = 0; from < start.characters; ++from) {
         const std::int32_t* code = start.codes + from;
         if (*code >= start.alphabet || !image.holds(*code) || !start.isOpen(from)) continue;
         auto cell = static_cast<std::uint32_t>(*code);
@@ -252,6 +252,7 @@ template <class Walks>
         left = 0;
 #pragma GCC unroll 8
         for (std::uint32_t i = 0; i < kRegisters; ++i) {
+            if (walks[i].left() == 0) continue;  // as beyond the end of a short text
             walks[i].storeCells(steps.cells[steps.count] + i * Walks::kLanes);
             walks[i].step(image, start, i * Walks::kLanes, steps.count);
             left += walks[i].left();
@@ -266,15 +267,11 @@ template <class Walks>
 
 [[gnu::target("avx2,popcnt")]] void walkAvx2(const CellView& image, const GroupStart& start,
                                              WalkGroup& group) {
-    if (start.closed == nullptr)
-        return walk<Walks8>(image, {start.codes, nullptr, start.alphabet}, group);
     walk<Walks8>(image, start, group);
 }
 
 [[gnu::target("avx512f,popcnt")]] void walkAvx512(const CellView& image, const GroupStart& start,
                                                   WalkGroup& group) {
-    if (start.closed == nullptr)
-        return walk<Walks16>(image, {start.codes, nullptr, start.alphabet}, group);
     walk<Walks16>(image, start, group);
 }
 

@@ -21,6 +21,7 @@ struct GroupStart {
     const std::int32_t* codes;
     const std::uint8_t* closed;  // null, or not 0 at each place where no key begins or ends
     std::int32_t alphabet;
+    std::uint32_t characters;  // of the text from there on, or kWalks of them
 
     bool isOpen(std::size_t place) const { return closed == nullptr || closed[place] == 0; }
 };
