@@ -7,8 +7,7 @@ namespace Dictionary {
 
 EncodedText::EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse) {
     if (!reverse && isPlainUtf8(coder)) {
-        const std::size_t bytes = encodedSize(text, length);
-        encodeUtf8(bytes, [&](auto emit) { decodeUtf8(text, bytes, emit); });
+        encodeLegal(text, encodedSize(text, length));
     } else {
         encodeBy(coder, text, length, reverse);
     }
@@ -16,11 +15,19 @@ EncodedText::EncodedText(ICoderInterface& coder, const char* text, int length, b
 
 EncodedText::EncodedText(const char* text, std::size_t size, Illegal illegal) {
     if (illegal == kStopAtIllegal) {
-        const std::size_t bytes = size == 0 ? 0 : strnlen(text, size);
-        encodeUtf8(bytes, [&](auto emit) { decodeUtf8(text, bytes, emit); });
-        return;
+        encodeLegal(text, size == 0 ? 0 : strnlen(text, size));
+    } else {
+        encodeLabels(text, size, SameCode());
     }
-    encodeLabels(text, size, SameCode());
+}
+
+// Encodes what is legal at the beginning of the text.
+void EncodedText::encodeLegal(const char* text, std::size_t size) {
+    encodeUtf8(text, size, SameCode(), [](const Utf8Character& character, auto append) {
+        if (character.length == 0) return false;
+        append(character.code, character.length);
+        return true;
+    });
 }
 
 std::int32_t* EncodedText::roomFor(std::size_t integers) {

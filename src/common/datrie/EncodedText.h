@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "UTF8Coder.h"
+#include "Utf8Blocks.h"
 #include "Utf8Decoder.h"
 
 namespace Dictionary {
@@ -111,10 +112,11 @@ public:
 private:
     static constexpr std::size_t kInlineCharacters = 128;
 
-    template <class Decode>
-    void encodeUtf8(std::size_t bytes, Decode decode);
+    void encodeLegal(const char* text, std::size_t size);
     template <class Map>
     void encodeLabels(const char* text, std::size_t size, Map map);
+    template <class Map, class Other>
+    void encodeUtf8(const char* text, std::size_t size, Map map, Other other);
     void encodeBy(ICoderInterface& coder, const char* text, int length, bool reverse);
     std::int32_t* roomFor(std::size_t integers);
 
@@ -130,33 +132,47 @@ private:
 // Encodes all of the text, each legal character by what `map` makes of its code.
 template <class Map>
 void EncodedText::encodeLabels(const char* text, std::size_t size, Map map) {
-    encodeUtf8(size, [&](auto emit) {
-        decodeAllUtf8(text, size, 0,
-                      [&](std::int32_t found, std::size_t start, std::uint32_t length) {
-                          const std::int32_t code = found == 0 ? kNoCharacter : map(found);
-                          if (code < kBmpEnd) return emit(code, start, length);
-                          m_hasPairs = true;
-                          emit(highSurrogateOf(code), start, length);
-                          emit(lowSurrogateOf(code), start, length);
-                      });
+    const auto label = [map](std::int32_t code) { return code == 0 ? kNoCharacter : map(code); };
+    encodeUtf8(text, size, label, [&](const Utf8Character& character, auto append) {
+        if (character.length == 0) {
+            append(kNoCharacter, 1);
+        } else {
+            m_hasPairs = true;
+            const std::int32_t code = map(character.code);
+            append(highSurrogateOf(code), character.length);
+            append(lowSurrogateOf(code), 0);
+        }
+        return true;
     });
 }
 
-template <class Decode>
-void EncodedText::encodeUtf8(std::size_t bytes, Decode decode) {
-    m_codes = roomFor(2 * bytes + kPadding + 1);
+// Encodes the text, characters below kBmpEnd by what `map` makes of their codes. For each other
+// place, calls `other(character, append)` with what decodeMultiByte finds there, which calls
+// `append(code, bytes)` and returns whether the text goes on.
+template <class Map, class Other>
+void EncodedText::encodeUtf8(const char* text, std::size_t size, Map map, Other other) {
+    m_codes = roomFor(2 * size + kPadding + kUtf8BlockOverrun + 1);
     // Each character begins where the one before it ends.
-    m_starts = m_codes + bytes + kPadding;
+    m_starts = m_codes + size + kPadding;
     m_ends = m_starts + 1;
     m_starts[0] = 0;
-    std::int32_t* code = m_codes;
-    std::int32_t* end = m_ends;
-    decode([&](std::int32_t value, std::size_t start, std::uint32_t size) {
-        *code++ = value;
-        *end++ = static_cast<std::int32_t>(start + size);
-    });
-    m_size = static_cast<std::size_t>(code - m_codes);
-    std::fill_n(code, kPadding, kEnd);
+    Utf8Progress done;
+    const auto append = [&](std::int32_t code, std::size_t bytes) {
+        m_codes[done.characters] = code;
+        done.bytes += bytes;
+        m_ends[done.characters++] = static_cast<std::int32_t>(done.bytes);
+    };
+    const DecodeUtf8Blocks decodeBlocks = utf8Blocks();
+    for (bool goesOn = true; goesOn && done.bytes < size;) {
+        const std::size_t first = done.characters;
+        decodeBlocks(text, size, done, m_codes, m_ends);
+        std::transform(m_codes + first, m_codes + done.characters, m_codes + first, map);
+        if (done.bytes == size) break;
+        const auto* const left = reinterpret_cast<const std::uint8_t*>(text) + done.bytes;
+        goesOn = other(decodeMultiByte(left, size - done.bytes), append);
+    }
+    m_size = done.characters;
+    std::fill_n(m_codes + m_size, kPadding, kEnd);
 }
 
 }  // namespace Dictionary

@@ -105,13 +105,14 @@ inline Utf8Character decodeMultiByteOfFour(const std::uint8_t* text) {
     return decodeMultiByte(text, sizeof bytes);
 }
 
-// Calls `emit(code, start, 1)` for the characters from `start` on, as long as they are ASCII and
-// whole blocks of bytes, which takes registers of them at a time. Returns where that ends.
+// Calls `emit(code, start, 1)` for the characters from `start` on, where one is ASCII: for whole
+// blocks of it, which takes registers of them at a time, or for that one. Returns where that ends.
 template <class Emit>
-std::size_t decodeAsciiBlocks(const std::uint8_t* bytes, std::size_t start, std::size_t size,
+std::size_t decodeAscii(const std::uint8_t* bytes, std::size_t start, std::size_t size,
                               Emit& emit) {
     constexpr std::size_t kBlock = 16;
     constexpr std::uint64_t kHighBits = 0x8080808080808080u;
+    const std::size_t first = start;
     for (; size - start >= kBlock; start += kBlock) {
         std::uint64_t halves[2];
         std::memcpy(halves, bytes + start, kBlock);
@@ -120,34 +121,42 @@ std::size_t decodeAsciiBlocks(const std::uint8_t* bytes, std::size_t start, std:
         std::memcpy(block, halves, kBlock);
         for (std::size_t i = 0; i < kBlock; ++i) emit(std::int32_t{block[i]}, start + i, 1u);
     }
-    return start;
+    if (start != first) return start;
+    emit(std::int32_t{bytes[start]}, start, 1u);
+    return start + 1;
 }
 
-// Calls `emit(code, start, length)` for every character of the `size` bytes at `text`, up to the
-// first sequence that is illegal or cut off. Returns where that is, or `size`.
-template <class Emit>
-std::size_t decodeUtf8(const char* text, std::size_t size, Emit emit) {
+// Calls `take(code, start, length)` for every character of the `size` bytes at `text`, up to the
+// first sequence that is illegal or cut off, or that `take` returns false for. Returns where that
+// is, or `size`.
+template <class Take>
+std::size_t decodeUtf8While(const char* text, std::size_t size, Take take) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text);
     constexpr std::size_t kLongest = 4;
-    for (std::size_t start = 0; start < size;) {
+    std::size_t start = 0;
+    while (start < size) {
         if (bytes[start] < 0x80) {
-            const std::size_t blocksEnd = decodeAsciiBlocks(bytes, start, size, emit);
-            if (blocksEnd == start) {
-                emit(std::int32_t{bytes[start]}, start, 1u);
-                ++start;
-            } else {
-                start = blocksEnd;
-            }
+            start = decodeAscii(bytes, start, size, take);
             continue;
         }
         const std::size_t left = size - start;
         const Utf8Character character = left < kLongest ? decodeMultiByte(bytes + start, left)
                                                         : decodeMultiByteOfFour(bytes + start);
-        if (character.length == 0) return start;
-        emit(character.code, start, character.length);
+        if (character.length == 0 || !take(character.code, start, character.length)) break;
         start += character.length;
     }
-    return size;
+    return start;
+}
+
+// Calls `emit(code, start, length)` for every character up to the first sequence that is illegal or
+// cut off. Returns where that is, or `size`.
+template <class Emit>
+std::size_t decodeUtf8(const char* text, std::size_t size, Emit emit) {
+    return decodeUtf8While(text, size,
+                           [&](std::int32_t code, std::size_t start, std::uint32_t length) {
+                               emit(code, start, length);
+                               return true;
+                           });
 }
 
 // The same for all bytes: one that begins no legal sequence is a character of code `illegal`.
