@@ -72,12 +72,13 @@ private:
         return known != 0;
     }
 
-    static bool isBetween(std::uint16_t code, std::uint16_t first, std::uint16_t last) {
+    // 1 or 0, so that clang sees numbers joined by bits and no conditions.
+    static int isBetween(std::uint16_t code, std::uint16_t first, std::uint16_t last) {
         return static_cast<std::uint16_t>(code - first) <= last - first;
     }
 
     // Punctuation, Kana, Bopomofo and Han, not all of them.
-    static bool isAsciiOrWordless(std::uint16_t code) {
+    static int isAsciiOrWordless(std::uint16_t code) {
         return isBetween(code, 0, 0x7F) | isBetween(code, 0x200E, 0x2070) |
                isBetween(code, 0x2E30, 0x3029) | isBetween(code, 0x3030, 0x3098) |
                isBetween(code, 0x309B, 0x3130) | isBetween(code, kFirstWordless, kLastWordless) |
