@@ -36,8 +36,11 @@ inline std::string joined(const Characters& text, std::size_t from, std::size_t 
 constexpr double kUnknownCost = 7;
 
 // The pieces of the cheapest way to cut a text, keys in brackets; no key has more than `longest`
-// characters. Costs are whole numbers, so that sums are exact.
-inline std::string cheapestPieces(const Words& costs, const Characters& text, std::size_t longest) {
+// characters, or begins or ends at a character of `closed`. Costs are whole numbers, so that sums
+// are exact.
+inline std::string cheapestPieces(const Words& costs, const Characters& text, std::size_t longest,
+                                  std::vector<bool> closed = {}) {
+    closed.resize(text.size() + 1);
     std::vector<double> best(text.size() + 1);
     std::vector<std::size_t> ends(text.size());
     std::vector<bool> isKey(text.size());
@@ -46,7 +49,7 @@ inline std::string cheapestPieces(const Words& costs, const Characters& text, st
         ends[from] = from + 1;
         for (std::size_t to = from + 1; to <= std::min(from + longest, text.size()); ++to) {
             const auto found = costs.find(joined(text, from, to));
-            if (found == costs.end()) continue;
+            if (found == costs.end() || closed[from] || closed[to]) continue;
             const double cost = std::stod(found->second) + best[to];
             if (isKey[from] && cost > best[from]) continue;
             isKey[from] = true;

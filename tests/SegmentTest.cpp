@@ -51,7 +51,8 @@ public:
     }
 
     const DictionaryMatches& find(const std::string& text, int unit, bool joinedRuns = false) {
-        const DictionaryFindOptions chosen = options(unit, joinedRuns);
+        DictionaryFindOptions chosen = options(unit, joinedRuns);
+        chosen.wholeWords = wholeWords;
         DictionaryError error;
         dictionaryFindMatches(m_handle.get(), &chosen, textOf(text), &m_matches, &error);
         EXPECT_EQ(error.code, DICTIONARY_OK) << error.text;
@@ -87,6 +88,8 @@ public:
     }
 
     const DictionaryHandle* handle() const { return m_handle.get(); }
+
+    bool wholeWords = false;
 
 private:
     const Handle m_handle;
@@ -180,6 +183,35 @@ TEST(Segment, CutsLongTextsAsOne) {
     // Sequences that never begin leave no place to cut a text in two but between any of them.
     const std::string rubbish(100'000, '\x80');
     EXPECT_EQ(subject.find(rubbish, DICTIONARY_UNIT_BYTE).count, rubbish.size());
+}
+
+// Words, some with more marks than a piece of the text, go on from one piece to the next.
+TEST(Segment, CutsLongTextsAtWholeWordsAsOne) {
+    const Characters letters = {"a", "é", "\u0301", "中", "-"};
+    Random random;
+    const Words costs = {{"a", "1"},  {"\u0301", "1"}, {"中", "2"}, {"中中", "3"},
+                         {"aé", "3"}, {"é", "4"},      {"-a", "2"}};
+    Subject subject(costs);
+    subject.wholeWords = true;
+    subject.weigh(DICTIONARY_WEIGHTS_COSTS, 1, kUnknownCost);
+    for (const std::size_t marks : {0u, 9u, 30'000u, 70'000u}) {
+        Characters text;
+        std::vector<bool> closed;
+        bool followsWord = false;
+        const auto add = [&](const std::string& letter) {
+            const bool isMark = letter == "\u0301", isLetter = letter == "a" || letter == "é";
+            closed.push_back(followsWord && (isLetter || isMark));
+            followsWord = isLetter || (isMark && followsWord);
+            text.push_back(letter);
+        };
+        for (int i = 0; i < 40'000; ++i) {
+            const bool isLong = i % 20'000 == 10'000;
+            for (std::size_t left = isLong ? marks : 0; left > 0; --left) add("\u0301");
+            add(random.of(letters));
+        }
+        EXPECT_EQ(subject.pieces(joined(text, 0, text.size())),
+                  cheapestPieces(costs, text, 2, closed));
+    }
 }
 
 TEST(Segment, FindsKeysLongerThanAnyPiece) {

@@ -57,7 +57,7 @@ bool areFoundAlike(const std::string& text) {
     const EncodedText encoded(text.data(), text.size(), EncodedText::kPassOver);
     const Words<EncodedText> words(encoded);
     InsideWords inside;
-    inside.find(encoded);
+    inside.find(encoded, {});
     const std::uint8_t* const closed = inside.closedPlaces();
     for (std::size_t place = 0; place <= encoded.size(); ++place) {
         const bool isClosed = closed != nullptr && closed[place] != 0;

@@ -1,6 +1,7 @@
 #include "CheapestPath.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "KeyScan.h"
 #include "TextSearch.h"
@@ -52,13 +53,23 @@ std::size_t labelsBefore(const EncodedText& labels, std::size_t place) {
     return labels.isInsidePair(low) ? low + 1 : low;
 }
 
-// The byte of what was encoded where label `place`, or its end, is.
-std::size_t byteOf(const EncodedText& labels, std::size_t place) {
-    if (place == 0) return 0;
-    return static_cast<std::size_t>(labels.span(place - 1, place, kNoFeature).end) + 1;
+// What is beside the bytes from `start` up to, but without, `end`.
+template <class Text>
+InsideWords::Neighbours neighboursOf(const Text& text, std::size_t start, std::size_t end) {
+    const WordClass next =
+        end == text.size() ? WordClass::kNone : wordClassOf(text.characterAt(end));
+    return {Words<Text>(text).followsWord(start), next};
 }
 
 }  // namespace
+
+bool CheapestPath::formsDiffer() const {
+    const auto& images = m_images.images;
+    const auto differs = [&](const WeightedImage& one) {
+        return one.isFolded != images.front().isFolded;
+    };
+    return std::any_of(images.begin(), images.end(), differs);
+}
 
 // In bytes, how far keys reach at most.
 std::size_t CheapestPath::lookahead() const {
@@ -89,9 +100,11 @@ std::size_t CheapestPath::windowStart(std::size_t end) const {
 
 void CheapestPath::cutWindow(std::size_t start, std::size_t end) {
     const std::size_t readEnd = nextBetweenSequences(m_text, end + m_lookahead);
-    const SetText window(m_images.images, m_text.substr(start, readEnd - start),
-                         [](const WeightedImage& weighted) { return weighted.isFolded; });
-    const EncodedText& labels = window.any();
+    Window window = {SetText(m_images.images, m_text.substr(start, readEnd - start),
+                             [](const WeightedImage& weighted) { return weighted.isFolded; }),
+                     {}};
+    if (m_wholeWords) findInsideWords(window, start, readEnd);
+    const EncodedText& labels = window.labels.any();
     const std::size_t own = labelsBefore(labels, end - start);
     m_laterScores.swap(m_scores);
     m_scores.resize(labels.size() + 1);
@@ -101,7 +114,7 @@ void CheapestPath::cutWindow(std::size_t start, std::size_t end) {
                 m_scores.begin() + static_cast<std::ptrdiff_t>(own));
     for (std::size_t blockEnd = own, first; blockEnd > 0; blockEnd = first) {
         first = (blockEnd - 1) / TextSearch::kBlock * TextSearch::kBlock;
-        findKeys(window, first, blockEnd, start);
+        findKeys(window, first, blockEnd);
         cutBlock(labels, first, blockEnd, start);
     }
 }
@@ -145,59 +158,53 @@ void CheapestPath::note(std::size_t start, std::size_t bytes, Source source) {
     if (start < m_sources.size()) m_sources[start] = source;
 }
 
-// Finds the keys that begin at the labels from `first` up to, but without, `end`.
-void CheapestPath::findKeys(const SetText& window, std::size_t first, std::size_t end,
-                            std::size_t start) {
-    m_found.clear();
-    if (m_images.images.size() == 1 && !m_wholeWords) {
-        return findPlainKeys(window.any(), first, end);
+// Of a window that has the bytes from `start` up to, but without, `end`.
+void CheapestPath::findInsideWords(Window& window, std::size_t start, std::size_t end) const {
+    for (const WeightedImage& weighted : m_images.images) {
+        InsideWords& inside = window.insideWords[weighted.isFolded];
+        if (inside.isFound()) continue;
+        inside.find(window.labels.of(weighted.isFolded),
+                    weighted.isFolded ? neighboursOf(FoldedText(m_text), start, end)
+                                      : neighboursOf(LabelText(m_text), start, end));
     }
-    for (std::size_t from = first; from < end; ++from) {
-        if (!window.any().isInsidePair(from)) findKeysAt(window, from, start);
+}
+
+// Finds the keys that begin at the labels from `first` up to, but without, `end`.
+void CheapestPath::findKeys(const Window& window, std::size_t first, std::size_t end) {
+    m_found.clear();
+    for (std::uint32_t image = 0; image < m_images.images.size(); ++image) {
+        findKeysOf(image, window, first, end);
+        if (m_found.empty()) {
+            m_found.swap(m_ofImage);
+        } else if (!m_ofImage.empty()) {
+            mergeKeys();
+        }
     }
 }
 
 // The weights are read here, and not while paths are compared, so that no comparison waits for one.
-void CheapestPath::findPlainKeys(const EncodedText& labels, std::size_t first, std::size_t end) {
-    const WeightedImage& weighted = m_images.images.front();
-    const TextSearch search(weighted.image.cells(), labels);
+void CheapestPath::findKeysOf(std::uint32_t image, const Window& window, std::size_t first,
+                              std::size_t end) {
+    m_ofImage.clear();
+    const WeightedImage& weighted = m_images.images[image];
+    const EncodedText& labels = window.labels.of(weighted.isFolded);
+    TextSearch search(weighted.image.cells(), labels);
+    search.closePlaces(window.insideWords[weighted.isFolded].closedPlaces());
     search.forEachKeyIn(
         first, kAlphabet, [&](std::size_t from, std::size_t keyEnd, std::int32_t feature) {
             if (from >= end || labels.isInsidePair(keyEnd)) return;
-            m_found.push_back({from, keyEnd, weighted.weights.of(feature), {0, feature}});
+            m_ofImage.push_back({from, keyEnd, weighted.weights.of(feature), {image, feature}});
         });
 }
 
-// Finds the keys that begin at label `from` in each image, as far as they are whole words.
-void CheapestPath::findKeysAt(const SetText& window, std::size_t from, std::size_t start) {
-    const std::size_t firstKey = m_found.size();
-    for (std::uint32_t image = 0; image < m_images.images.size(); ++image) {
-        const WeightedImage& weighted = m_images.images[image];
-        const EncodedText& labels = window.of(weighted.isFolded);
-        const auto isInside = [&](std::size_t place) {
-            return m_wholeWords && isInsideWord(weighted, start + byteOf(labels, place));
-        };
-        if (isInside(from)) continue;
-        walkFrom(
-            weighted.image.cells(), labels, from, kAlphabet,
-            [&](std::size_t end, std::int32_t feature) {
-                if (labels.isInsidePair(end) || isInside(end)) return;
-                mergeKey(firstKey, {from, end, weighted.weights.of(feature), {image, feature}});
-            });
-    }
-}
-
-// Puts a key in its place by length among those from number `firstKey` on, or in that of an earlier
-// image's.
-void CheapestPath::mergeKey(std::size_t firstKey, const FoundKey& key) {
-    const auto place =
-        std::lower_bound(m_found.begin() + static_cast<std::ptrdiff_t>(firstKey), m_found.end(),
-                         key, [](const FoundKey& a, const FoundKey& b) { return a.end < b.end; });
-    if (place != m_found.end() && place->end == key.end) {
-        *place = key;
-    } else {
-        m_found.insert(place, key);
-    }
+// Puts the keys of an image among those of the images before it, or in their place.
+void CheapestPath::mergeKeys() {
+    m_merged.clear();
+    std::set_union(m_ofImage.begin(), m_ofImage.end(), m_found.begin(), m_found.end(),
+                   std::back_inserter(m_merged), [](const FoundKey& a, const FoundKey& b) {
+                       return a.from != b.from ? a.from < b.from : a.end < b.end;
+                   });
+    m_found.swap(m_merged);
 }
 
 // Whether byte `place` of the text is inside a word where that counts.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ImageFormat.h"
+#include "InsideWords.h"
 #include "LabelText.h"
 #include "SetText.h"
 #include "Walk.h"
@@ -35,7 +36,10 @@ class CheapestPath {
 public:
     // With `wholeWords` no key begins or ends inside a word.
     CheapestPath(const WeightedImages& images, bool wholeWords)
-        : m_images(images), m_wholeWords(wholeWords), m_lookahead(lookahead()) {}
+        : m_images(images),
+          m_wholeWords(wholeWords),
+          m_formsDiffer(formsDiffer()),
+          m_lookahead(lookahead()) {}
 
     // Cuts `text`, which must last as long as its pieces are asked for.
     void cut(std::string_view text);
@@ -67,6 +71,13 @@ private:
         Source source;
     };
 
+    // A part of the text, as labels.
+    struct Window {
+        SetText labels;
+        InsideWords insideWords[2];  // by whether the labels are folded
+    };
+
+    bool formsDiffer() const;
     std::size_t lookahead() const;
     std::size_t windowStart(std::size_t end) const;
     void cutWindow(std::size_t start, std::size_t end);
@@ -74,17 +85,18 @@ private:
     void cutAt(const EncodedText& labels, std::size_t from, std::size_t start);
     void note(std::size_t start, std::size_t bytes, Source source);
 
-    void findKeys(const SetText& window, std::size_t first, std::size_t end, std::size_t start);
-    void findPlainKeys(const EncodedText& labels, std::size_t first, std::size_t end);
-    void findKeysAt(const SetText& window, std::size_t from, std::size_t start);
+    void findInsideWords(Window& window, std::size_t start, std::size_t end) const;
+    void findKeys(const Window& window, std::size_t first, std::size_t end);
+    void findKeysOf(std::uint32_t image, const Window& window, std::size_t first, std::size_t end);
+    void mergeKeys();
     bool isInsideWord(const WeightedImage& weighted, std::size_t place) const;
-    void mergeKey(std::size_t firstKey, const FoundKey& key);
 
     template <class Found>
     bool findKey(std::size_t start, std::size_t end, Found found) const;
 
     const WeightedImages& m_images;
     const bool m_wholeWords;
+    const bool m_formsDiffer;       // whether some images are folded and some are not
     const std::size_t m_lookahead;  // in bytes; no key is longer
     std::string_view m_text;
     std::vector<std::uint8_t> m_keys;  // by the byte at which they begin
@@ -94,7 +106,8 @@ private:
     std::vector<double> m_scores;  // by label of the window, of the best path to the end
     std::vector<double> m_laterScores;
     std::vector<FoundKey> m_found;  // in a block of labels, by start, shortest first
-    std::size_t m_left = 0;         // of them, where no path was chosen yet
+    std::vector<FoundKey> m_ofImage, m_merged;
+    std::size_t m_left = 0;  // of them, where no path was chosen yet
 };
 
 // Calls `found(image, feature)` for the key in the bytes from `start` up to, but without, `end`, as
@@ -109,7 +122,10 @@ bool CheapestPath::findKey(std::size_t start, std::size_t end, Found found) cons
             done = i;
         };
         const WeightedImage& weighted = m_images.images[i];
-        if (isInsideWord(weighted, start) || isInsideWord(weighted, end)) continue;
+        // Of images that read the text alike, the one that has the key is known to be meant.
+        if (m_formsDiffer && (isInsideWord(weighted, start) || isInsideWord(weighted, end))) {
+            continue;
+        }
         if (weighted.isFolded) {
             findWholeKey(weighted.image.cells(), FoldedText(key), kNoAlphabet, foundHere);
         } else {

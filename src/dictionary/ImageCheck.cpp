@@ -95,10 +95,6 @@ private:
     bool isFilled(const Cell& cell) const {
         return isBase(cell.base) && isReference(cell.feature) && (cell.base | cell.feature) < 0;
     }
-    static bool isSurrogate(std::int64_t label) {
-        constexpr int kBits = kSurrogateBits + 1;
-        return label >> kBits == kHighSurrogates >> kBits;
-    }
     std::int64_t distance(std::int64_t index, const Cell& parent) const {
         return index - childIndex(parent, 0);
     }

@@ -17,13 +17,22 @@ namespace Dictionary {
 // Short texts take no memory from the heap.
 class InsideWords {
 public:
+    // What is beside a text that is part of a longer one.
+    struct Neighbours {
+        bool followsWord = false;
+        WordClass next = WordClass::kNone;
+    };
+
     // Looks at each place of the text, that at the end included.
-    void find(const EncodedText& text) {
-        const std::size_t places = (text.size() + kBlock - 1) / kBlock * kBlock;
+    void find(const EncodedText& text, const Neighbours& beside) {
+        const std::size_t places = (text.size() + kBlock) / kBlock * kBlock;
         std::uint8_t* const bytes = roomFor(places + 1 + TextSearch::kClosedPadding);
-        bytes[0] = 0;
-        const bool hasMarks =
-            text.hasPairs() ? classifyEach(text, bytes + 1) : classifyBlocks(text, bytes + 1);
+        bytes[0] = beside.followsWord ? kLetter : std::uint8_t{0};
+        std::uint8_t* const classes = bytes + 1;
+        bool hasMarks = text.hasPairs() ? classifyEach(text, classes, places)
+                                        : classifyBlocks(text, classes, places);
+        classes[text.size()] = static_cast<std::uint8_t>(beside.next);
+        hasMarks |= beside.next == WordClass::kMark;
         const bool isAnyInside = hasMarks ? joinMarked(bytes, places) : join(bytes, places);
         std::fill_n(bytes + places, 1 + TextSearch::kClosedPadding, std::uint8_t{0});
         m_inside = isAnyInside ? bytes : nullptr;
@@ -37,7 +46,7 @@ public:
 private:
     static constexpr std::size_t kInlinePlaces = 256;
     static constexpr std::size_t kBlock = 16;  // characters that are classified together
-    static_assert(kBlock <= EncodedText::kPadding, "a block may begin at the last character");
+    static_assert(kBlock <= EncodedText::kPadding, "a block may begin where the text ends");
 
     // Bits of a byte for each character.
     static constexpr std::uint8_t kLetter = static_cast<std::uint8_t>(WordClass::kLetter);
@@ -45,9 +54,9 @@ private:
 
     // ---- The class of each character; returns whether any is a mark ----
 
-    static bool classifyBlocks(const EncodedText& text, std::uint8_t* classes) {
+    static bool classifyBlocks(const EncodedText& text, std::uint8_t* classes, std::size_t places) {
         bool hasMarks = false;
-        for (std::size_t first = 0; first < text.size(); first += kBlock) {
+        for (std::size_t first = 0; first < places; first += kBlock) {
             const std::int32_t* const codes = text.codes() + first;
             if (!classifyByRanges(codes, classes + first)) {
                 hasMarks |= classifyByTable(codes, classes + first);
@@ -95,11 +104,11 @@ private:
     }
 
     // Where there are pairs, their second labels are marks.
-    static bool classifyEach(const EncodedText& text, std::uint8_t* classes) {
+    static bool classifyEach(const EncodedText& text, std::uint8_t* classes, std::size_t places) {
         for (std::size_t place = 0; place < text.size(); ++place) {
             classes[place] = static_cast<std::uint8_t>(classOf(text, place));
         }
-        std::fill_n(classes + text.size(), kBlock, std::uint8_t{0});
+        std::fill(classes + text.size(), classes + places, std::uint8_t{0});
         return true;
     }
 
@@ -123,7 +132,7 @@ private:
 
     // The same where there are marks.
     static bool joinMarked(std::uint8_t* bytes, std::size_t places) {
-        bool followsWord = false, isAnyInside = false;
+        bool followsWord = bytes[0] != 0, isAnyInside = false;
         for (std::size_t place = 0; place < places; ++place) {
             const std::uint8_t at = bytes[place + 1];
             const bool isInside = followsWord && at != 0;

@@ -7,7 +7,7 @@ namespace Dictionary {
 
 TextSearch SetSearch::Part::search() const {
     TextSearch search(cells, *text);
-    if (closed != nullptr) search.closePlaces(closed);
+    search.closePlaces(closed);
     return search;
 }
 
@@ -20,7 +20,7 @@ SetSearch::SetSearch(const Images& images, const SetRules& rules, const SetText&
 SetSearch::Part SetSearch::partOf(const OpenImage& image) {
     const EncodedText& text = m_text.of(image.isFolded());
     InsideWords& inside = m_insideWords[image.isFolded()];
-    if (m_rules.wholeWords && !inside.isFound()) inside.find(text);
+    if (m_rules.wholeWords && !inside.isFound()) inside.find(text, {});
     return {image.view().cells(), &text, inside.closedPlaces()};
 }
 

@@ -45,7 +45,6 @@ public:
         return wordClassOf(m_text.characterAt(place)) != WordClass::kNone && followsWord(place);
     }
 
-private:
     // Whether what is before `place` belongs to a word.
     bool followsWord(std::size_t place) const {
         WordClass before = WordClass::kMark;
@@ -55,6 +54,7 @@ private:
         return before == WordClass::kLetter;
     }
 
+private:
     const Text& m_text;
 };
 

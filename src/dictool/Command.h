@@ -40,7 +40,7 @@ void defineHelp(CLI::App& program, Action& action);
 std::shared_ptr<CLI::App> makeProgram(const std::string& name, const std::string& summary,
                                       const std::string& details, const std::string& version);
 
-// The program's arguments, made so that texts are taken as they come: all that stands behind "--",
+// The program's arguments, made so that texts are taken as they come: all that follows "--",
 // and those in brackets, which would be taken for lists.
 std::vector<std::string> guardedArguments(int count, char** arguments);
 
@@ -48,7 +48,7 @@ std::vector<std::string> guardedArguments(int count, char** arguments);
 // is empty when a command is to be run. Wrong usage is thrown as a Failure.
 std::string parse(CLI::App& program, const std::vector<std::string>& arguments);
 
-// Adds a command. `details` stands behind the options in the help and as the description in the
+// Adds a command. `details` follows the options in the help and as the description in the
 // manual.
 CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& summary,
                      const std::string& details, std::function<void()> whenChosen);

@@ -20,7 +20,7 @@ struct Block {
     std::uint64_t firstLine = 1;  // the number of the first one
 };
 
-// The lines of several files, one behind the other and numbered through. A file that cannot be
+// The lines of several files, one after the other and numbered through. A file that cannot be
 // read is reported and passed over. Blocks have some 100 KB, or a line when that is longer.
 class Lines {
 public:

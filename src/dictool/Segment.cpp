@@ -1,4 +1,4 @@
-// segment: the longest keys of each line, one behind the other.
+// segment: the longest keys of each line, one after the other.
 
 #include "Filter.h"
 
@@ -8,7 +8,7 @@ namespace {
 
 constexpr char kDetails[] =
     "Writes a line for every line read: the longest key at the first position that has one, then\n"
-    "the same behind it, and so on, each followed by a tab. The formats are those of search. With\n"
+    "the same after it, and so on, each followed by a tab. The formats are those of search. With\n"
     "--keep, what lies between the keys is written likewise, without data (null in json).\n"
     "\nWith --count-field or --cost-field, of all ways to cut a line into keys and unknown\n"
     "characters the one that costs least: a key costs the logarithm of the sum of all counts "

@@ -10,9 +10,6 @@ namespace {
 constexpr std::int32_t kNoCell = 0;
 constexpr std::int32_t kRoot = 0;
 
-bool isSurrogate(std::int32_t label) {
-    return Dictionary::isHighSurrogate(label) || Dictionary::isLowSurrogate(label);
-}
 bool isPair(std::int32_t high, std::int32_t low) {
     return Dictionary::isHighSurrogate(high) && Dictionary::isLowSurrogate(low);
 }
@@ -26,7 +23,8 @@ Trie::Trie(const Image& image)
     // Characters above U+FFFF, which begin with a surrogate, come after all others.
     for (const bool surrogates : {true, false}) {
         for (std::int32_t cell = image.cellCount() - 1; cell > 0; --cell) {
-            if (image.isUsed(cell) && isSurrogate(label(cell)) == surrogates) addFront(cell);
+            if (image.isUsed(cell) && Dictionary::isSurrogate(label(cell)) == surrogates)
+                addFront(cell);
         }
     }
 }

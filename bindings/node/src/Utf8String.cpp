@@ -12,10 +12,6 @@ namespace {
 constexpr std::size_t kMostBytesOfUnit = 3;
 constexpr char kIllegalByte = '\xFF';
 
-bool isSurrogate(char16_t unit) {
-    return isHighSurrogate(unit) || isLowSurrogate(unit);
-}
-
 // Encodes the character at units[i], moves `i` after it and returns where its bytes end.
 char* putCharacter(std::u16string_view units, std::size_t& i, char* to, bool& isWellFormed) {
     const char16_t unit = units[i++];

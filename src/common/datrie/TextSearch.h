@@ -22,7 +22,8 @@ public:
         : m_cells(cells), m_text(text), m_together(walkTogether()) {}
 
     // Leaves keys out that begin or end at a place whose entry in `closed` is not 0. There is one
-    // for each place, that at the end included, and kClosedPadding more of any value.
+    // for each place, that at the end included, and kClosedPadding more of any value. Null closes
+    // none.
     void closePlaces(const std::uint8_t* closed) { m_closed = closed; }
     static constexpr std::size_t kClosedPadding = WalkGroup::kReach;
 

@@ -7,10 +7,11 @@
 
 namespace {
 
+using Dictionary::isSurrogate;
+
 constexpr uint32_t kReplacement = 0xFFFD;
 constexpr uint32_t kLargestBmp = 0xFFFF;
 constexpr uint32_t kLargestLegal = 0x10FFFF;
-constexpr uint32_t kSurrogateValues = 0x800;
 
 // The number of continuation bytes that a lead byte announces, by its upper six bits.
 constexpr signed char kTrailingBytes[64] = {
@@ -23,10 +24,6 @@ struct Character {
     uint32_t value;
     int units;
 };
-
-bool isSurrogate(uint32_t value) {
-    return value - Dictionary::kHighSurrogates < kSurrogateValues;
-}
 
 // The length in bytes of the form that `lead` announces, 1 to 6.
 int announcedLength(uint8_t lead) {

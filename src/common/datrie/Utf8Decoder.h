@@ -24,6 +24,10 @@ inline std::int32_t highSurrogateOf(std::int32_t code) {
 inline std::int32_t lowSurrogateOf(std::int32_t code) {
     return kLowSurrogates | (code & ((1 << kSurrogateBits) - 1));
 }
+inline bool isSurrogate(std::int64_t code) {
+    constexpr int kBitsOfEither = kSurrogateBits + 1;
+    return code >> kBitsOfEither == kHighSurrogates >> kBitsOfEither;
+}
 inline bool isHighSurrogate(std::int32_t code) {
     return code >> kSurrogateBits == kHighSurrogates >> kSurrogateBits;
 }
@@ -109,7 +113,7 @@ inline Utf8Character decodeMultiByteOfFour(const std::uint8_t* text) {
 // blocks of it, which takes registers of them at a time, or for that one. Returns where that ends.
 template <class Emit>
 std::size_t decodeAscii(const std::uint8_t* bytes, std::size_t start, std::size_t size,
-                              Emit& emit) {
+                        Emit& emit) {
     constexpr std::size_t kBlock = 16;
     constexpr std::uint64_t kHighBits = 0x8080808080808080u;
     const std::size_t first = start;
