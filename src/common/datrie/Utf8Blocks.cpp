@@ -98,9 +98,9 @@ struct Block {
     const __m512i front = _mm512_maskz_compress_epi16(which, lanes);
     const __m512i more = _mm512_set1_epi32(static_cast<int>(by));
     __m512i numbers = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-    for (int i = 0; i < 2; ++i) {
+    for (std::int32_t* const half : {to, to + kWords}) {
         const __m512i words = _mm512_maskz_permutexvar_epi16(kLowHalves, numbers, front);
-        _mm512_storeu_si512(to + i * kWords, _mm512_add_epi32(words, more));
+        _mm512_storeu_si512(half, _mm512_add_epi32(words, more));
         numbers = _mm512_add_epi32(numbers, _mm512_set1_epi32(kWords));
     }
 }
