@@ -142,7 +142,7 @@ FAULTS = [
 ]
 
 
-class Dictool(unittest.TestCase):
+class Case(unittest.TestCase):
     def assertRefused(self, result, status, *beginnings):
         self.assertEqual(result[0], status, result)
         lines = result[2].splitlines()
@@ -150,6 +150,8 @@ class Dictool(unittest.TestCase):
         for line, beginning in zip(lines, beginnings):
             self.assertTrue(line.startswith("dictool: " + beginning), line)
 
+
+class Commands(Case):
     def test_answers(self):
         for arguments, given, expected in ANSWERS:
             with self.subTest(arguments, given=given):
@@ -329,19 +331,6 @@ class Dictool(unittest.TestCase):
         for outside in ("http", "src=", "url(", "<link", "@import", name):
             self.assertNotIn(outside, page)
 
-    def test_threads_and_processes_give_the_same_bytes(self):
-        for options in ("search -d", "search -f json --all --offset char", "segment -k", "replace -w",
-                        "lookup"):
-            command = [DICTOOL, options.split()[0], "sample.bin", *options.split()[1:]]
-            alone = run(*command[1:], given=read("large.txt"))
-            self.assertEqual(run(*command[1:], "-j8", given=read("large.txt")), alone, options)
-            if "json" in options or not shutil.which("parallel"):
-                continue  # a line's number is that in its process
-            done = subprocess.run(["parallel", "--will-cite", "--pipe", "--keep-order", "--block",
-                                   "200k", *command], input=read("large.txt"), cwd=HERE,
-                                  stdout=subprocess.PIPE, check=False)
-            self.assertTrue(done.stdout == alone[1], options)
-
     def test_files(self):
         write("one", "ab\nbc")
         files = ["one", "gone", "-", ".", "one"]
@@ -355,38 +344,6 @@ class Dictool(unittest.TestCase):
         done = subprocess.run(["sh", "-c", 'exec "$0" verify words.bin <&-', DICTOOL], cwd=HERE,
                               stdout=subprocess.PIPE, check=False)
         self.assertEqual((done.returncode, done.stdout), (0, b"words.bin: ok\n"))
-
-    def test_long_lines(self):
-        line = b"abc" * 500000
-        for options in (["-j1"], ["-j8"], ["--line-buffered"]):
-            given = line + b"\n\n" + line
-            result = run("segment", "words.bin", *options, given=given)
-            self.assertTrue(result[1] == b"abc\t" * 500000 + b"\n\n" + b"abc\t" * 500000 + b"\n")
-
-    def test_answers_line_by_line(self):
-        command = [DICTOOL, "search", "--line-buffered", "-j4", "words.bin"]
-        with subprocess.Popen(command, cwd=HERE, stdin=subprocess.PIPE,
-                              stdout=subprocess.PIPE) as process:
-            for _ in range(3):
-                process.stdin.write(b"xabc\n")
-                process.stdin.flush()
-                self.assertEqual(process.stdout.readline(), b"abc\tbc\t\n")
-            process.stdin.close()
-
-    def test_output_that_fails(self):
-        writing = [["search", "-j4"], ["segment"], ["replace"], ["lookup"], ["keys"], ["dump"], ["stat"], ["verify"],
-                   ["view", "-o", "-"], ["--help"], ["search", "--help"], ["--version"]]
-        for command in writing:
-            image = [] if command[-1][:2] == "--" else ["words.bin"]
-            with open("/dev/full", "wb") as full:
-                result = run(*command, *image, given="abc\n", stdout=full)
-            self.assertRefused(result, TROUBLE, "standard output: error cannot-write")
-            reader, writer = os.pipe()
-            os.close(reader)
-            for restore in (True, False):
-                self.assertEqual(run(*command, *image, given="abc\n", stdout=writer,
-                                     restore_signals=restore), (CLOSED_PIPE, None, ""))
-            os.close(writer)
 
     def test_usage(self):
         for arguments in ([], ["bogus"], ["search"], ["search", "words.bin", "--bogus"],
@@ -421,6 +378,53 @@ class Dictool(unittest.TestCase):
                 for script in [*scripts, manual]:
                     self.assertIn(option, script)
         subprocess.run(["bash", "-n"], input=scripts[0].encode(), check=True)
+
+
+class Threads(Case):
+    def test_threads_and_processes_give_the_same_bytes(self):
+        for options in ("search -d", "search -f json --all --offset char", "segment -k", "replace -w",
+                        "lookup"):
+            command = [DICTOOL, options.split()[0], "sample.bin", *options.split()[1:]]
+            alone = run(*command[1:], given=read("large.txt"))
+            self.assertEqual(run(*command[1:], "-j8", given=read("large.txt")), alone, options)
+            if "json" in options or not shutil.which("parallel"):
+                continue  # a line's number is that in its process
+            done = subprocess.run(["parallel", "--will-cite", "--pipe", "--keep-order", "--block",
+                                   "200k", *command], input=read("large.txt"), cwd=HERE,
+                                  stdout=subprocess.PIPE, check=False)
+            self.assertTrue(done.stdout == alone[1], options)
+
+    def test_long_lines(self):
+        line = b"abc" * 500000
+        for options in (["-j1"], ["-j8"], ["--line-buffered"]):
+            given = line + b"\n\n" + line
+            result = run("segment", "words.bin", *options, given=given)
+            self.assertTrue(result[1] == b"abc\t" * 500000 + b"\n\n" + b"abc\t" * 500000 + b"\n")
+
+    def test_answers_line_by_line(self):
+        command = [DICTOOL, "search", "--line-buffered", "-j4", "words.bin"]
+        with subprocess.Popen(command, cwd=HERE, stdin=subprocess.PIPE,
+                              stdout=subprocess.PIPE) as process:
+            for _ in range(3):
+                process.stdin.write(b"xabc\n")
+                process.stdin.flush()
+                self.assertEqual(process.stdout.readline(), b"abc\tbc\t\n")
+            process.stdin.close()
+
+    def test_output_that_fails(self):
+        writing = [["search", "-j4"], ["segment"], ["replace"], ["lookup"], ["keys"], ["dump"], ["stat"], ["verify"],
+                   ["view", "-o", "-"], ["--help"], ["search", "--help"], ["--version"]]
+        for command in writing:
+            image = [] if command[-1][:2] == "--" else ["words.bin"]
+            with open("/dev/full", "wb") as full:
+                result = run(*command, *image, given="abc\n", stdout=full)
+            self.assertRefused(result, TROUBLE, "standard output: error cannot-write")
+            reader, writer = os.pipe()
+            os.close(reader)
+            for restore in (True, False):
+                self.assertEqual(run(*command, *image, given="abc\n", stdout=writer,
+                                     restore_signals=restore), (CLOSED_PIPE, None, ""))
+            os.close(writer)
 
 
 if __name__ == "__main__":
