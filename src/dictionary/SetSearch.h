@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <vector>
 
 #include "EncodedText.h"
@@ -47,16 +48,42 @@ public:
     void forEachSegment(const Found& found) const;
 
 private:
-    using Keys = std::vector<SetKey>;
+    // Which of the keys at a character count.
+    enum class Counts { kAll, kLongest };
 
     // What is searched of one image.
     struct Part {
-        CellView cells;
-        const EncodedText* text;
+        const CellView& cells;
+        const EncodedText& text;
         const std::uint8_t* closed;  // by place, whether it is inside a word; null for none
 
         bool isClosed(std::size_t place) const { return closed != nullptr && closed[place] != 0; }
         TextSearch search() const;
+    };
+
+    // The keys of all images but the first, block by block. Of keys at the same stretch that of the
+    // last image counts, or each.
+    class LaterKeys {
+    public:
+        using Keys = std::pmr::vector<SetKey>;
+
+        LaterKeys(const SetSearch& search, Counts counts) : m_search(search), m_counts(counts) {}
+
+        // Those that begin in the block of characters from `first` on, valid until the next call.
+        const Keys& in(std::size_t first);
+
+    private:
+        static constexpr std::size_t kRoom = 8192;  // bytes
+
+        void list(std::uint32_t image, std::size_t first);
+        void merge();
+
+        const SetSearch& m_search;
+        const Counts m_counts;
+        // Few keys at a time take no memory from the heap.
+        alignas(SetKey) char m_room[kRoom];
+        std::pmr::monotonic_buffer_resource m_memory{m_room, sizeof m_room};
+        Keys m_keys{&m_memory}, m_ofImage{&m_memory}, m_merged{&m_memory};  // of a block
     };
 
     // Passes on the keys of the first image.
@@ -67,114 +94,86 @@ private:
         };
     }
 
-    // The keys of all images but the first, block by block.
-    class LaterKeys {
-    public:
-        LaterKeys(const SetSearch& search, bool longestAlone)
-            : m_search(search), m_longestAlone(longestAlone) {}
-
-        // Whether none of them begins before `place` or at it.
-        bool areAfter(std::size_t place) const { return place < m_start; }
-        // The next key, if it begins before `place` or at it; else null.
-        const SetKey* upTo(std::size_t place) {
-            while (m_next == m_keys.size() && m_start <= place) fillBlock();
-            return areAfter(place) ? nullptr : &m_keys[m_next];
-        }
-        void pass() {
-            ++m_next;
-            setStart();
-        }
-
-    private:
-        void setStart() { m_start = m_next < m_keys.size() ? m_keys[m_next].from : m_blockEnd; }
-        void fillBlock();
-        void list(std::uint32_t image);
-        void merge();
-
-        const SetSearch& m_search;
-        const bool m_longestAlone;
-        Keys m_keys, m_ofImage, m_merged;  // of a block
-        std::size_t m_next = 0;            // key
-        std::size_t m_blockEnd = 0;
-        std::size_t m_start = 0;  // of the next key, or where the next block begins
-    };
-
-    template <class Found>
-    void forEachMergedKey(bool longestAlone, const Found& found) const;
-    template <class Found>
-    bool passLater(LaterKeys& later, bool longestAlone, std::size_t from, std::size_t end,
-                   const Found& found) const;
+    template <Counts counts, class Found>
+    void forEachMergedKey(const Found& found) const;
+    template <Counts counts, class Found>
+    void mergeBlock(const TextSearch& first, std::size_t block, const LaterKeys::Keys& later,
+                    const Found& found) const;
+    template <Counts counts, class Found>
+    static void searchBlock(const TextSearch& search, std::size_t block, const Found& found);
     bool longestAt(std::size_t from, KeyAt& key) const;
 
-    Part partOf(const OpenImage& image);
-    std::uint32_t parts() const { return static_cast<std::uint32_t>(1 + m_others.size()); }
-    const Part& part(std::uint32_t image) const {
-        return image == 0 ? m_first : m_others[image - 1];
-    }
+    std::size_t size() const { return m_text.any().size(); }
 
     const SetRules m_rules;
     const SetText& m_text;
     InsideWords m_insideWords[2];  // by whether the text is folded
-    const Part m_first;            // of image number 0, mostly the only one
-    std::vector<Part> m_others;
+    std::vector<Part> m_parts;     // by image
 };
 
 template <class Found>
 void SetSearch::forEachKey(const Found& found) const {
-    if (parts() > 1) return forEachMergedKey(false, found);
-    m_first.search().forEachKey(kAlphabet, takerOf(found));
+    if (m_parts.size() > 1) return forEachMergedKey<Counts::kAll>(found);
+    m_parts.front().search().forEachKey(kAlphabet, takerOf(found));
 }
 
 template <class Found>
 void SetSearch::forEachLongestKey(const Found& found) const {
-    if (parts() > 1) return forEachMergedKey(true, found);
-    m_first.search().forEachLongestKey(kAlphabet, takerOf(found));
+    if (m_parts.size() > 1) return forEachMergedKey<Counts::kLongest>(found);
+    m_parts.front().search().forEachLongestKey(kAlphabet, takerOf(found));
 }
 
 template <class Found>
 void SetSearch::forEachSegment(const Found& found) const {
-    if (parts() == 1) return m_first.search().forEachSegment(takerOf(found));
+    if (m_parts.size() == 1) return m_parts.front().search().forEachSegment(takerOf(found));
     KeyAt key = {};
-    for (std::size_t from = 0; from < m_text.any().size();) {
+    for (std::size_t from = 0; from < size();) {
         const bool isKey = longestAt(from, key);
         if (isKey) found(SetKey{from, key});
         from = isKey ? key.end : from + 1;
     }
 }
 
-// The first image, which tends to be the largest, is searched as it would be alone, and the keys of
-// the others come between its own. Of keys at the same stretch that of the later image counts, or
-// each; where the longest count alone, there is one length at each start.
-template <class Found>
-void SetSearch::forEachMergedKey(bool longestAlone, const Found& found) const {
-    if (m_text.any().size() == 0) return;
-    LaterKeys later(*this, longestAlone);
-    const auto merge = [&](std::size_t from, std::size_t end, std::int32_t feature) {
-        const bool counts =
-            later.areAfter(from) || passLater(later, longestAlone, from, end, found);
-        if (counts) found(SetKey{from, {end, 0, feature}});
-    };
-    const TextSearch first = m_first.search();
-    if (longestAlone) {
-        first.forEachLongestKey(kAlphabet, merge);
-    } else {
-        first.forEachKey(kAlphabet, merge);
+// The first image, which tends to be the largest, is searched as it would be alone, but for blocks
+// in which there are keys of others.
+template <SetSearch::Counts counts, class Found>
+void SetSearch::forEachMergedKey(const Found& found) const {
+    LaterKeys later(*this, counts);
+    const TextSearch first = m_parts.front().search();
+    for (std::size_t block = 0; block < size(); block += TextSearch::kBlock) {
+        const LaterKeys::Keys& others = later.in(block);
+        if (others.empty()) {
+            searchBlock<counts>(first, block, takerOf(found));
+        } else {
+            mergeBlock<counts>(first, block, others, found);
+        }
     }
-    const std::size_t last = m_text.any().size() - 1;
-    for (const SetKey* other; (other = later.upTo(last)) != nullptr; later.pass()) found(*other);
 }
 
-// Passes the later keys on that come before one of the first image. Whether that counts.
-template <class Found>
-bool SetSearch::passLater(LaterKeys& later, bool longestAlone, std::size_t from, std::size_t end,
-                          const Found& found) const {
-    const SetKey* other = later.upTo(from);
-    for (; other != nullptr && comesBefore(*other, from, end); other = later.upTo(from)) {
-        if (!longestAlone || other->from < from) found(*other);
-        later.pass();
+// Where the longest count alone, the later keys have one length at each start.
+template <SetSearch::Counts counts, class Found>
+void SetSearch::mergeBlock(const TextSearch& first, std::size_t block, const LaterKeys::Keys& later,
+                           const Found& found) const {
+    auto other = later.begin();
+    searchBlock<counts>(first, block, [&](std::size_t from, std::size_t end, std::int32_t feature) {
+        for (; other != later.end() && comesBefore(*other, from, end); ++other) {
+            if (counts == Counts::kAll || other->from < from) found(*other);
+        }
+        const bool meets = other != later.end() && other->from == from;
+        const bool isCounted =
+            !meets || (other->key.end == end ? m_rules.everyImage : counts == Counts::kAll);
+        if (isCounted) found(SetKey{from, {end, 0, feature}});
+    });
+    for (; other != later.end(); ++other) found(*other);
+}
+
+template <SetSearch::Counts counts, class Found>
+void SetSearch::searchBlock(const TextSearch& search, std::size_t block, const Found& found) {
+    if constexpr (counts == Counts::kAll) {
+        search.forEachKeyIn(block, kAlphabet, found);
+    } else {
+        search.forEachLongestKeyIn(block, kAlphabet, found);
     }
-    if (other == nullptr) return true;
-    return other->key.end == end ? m_rules.everyImage : !longestAlone;
 }
 
 }  // namespace Dictionary

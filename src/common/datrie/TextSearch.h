@@ -38,15 +38,19 @@ public:
     static constexpr std::size_t kBlock = WalkGroup::kWalks;
     template <class Found>
     void forEachKeyIn(std::size_t first, std::int32_t alphabet, Found found) const {
-        forEachKeyBetween(first, std::min(first + kBlock, m_text.size()), alphabet, found);
+        forEachKeyBetween(first, blockEnd(first), alphabet, found);
     }
 
     // Calls `found(from, end, feature)` for the longest key at every character of the alphabet.
     template <class Found>
     void forEachLongestKey(std::int32_t alphabet, Found found) const {
-        forEachGroup(0, m_text.size(), alphabet, [&](const WalkGroup& group, std::size_t first) {
-            forEachLongestOf(group, first, alphabet, found);
-        });
+        forEachLongestKeyBetween(0, m_text.size(), alphabet, found);
+    }
+
+    // The same for the keys that begin in the block of characters from `first` on.
+    template <class Found>
+    void forEachLongestKeyIn(std::size_t first, std::int32_t alphabet, Found found) const {
+        forEachLongestKeyBetween(first, blockEnd(first), alphabet, found);
     }
 
     // Calls `found(from, end, feature)` for the longest key at the first character that begins one,
@@ -63,11 +67,23 @@ public:
     }
 
 private:
+    std::size_t blockEnd(std::size_t first) const {
+        return std::min(first + kBlock, m_text.size());
+    }
+
     template <class Found>
     void forEachKeyBetween(std::size_t first, std::size_t end, std::int32_t alphabet,
                            Found& found) const {
         forEachGroup(first, end, alphabet, [&](const WalkGroup& group, std::size_t groupFirst) {
             forEachKeyOf(group, groupFirst, alphabet, found);
+        });
+    }
+
+    template <class Found>
+    void forEachLongestKeyBetween(std::size_t first, std::size_t end, std::int32_t alphabet,
+                                  Found& found) const {
+        forEachGroup(first, end, alphabet, [&](const WalkGroup& group, std::size_t groupFirst) {
+            forEachLongestOf(group, groupFirst, alphabet, found);
         });
     }
 
