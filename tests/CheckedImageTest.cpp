@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <random>
 #include <thread>
 #include <tuple>
 
@@ -19,6 +20,7 @@
 #include "DATWriter.h"
 #include "Dictionary.h"
 #include "ImageCheck.h"
+#include "Kernel.h"
 #include "LetterCoder.h"
 #include "TemporaryFile.h"
 
@@ -147,6 +149,61 @@ TEST(CheckedImage, NamesWhatIsWrong) {
     }
 }
 
+// The faults of an image by all kernels, which are the same.
+Dictionary::ImageFault checkByAll(const std::string& image) {
+    const Dictionary::ImageFault fault = check(image);
+    for (int i = 0; i < Dictionary::kKernelCount; ++i) {
+        const auto kernel = static_cast<Dictionary::Kernel>(i);
+        if (!Dictionary::runsHere(kernel)) continue;
+        const Dictionary::ForcedKernel forced(kernel);
+        const Dictionary::ImageFault other = check(image);
+        EXPECT_TRUE(other.code == fault.code && other.offset == fault.offset)
+            << kernelName(kernel) << ": " << other.text << " at " << other.offset << ", not "
+            << fault.text << " at " << fault.offset;
+    }
+    return fault;
+}
+
+TEST(CheckedImage, EachKernelNamesTheSameFault) {
+    constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+    constexpr std::size_t kFirst = 65;  // cell that no first character has
+    std::mt19937 random(7);
+    std::vector<std::string> texts(150);
+    for (std::string& text : texts) {
+        for (std::size_t left = 1 + random() % 6; left > 0; --left)
+            text += "ABCDEFGH"[random() % 8];
+    }
+    Keys keys;
+    for (const std::string& text : texts) keys.emplace_back(text.c_str(), text.c_str());
+    const std::string image = imageOf(keys);
+    const auto at = [](std::string& bytes, std::size_t place) {
+        return reinterpret_cast<std::int32_t*>(bytes.data()) + place;
+    };
+    std::string changed = image;
+    const auto cells = static_cast<std::size_t>(*at(changed, 2)) / 12;
+    ASSERT_GT(cells, kFirst + 200);
+    EXPECT_EQ(checkByAll(image).code, DICTIONARY_OK);
+    for (std::size_t place = word(kFirst, 0); place < word(cells, 0); ++place) {
+        const std::int32_t before = *at(changed, place);
+        const auto other = static_cast<std::int32_t>(random() % cells);
+        for (const std::int32_t value : {0, 1, -1, -2, before + 1, before - 1, -before, other,
+                                         static_cast<std::int32_t>(cells), kLeast}) {
+            *at(changed, place) = value;
+            checkByAll(changed);
+        }
+        *at(changed, place) = before;
+    }
+    // Each cell as the parent of its own one.
+    for (std::size_t cell = kFirst; cell < cells; ++cell) {
+        const auto parent = static_cast<std::size_t>(*at(changed, word(cell, 1)));
+        if (parent < kFirst || parent >= cells) continue;
+        std::string cycle = image;
+        *at(cycle, word(parent, 1)) = static_cast<std::int32_t>(cell);
+        *at(cycle, word(cell, 0)) = 1 - static_cast<std::int32_t>(parent);
+        EXPECT_NE(checkByAll(cycle).code, DICTIONARY_OK) << cell;
+    }
+}
+
 // H and L are the surrogates of a character.
 class SurrogateCoder : public Dictionary::CUTF8Coder {
 public:
@@ -177,6 +234,7 @@ TEST(CheckedImage, RefusesHalvesOfCharacters) {
         std::unique_ptr<char[]> image;
         printedBy([&, all = &keys] {
             for (const std::string& key : *all) writer.addKeys(key.c_str(), "x");
+            for (char c = 'b'; c <= 'z'; ++c) writer.addKeys(std::string({'b', c}).c_str(), "x");
             writer.buildDAT();
             image.reset(writer.write());
         });

@@ -7,6 +7,7 @@
 
 #include "Dictionary.h"
 #include "ImageFormat.h"
+#include "SoundCells.h"
 #include "Utf8Decoder.h"
 
 namespace Dictionary {
@@ -24,6 +25,7 @@ public:
     bool operator[](std::int64_t index) const {
         return (m_words[wordOf(index)] >> bitOf(index) & 1) != 0;
     }
+    const std::uint64_t* words() const { return m_words.data(); }
 
 private:
     static constexpr std::int64_t kWordBits = 64;
@@ -71,6 +73,7 @@ private:
     bool recordsFillTheArea();
     bool reservedCellsAreRight();
     bool otherCellsAreRight();
+    bool isRight(std::int32_t index);
     bool pairsAreWhole();
     bool findHalves(Bits& highs, Bits& lows);
     std::int64_t labelOf(std::int64_t index, const Cell& cell) const;
@@ -181,23 +184,35 @@ bool ImageCheck::reservedCellsAreRight() {
 }
 
 bool ImageCheck::otherCellsAreRight() {
-    constexpr std::int32_t kAhead = 64;
+    const PassSoundCells passSound = passSoundCells();
+    const CellRules rules = {m_cells, static_cast<std::uint32_t>(m_alphabetSize),
+                             m_references.words(),
+                             static_cast<std::uint32_t>(featureBytesOf(m_header))};
     m_climbed.resize(m_count);
-    for (std::int32_t index = m_alphabetSize + 1; index < m_count; ++index) {
-        prefetchParentOf(std::min(index + kAhead, m_count - 1));
-        const Cell cell = m_cells[index];
-        if (!isCell(cell.check)) return refuseCell(index);
-        // Of a free cell this is the header, which is itself free.
-        const Cell parent = m_cells[cell.check];
-        const std::int64_t label = distance(index, parent);
-        const bool isChild = isLabel(label) && !isFree(parent);
-        if (!(isFree(cell) ? isBlank(cell) : isChild && isFilled(cell))) return refuseCell(index);
-        m_hasHalves |= isSurrogate(label) && !isFree(cell);
-        // In a cycle of parents, the two above its lowest cell are not below that.
-        const bool mayBeLowest = (cell.check >= index) & (parent.check >= index);
-        if (mayBeLowest && !wayUpEnds(index)) return false;
+    for (std::int32_t index = m_alphabetSize + 1; index < m_count;) {
+        index = passSound(rules, index);
+        const std::int32_t end = std::min(index + kSoundGroup, m_count);
+        for (; index < end; ++index) {
+            if (!isRight(index)) return false;
+        }
     }
     return true;
+}
+
+bool ImageCheck::isRight(std::int32_t index) {
+    constexpr std::int32_t kAhead = 64;
+    prefetchParentOf(std::min(index + kAhead, m_count - 1));
+    const Cell cell = m_cells[index];
+    if (!isCell(cell.check)) return refuseCell(index);
+    // Of a free cell this is the header, which is itself free.
+    const Cell parent = m_cells[cell.check];
+    const std::int64_t label = distance(index, parent);
+    const bool isChild = isLabel(label) && !isFree(parent);
+    if (!(isFree(cell) ? isBlank(cell) : isChild && isFilled(cell))) return refuseCell(index);
+    m_hasHalves |= isSurrogate(label) && !isFree(cell);
+    // In a cycle of parents, the two above its lowest cell are not below that.
+    const bool mayBeLowest = (cell.check >= index) & (parent.check >= index);
+    return !mayBeLowest || wayUpEnds(index);
 }
 
 // The two labels of a character above U+FFFF come together: a key does not end between them, a high

@@ -4,11 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "CellRegisters.h"
 #include "Kernel.h"
-
-#ifdef __x86_64__
-#include <immintrin.h>
-#endif
 
 namespace Dictionary {
 
@@ -42,22 +39,12 @@ void walkOneByOne(const CellView& cells, const GroupStart& start, WalkGroup& gro
 
 #ifdef __x86_64__
 
-constexpr int kWordBytes = sizeof(std::int32_t);
-static_assert(kCellBytes == 3 * kWordBytes, "cells are multiplied by three to get their words");
-
 // When no more walks are left, one after the other is quicker.
 constexpr int kFewWalks = 2;
 
 // Codes below it, as numbers without a sign, begin a walk.
 std::uint32_t firstLimit(const CellView& cells, std::int32_t alphabet) {
     return std::min(cells.firstLimit(), static_cast<std::uint32_t>(std::max(alphabet, 0)));
-}
-
-const char* basesOf(const CellView& cells) {
-    return cells.bytes() + offsetof(Cell, base);
-}
-const char* checksOf(const CellView& cells) {
-    return cells.bytes() + offsetof(Cell, check);
 }
 
 // What is known of a group until its keys are listed.
@@ -110,7 +97,7 @@ struct Walks8 {
     [[gnu::target("avx2")]] void step(const CellView& image, const GroupStart& start,
                                       std::uint32_t lane, std::uint32_t steps) {
         const std::uint32_t place = lane + steps + 1;
-        const __m256i base = gather(basesOf(image), cells, areOn);
+        const __m256i base = gatherWords(basesOf(image), cells, areOn);
         const __m256i code = load(start.codes + place);
         const __m256i inAlphabet = _mm256_cmpgt_epi32(_mm256_set1_epi32(start.alphabet), code);
         const __m256i goOn = _mm256_and_si256(areOn, inAlphabet);
@@ -120,7 +107,7 @@ struct Walks8 {
 
         const __m256i child = _mm256_add_epi32(_mm256_abs_epi32(base), code);
         const __m256i areInside = _mm256_and_si256(goOn, areBelow(child, image.childLimit()));
-        const __m256i check = gather(checksOf(image), child, areInside);
+        const __m256i check = gatherWords(checksOf(image), child, areInside);
         areOn = _mm256_and_si256(areInside, _mm256_cmpeq_epi32(check, cells));
         cells = child;
     }
@@ -162,12 +149,6 @@ private:
         const __m256i closed = _mm256_cvtepu8_epi32(_mm_loadl_epi64(from));
         return _mm256_cmpeq_epi32(closed, _mm256_setzero_si256());
     }
-
-    [[gnu::target("avx2")]] static __m256i gather(const char* words, __m256i of, __m256i which) {
-        const __m256i number = _mm256_add_epi32(of, _mm256_add_epi32(of, of));
-        return _mm256_mask_i32gather_epi32(
-            _mm256_setzero_si256(), reinterpret_cast<const int*>(words), number, which, kWordBytes);
-    }
 };
 
 // Sixteen walks in registers.
@@ -189,7 +170,7 @@ struct Walks16 {
     [[gnu::target("avx512f")]] void step(const CellView& image, const GroupStart& start,
                                          std::uint32_t lane, std::uint32_t steps) {
         const std::uint32_t place = lane + steps + 1;
-        const __m512i base = gather(basesOf(image), cells, areOn);
+        const __m512i base = gatherWords(basesOf(image), cells, areOn);
         const __m512i code = _mm512_loadu_si512(start.codes + place);
         const __m512i alphabet = _mm512_set1_epi32(start.alphabet);
         const __mmask16 goOn = _mm512_mask_cmplt_epi32_mask(areOn, code, alphabet);
@@ -200,7 +181,7 @@ struct Walks16 {
         const __m512i child = _mm512_add_epi32(_mm512_maskz_abs_epi32(areOn, base), code);
         const __mmask16 areInside =
             _mm512_mask_cmplt_epu32_mask(goOn, child, all(image.childLimit()));
-        const __m512i check = gather(checksOf(image), child, areInside);
+        const __m512i check = gatherWords(checksOf(image), child, areInside);
         areOn = _mm512_mask_cmpeq_epi32_mask(areInside, check, cells);
         cells = child;
     }
@@ -227,13 +208,6 @@ private:
         const auto* const from = reinterpret_cast<const __m128i*>(start.closed + place);
         const __m512i closed = _mm512_maskz_cvtepu8_epi32(0xFFFF, _mm_loadu_si128(from));
         return _mm512_cmpeq_epi32_mask(closed, _mm512_setzero_si512());
-    }
-
-    [[gnu::target("avx512f")]] static __m512i gather(const char* words, __m512i of,
-                                                     __mmask16 which) {
-        const __m512i number = _mm512_add_epi32(of, _mm512_add_epi32(of, of));
-        return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), which, number, words,
-                                           kWordBytes);
     }
 };
 

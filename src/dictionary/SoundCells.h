@@ -1,0 +1,34 @@
+// Helper, not installed: passes the cells of an image that are surely right, many at a time where
+// the machine has registers for it.
+
+#ifndef DICTIONARY_SOUND_CELLS_H
+#define DICTIONARY_SOUND_CELLS_H
+
+#include <cstdint>
+
+#include "ImageFormat.h"
+
+namespace Dictionary {
+
+// What cells may hold.
+struct CellRules {
+    CellView cells;
+    std::uint32_t alphabetSize;
+    const std::uint64_t* references;  // a bit for each feature, counted from kNoFeature
+    std::uint32_t lastReference;      // the number of the last bit
+};
+
+// So many cells are looked at together.
+constexpr std::int32_t kSoundGroup = 16;
+
+// Passes groups of cells that are right, from `index` on, which is not a first character's. Returns
+// where the group begins that needs a closer look: one of its cells may be wrong, has a surrogate
+// for a label, or may be the lowest of a cycle of parents; or the array ends in the group.
+using PassSoundCells = std::int32_t (*)(const CellRules& rules, std::int32_t index);
+
+// That of the kernel in use.
+PassSoundCells passSoundCells();
+
+}  // namespace Dictionary
+
+#endif
