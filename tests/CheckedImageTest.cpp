@@ -155,11 +155,12 @@ Dictionary::ImageFault checkByAll(const std::string& image) {
     for (int i = 0; i < Dictionary::kKernelCount; ++i) {
         const auto kernel = static_cast<Dictionary::Kernel>(i);
         if (!Dictionary::runsHere(kernel)) continue;
+        SCOPED_TRACE(kernelName(kernel));
         const Dictionary::ForcedKernel forced(kernel);
         const Dictionary::ImageFault other = check(image);
         EXPECT_TRUE(other.code == fault.code && other.offset == fault.offset)
-            << kernelName(kernel) << ": " << other.text << " at " << other.offset << ", not "
-            << fault.text << " at " << fault.offset;
+            << other.text << " at " << other.offset << ", not " << fault.text << " at "
+            << fault.offset;
     }
     return fault;
 }

@@ -260,6 +260,9 @@ TEST(Segment, RefusesWhatIsNoWeight) {
         {"n\t1x", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_BAD_WEIGHT, "\"1x\" in field 2"},
         {"n\tnan", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_BAD_WEIGHT, "\"nan\" in field 2"},
         {"n\t1e999", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_BAD_WEIGHT, "\"1e999\" in field 2"},
+        // No more of a long one than 80 bytes, in whole characters.
+        {"n\t中中中中中中中中中中中中中中中中中中中中中中中中中中中中", DICTIONARY_WEIGHTS_COSTS,
+         DICTIONARY_BAD_WEIGHT, "\"中中中中中中中中中中中中中中中中中中中中中中中中中中\" in"},
         {"n\t-1e3", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_OK, ""},
         {"n\t1.5", DICTIONARY_WEIGHTS_COUNTS, DICTIONARY_OK, ""},
     };

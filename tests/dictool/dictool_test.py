@@ -379,6 +379,21 @@ class Commands(Case):
                     self.assertIn(option, script)
         subprocess.run(["bash", "-n"], input=scripts[0].encode(), check=True)
 
+    def test_output_that_fails(self):
+        writing = [["search", "-j4"], ["segment"], ["replace"], ["lookup"], ["keys"], ["dump"], ["stat"], ["verify"],
+                   ["view", "-o", "-"], ["--help"], ["search", "--help"], ["--version"]]
+        for command in writing:
+            image = [] if command[-1][:2] == "--" else ["words.bin"]
+            with open("/dev/full", "wb") as full:
+                result = run(*command, *image, given="abc\n", stdout=full)
+            self.assertRefused(result, TROUBLE, "standard output: error cannot-write")
+            reader, writer = os.pipe()
+            os.close(reader)
+            for restore in (True, False):
+                self.assertEqual(run(*command, *image, given="abc\n", stdout=writer,
+                                     restore_signals=restore), (CLOSED_PIPE, None, ""))
+            os.close(writer)
+
 
 class Threads(Case):
     def test_threads_and_processes_give_the_same_bytes(self):
@@ -410,21 +425,6 @@ class Threads(Case):
                 process.stdin.flush()
                 self.assertEqual(process.stdout.readline(), b"abc\tbc\t\n")
             process.stdin.close()
-
-    def test_output_that_fails(self):
-        writing = [["search", "-j4"], ["segment"], ["replace"], ["lookup"], ["keys"], ["dump"], ["stat"], ["verify"],
-                   ["view", "-o", "-"], ["--help"], ["search", "--help"], ["--version"]]
-        for command in writing:
-            image = [] if command[-1][:2] == "--" else ["words.bin"]
-            with open("/dev/full", "wb") as full:
-                result = run(*command, *image, given="abc\n", stdout=full)
-            self.assertRefused(result, TROUBLE, "standard output: error cannot-write")
-            reader, writer = os.pipe()
-            os.close(reader)
-            for restore in (True, False):
-                self.assertEqual(run(*command, *image, given="abc\n", stdout=writer,
-                                     restore_signals=restore), (CLOSED_PIPE, None, ""))
-            os.close(writer)
 
 
 if __name__ == "__main__":
