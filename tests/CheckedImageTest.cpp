@@ -19,8 +19,8 @@
 #include "DATReader.h"
 #include "DATWriter.h"
 #include "Dictionary.h"
+#include "EachKernel.h"
 #include "ImageCheck.h"
-#include "Kernel.h"
 #include "LetterCoder.h"
 #include "TemporaryFile.h"
 
@@ -152,16 +152,12 @@ TEST(CheckedImage, NamesWhatIsWrong) {
 // The faults of an image by all kernels, which are the same.
 Dictionary::ImageFault checkByAll(const std::string& image) {
     const Dictionary::ImageFault fault = check(image);
-    for (int i = 0; i < Dictionary::kKernelCount; ++i) {
-        const auto kernel = static_cast<Dictionary::Kernel>(i);
-        if (!Dictionary::runsHere(kernel)) continue;
-        SCOPED_TRACE(kernelName(kernel));
-        const Dictionary::ForcedKernel forced(kernel);
+    forEachKernel([&] {
         const Dictionary::ImageFault other = check(image);
         EXPECT_TRUE(other.code == fault.code && other.offset == fault.offset)
             << other.text << " at " << other.offset << ", not " << fault.text << " at "
             << fault.offset;
-    }
+    });
     return fault;
 }
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "BoundaryText.h"
-#include "Kernel.h"
+#include "EachKernel.h"
 
 namespace {
 
@@ -43,22 +43,18 @@ void check(const std::string& text) {
     const char* const placed = placeAtPageEnd(text);
     for (const auto illegal : {EncodedText::kStopAtIllegal, EncodedText::kPassOver}) {
         const Characters expected = expectedOf(placed, text.size(), illegal);
-        for (int i = 0; i < Dictionary::kKernelCount; ++i) {
-            const auto kernel = static_cast<Dictionary::Kernel>(i);
-            if (!Dictionary::runsHere(kernel)) continue;
-            const Dictionary::ForcedKernel forced(kernel);
+        forEachKernel([&] {
             const EncodedText encoded(placed, text.size(), illegal);
             Characters characters;
             for (std::size_t place = 0; place < encoded.size(); ++place) {
                 const Dictionary::SPOS span = encoded.span(place, place + 1, 0);
                 characters.emplace_back(encoded.codes()[place], span.start, span.end);
             }
-            ASSERT_EQ(characters, expected)
-                << kernelName(kernel) << ", " << testing::PrintToString(text);
+            ASSERT_EQ(characters, expected) << testing::PrintToString(text);
             const std::int32_t* const end = encoded.codes() + encoded.size();
             ASSERT_EQ(std::count(end, end + EncodedText::kPadding, EncodedText::kEnd),
                       std::ptrdiff_t{EncodedText::kPadding});
-        }
+        });
     }
 }
 

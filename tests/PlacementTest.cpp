@@ -11,9 +11,9 @@
 #include "CellArray.h"
 #include "CellDemand.h"
 #include "DATWriter.h"
+#include "EachKernel.h"
 #include "FirstFit.h"
 #include "ImageFormat.h"
-#include "Kernel.h"
 #include "LetterCoder.h"
 #include "LiteralTrie.h"
 #include "TrieBuilder.h"
@@ -365,13 +365,8 @@ TEST(FirstFit, EveryRegisterWidthGivesTheSameAnswer) {
             });
         };
         while (!allSet(expected)) ++expected;
-        for (int i = 0; i < Dictionary::kKernelCount; ++i) {
-            const auto kernel = static_cast<Dictionary::Kernel>(i);
-            if (!Dictionary::runsHere(kernel)) continue;
-            const Dictionary::ForcedKernel forced(kernel);
-            ASSERT_EQ(expected, Dictionary::firstFit(streams))
-                << Dictionary::kernelName(kernel) << ", round " << round;
-        }
+        forEachKernel(
+            [&] { ASSERT_EQ(expected, Dictionary::firstFit(streams)) << "round " << round; });
     }
 }
 

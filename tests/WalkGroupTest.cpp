@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "DATWriter.h"
-#include "Kernel.h"
+#include "EachKernel.h"
 #include "LetterCoder.h"
 #include "TextSearch.h"
 #include "Walk.h"
@@ -92,16 +92,13 @@ TEST(WalkGroup, FindsWhatWalksOneByOneFind) {
                 for (const bool longest : {false, true}) {
                     const Found all = oneByOne(view.cells(), codes, alphabet, longest, open);
                     const Found some = oneByOne(view.cells(), codes, alphabet, longest, closed);
-                    for (int i = 0; i < Dictionary::kKernelCount; ++i) {
-                        const auto kernel = static_cast<Dictionary::Kernel>(i);
-                        if (!Dictionary::runsHere(kernel)) continue;
-                        const Dictionary::ForcedKernel forced(kernel);
+                    forEachKernel([&] {
                         const TextSearch search(view.cells(), codes);
                         EXPECT_EQ(together(search, alphabet, longest, nullptr), all)
-                            << kernelName(kernel) << ", round " << round << ", " << size;
+                            << "round " << round << ", " << size;
                         EXPECT_EQ(together(search, alphabet, longest, &closed), some)
-                            << kernelName(kernel) << ", round " << round << ", " << size;
-                    }
+                            << "round " << round << ", " << size;
+                    });
                 }
             }
         }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 
 #include "CellRegisters.h"
 #include "Kernel.h"
@@ -39,9 +38,8 @@ struct Cells16 {
 // One word of each of sixteen cells, which are three registers of words.
 [[gnu::target("avx512f")]] inline __m512i wordsOf(const __m512i* cells, std::size_t offset) {
     constexpr std::uint32_t kWordsOfTwo = 32;
-    const __m512i tripled = _mm512_add_epi32(lanes(), _mm512_add_epi32(lanes(), lanes()));
-    const auto word = static_cast<std::uint32_t>(offset / sizeof(std::int32_t));
-    const __m512i places = _mm512_add_epi32(tripled, all(word));
+    const auto word = static_cast<std::uint32_t>(offset / kWordBytes);
+    const __m512i places = _mm512_add_epi32(firstWordsOf(lanes()), all(word));
     const __mmask16 areInThird = _mm512_cmpge_epi32_mask(places, all(kWordsOfTwo));
     const __m512i ofTwo = _mm512_permutex2var_epi32(cells[0], places, cells[1]);
     return _mm512_mask_permutexvar_epi32(ofTwo, areInThird, places, cells[2]);
@@ -121,7 +119,7 @@ struct Cells16 {
     const __m512i last = all(cells.firstLimit() - 1);
     const __m512i parents = _mm512_maskz_min_epu32(kAll, loadCells(cells, index).checks, last);
     alignas(__m512i) std::uint32_t numbers[kSoundGroup];
-    _mm512_store_si512(numbers, _mm512_add_epi32(parents, _mm512_add_epi32(parents, parents)));
+    _mm512_store_si512(numbers, firstWordsOf(parents));
     for (const std::uint32_t number : numbers) {
         __builtin_prefetch(cells.bytes() + std::size_t{number} * kWordBytes);
     }

@@ -61,16 +61,12 @@ public:
     Stretch measure(std::size_t from, std::size_t end) {
         if (m_placesAreUnits) return {from, end - from};
         if (m_unit == DICTIONARY_UNIT_BYTE) return byteStretch(m_text, from, end);
-        return countUnits(from, end);
-    }
-
-private:
-    Stretch countUnits(std::size_t from, std::size_t end) {
         m_units += unitsBetween(m_passed, from);
         m_passed = from;
         return {m_units, unitsBetween(from, end)};
     }
 
+private:
     std::size_t unitsBetween(std::size_t from, std::size_t end) const {
         std::size_t units = 0;
         for (std::size_t place = from; place < end;) units += unitsOf(m_text.next(place));

@@ -23,6 +23,11 @@ inline const char* checksOf(const CellView& cells) {
     return cells.bytes() + offsetof(Cell, check);
 }
 
+// The number of the first word of each of sixteen cells.
+[[gnu::target("avx512f")]] inline __m512i firstWordsOf(__m512i cells) {
+    return _mm512_add_epi32(cells, _mm512_add_epi32(cells, cells));
+}
+
 // The words at `words` of the cells `of` in lanes whose bits are set in `which`; all bits of a lane
 // mean yes. 0 in the others, of which nothing is read.
 [[gnu::target("avx2")]] inline __m256i gatherWords(const char* words, __m256i of, __m256i which) {
@@ -34,8 +39,8 @@ inline const char* checksOf(const CellView& cells) {
 // The same for sixteen cells, with a bit for each.
 [[gnu::target("avx512f")]] inline __m512i gatherWords(const char* words, __m512i of,
                                                       __mmask16 which) {
-    const __m512i number = _mm512_add_epi32(of, _mm512_add_epi32(of, of));
-    return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), which, number, words, kWordBytes);
+    return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), which, firstWordsOf(of), words,
+                                       kWordBytes);
 }
 
 }  // namespace Dictionary

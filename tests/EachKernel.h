@@ -1,0 +1,22 @@
+// Tests by every kernel that this machine has.
+
+#ifndef TESTS_EACH_KERNEL_H
+#define TESTS_EACH_KERNEL_H
+
+#include <gtest/gtest.h>
+
+#include "Kernel.h"
+
+// Calls `use()` with each in use in turn, and names it where an assertion in it fails.
+template <class Use>
+void forEachKernel(const Use& use) {
+    for (int i = 0; i < Dictionary::kKernelCount; ++i) {
+        const auto kernel = static_cast<Dictionary::Kernel>(i);
+        if (!Dictionary::runsHere(kernel)) continue;
+        SCOPED_TRACE(kernelName(kernel));
+        const Dictionary::ForcedKernel forced(kernel);
+        use();
+    }
+}
+
+#endif
