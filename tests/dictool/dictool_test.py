@@ -13,6 +13,7 @@ import tempfile
 import unittest
 
 DICTOOL = os.environ["DICTOOL"]
+EMULATED = os.environ.get("EMULATED") == "TRUE"
 EXAMPLES = os.environ["EXAMPLES"]
 HERE = tempfile.mkdtemp(prefix="dictool")
 COMMANDS = "build lint search segment replace lookup keys dump stat verify diff view".split()
@@ -216,7 +217,7 @@ class Commands(Case):
                   "restore_signals": True}
         self.assertRefused(run("build", "-", "new", given=SOURCE, **limits), TROUBLE,
                            "new: error cannot-write: the image cannot be written; ")
-        if os.environ.get("EMULATED") == "TRUE":
+        if EMULATED:
             return  # QEMU catches every signal itself, so that nothing shows when dictool does
         building = subprocess.Popen([DICTOOL, "build", "-", "new"], cwd=HERE, stdin=subprocess.PIPE,
                                     stderr=subprocess.PIPE)
@@ -394,27 +395,23 @@ class Commands(Case):
                                      restore_signals=restore), (CLOSED_PIPE, None, ""))
             os.close(writer)
 
+    @unittest.skipIf(EMULATED or not shutil.which("parallel"), "takes long, or is not installed")
+    def test_processes_give_the_same_bytes(self):
+        for options in ("search -d", "segment -k", "replace -w", "lookup"):
+            command = [options.split()[0], "sample.bin", *options.split()[1:]]
+            done = subprocess.run(["parallel", "--will-cite", "--pipe", "--keep-order", "--block",
+                                   "200k", DICTOOL, *command], input=read("large.txt"), cwd=HERE,
+                                  stdout=subprocess.PIPE, check=False)
+            self.assertTrue(done.stdout == run(*command, given=read("large.txt"))[1], options)
+
 
 class Threads(Case):
-    def test_threads_and_processes_give_the_same_bytes(self):
+    def test_threads_give_the_same_bytes(self):
         for options in ("search -d", "search -f json --all --offset char", "segment -k", "replace -w",
                         "lookup"):
-            command = [DICTOOL, options.split()[0], "sample.bin", *options.split()[1:]]
-            alone = run(*command[1:], given=read("large.txt"))
-            self.assertEqual(run(*command[1:], "-j8", given=read("large.txt")), alone, options)
-            if "json" in options or not shutil.which("parallel"):
-                continue  # a line's number is that in its process
-            done = subprocess.run(["parallel", "--will-cite", "--pipe", "--keep-order", "--block",
-                                   "200k", *command], input=read("large.txt"), cwd=HERE,
-                                  stdout=subprocess.PIPE, check=False)
-            self.assertTrue(done.stdout == alone[1], options)
-
-    def test_long_lines(self):
-        line = b"abc" * 500000
-        for options in (["-j1"], ["-j8"], ["--line-buffered"]):
-            given = line + b"\n\n" + line
-            result = run("segment", "words.bin", *options, given=given)
-            self.assertTrue(result[1] == b"abc\t" * 500000 + b"\n\n" + b"abc\t" * 500000 + b"\n")
+            command = [options.split()[0], "sample.bin", *options.split()[1:]]
+            alone = run(*command, given=read("large.txt"))
+            self.assertEqual(run(*command, "-j8", given=read("large.txt")), alone, options)
 
     def test_answers_line_by_line(self):
         command = [DICTOOL, "search", "--line-buffered", "-j4", "words.bin"]
@@ -425,6 +422,15 @@ class Threads(Case):
                 process.stdin.flush()
                 self.assertEqual(process.stdout.readline(), b"abc\tbc\t\n")
             process.stdin.close()
+
+
+class LongLines(Case):
+    def test_are_segmented_by_any_number_of_threads(self):
+        line = b"abc" * 500000
+        for options in (["-j1"], ["-j8"], ["--line-buffered"]):
+            given = line + b"\n\n" + line
+            result = run("segment", "words.bin", *options, given=given)
+            self.assertTrue(result[1] == b"abc\t" * 500000 + b"\n\n" + b"abc\t" * 500000 + b"\n")
 
 
 if __name__ == "__main__":
