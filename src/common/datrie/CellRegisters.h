@@ -23,6 +23,11 @@ inline const char* checksOf(const CellView& cells) {
     return cells.bytes() + offsetof(Cell, check);
 }
 
+// The same word in all sixteen lanes.
+[[gnu::target("avx512f")]] inline __m512i all16(std::uint32_t word) {
+    return _mm512_set1_epi32(static_cast<int>(word));
+}
+
 // The number of the first word of each of sixteen cells.
 [[gnu::target("avx512f")]] inline __m512i firstWordsOf(__m512i cells) {
     return _mm512_add_epi32(cells, _mm512_add_epi32(cells, cells));
@@ -41,6 +46,35 @@ inline const char* checksOf(const CellView& cells) {
                                                       __mmask16 which) {
     return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), which, firstWordsOf(of), words,
                                        kWordBytes);
+}
+
+// Base and check of eight cells, which are half of sixteen. One load brings both words of a cell.
+template <int kHalf>
+[[gnu::target("avx512f")]] inline __m512i gatherHalf(const CellView& cells, __m512i of,
+                                                     __mmask16 which) {
+    static_assert(offsetof(Cell, base) == 0 && offsetof(Cell, check) == kWordBytes, "one load");
+    constexpr int kLanes = 8;
+    const __m256i number = _mm512_maskz_extracti64x4_epi64(0xF, firstWordsOf(of), kHalf);
+    const auto half = static_cast<__mmask8>(which >> kHalf * kLanes);
+    return _mm512_mask_i32gather_epi64(_mm512_setzero_si512(), half, number, cells.bytes(),
+                                       kWordBytes);
+}
+
+// Base and check of sixteen cells.
+struct Links16 {
+    __m512i bases;
+    __m512i checks;
+};
+
+// As gatherWords for both.
+[[gnu::target("avx512f")]] inline Links16 gatherLinks(const CellView& cells, __m512i of,
+                                                      __mmask16 which) {
+    const __m512i low = gatherHalf<0>(cells, of, which);
+    const __m512i high = gatherHalf<1>(cells, of, which);
+    const __m512i even =
+        _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+    const __m512i odd = _mm512_add_epi32(even, _mm512_set1_epi32(1));
+    return {_mm512_permutex2var_epi32(low, even, high), _mm512_permutex2var_epi32(low, odd, high)};
 }
 
 }  // namespace Dictionary

@@ -36,6 +36,15 @@ Kernel kernelInUse() {
     return inUse().load(std::memory_order_relaxed);
 }
 
+bool movesBytesTogether() {
+#ifdef __x86_64__
+    return kernelInUse() == kAvx512 && __builtin_cpu_supports("avx512bw") &&
+           __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi2");
+#else
+    return false;
+#endif
+}
+
 ForcedKernel::ForcedKernel(Kernel kernel) : m_before(inUse().exchange(kernel)) {}
 
 ForcedKernel::~ForcedKernel() {

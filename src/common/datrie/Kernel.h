@@ -17,6 +17,10 @@ bool runsHere(Kernel kernel);
 // The last one that runs here, unless ForcedKernel says otherwise.
 Kernel kernelInUse();
 
+// Whether kAvx512 is in use on a machine that can also move chosen bytes of a register together,
+// which the first ones with that kernel cannot.
+bool movesBytesTogether();
+
 // What a table has for the kernel in use; where that has nothing of its own, for the next one
 // before it.
 template <class Function>

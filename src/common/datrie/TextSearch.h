@@ -11,6 +11,7 @@
 #include "ImageFormat.h"
 #include "Walk.h"
 #include "WalkGroup.h"
+#include "WalkTogether.h"
 
 namespace Dictionary {
 
@@ -116,7 +117,7 @@ private:
             const WalkGroup::Key key = group.keys[i];
             const std::size_t from = first + key.from();
             if (key.isLeft()) {
-                forEachKeyOn(key.cell, from, from + group.stepsOfLeft + 1, alphabet, found);
+                forEachKeyOn(key.cell, from, from + WalkGroup::kPlaces, alphabet, found);
             } else {
                 found(from, from + key.steps() + 1, m_cells.featureOf(key.cell));
             }
@@ -142,7 +143,7 @@ private:
             const std::size_t from = first + key.from();
             if (key.isLeft()) {
                 goOnToLongest(
-                    m_cells, key.cell, m_text, from + group.stepsOfLeft + 1, alphabet,
+                    m_cells, key.cell, m_text, from + WalkGroup::kPlaces, alphabet,
                     [&](std::size_t end) { return isOpen(end); }, longest);
             } else {
                 longest = {from + key.steps() + 1, key.cell};

@@ -133,18 +133,13 @@ struct Block {
     done = {size, count};
 }
 
-bool canDecodeBlocks() {
-    return kernelInUse() == kAvx512 && __builtin_cpu_supports("avx512bw") &&
-           __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi2");
-}
-
 #endif
 
 }  // namespace
 
 DecodeUtf8Blocks utf8Blocks() {
 #ifdef __x86_64__
-    if (canDecodeBlocks()) return decodeAvx512;
+    if (movesBytesTogether()) return decodeAvx512;
 #endif
     return decodeOneByOne;
 }

@@ -1,9 +1,4 @@
-// Helper, not installed: walks from neighbouring characters.
-//
-// Each step of a walk waits for the cell that the step before leads to, but neighbouring walks do
-// not wait for each other. Where the machine has registers for it, all walks of a group take their
-// first step, then their second one, and so on, and many cells are on their way from memory at any
-// time.
+// Helper, not installed: what walks from neighbouring characters begin with and find.
 
 #ifndef DICTIONARY_WALK_GROUP_H
 #define DICTIONARY_WALK_GROUP_H
@@ -12,7 +7,6 @@
 #include <cstdint>
 
 #include "EncodedText.h"
-#include "ImageFormat.h"
 
 namespace Dictionary {
 
@@ -47,19 +41,11 @@ struct WalkGroup {
     };
     static constexpr std::uint32_t kPlaces = kMaxSteps + 1;
 
-    // By first character, then by steps; a walk that is not over follows the keys that it passed.
+    // By first character, then by steps; a walk that is not over after kMaxSteps follows the keys
+    // that it passed.
     std::uint32_t count = 0;
     Key keys[kWalks * kPlaces + 1];  // one more may be written
-    std::uint32_t stepsOfLeft;       // how many the walks that are not over have taken
 };
-
-// Begins a walk at each character whose code is below the alphabet and the number of a cell, and
-// takes steps with all of them until few are left. A walk ends at a code that is not below the
-// alphabet before the key in front of it is looked at.
-using WalkTogether = void (*)(const CellView& cells, const GroupStart& start, WalkGroup& group);
-
-// That of the kernel in use. All of them find the same keys, if not by as many steps.
-WalkTogether walkTogether();
 
 }  // namespace Dictionary
 

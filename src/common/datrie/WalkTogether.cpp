@@ -1,11 +1,11 @@
-#include "WalkGroup.h"
+#include "WalkTogether.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 #include "CellRegisters.h"
 #include "Kernel.h"
+#include "WalkSteps.h"
 
 namespace Dictionary {
 
@@ -34,48 +34,16 @@ void walkOneByOne(const CellView& cells, const GroupStart& start, WalkGroup& gro
         }
     }
     group.count = static_cast<std::uint32_t>(key - group.keys);
-    group.stepsOfLeft = WalkGroup::kMaxSteps;
 }
 
 #ifdef __x86_64__
-
-// When no more walks are left, one after the other is quicker.
-constexpr int kFewWalks = 2;
 
 // Codes below it, as numbers without a sign, begin a walk.
 std::uint32_t firstLimit(const CellView& cells, std::int32_t alphabet) {
     return std::min(cells.firstLimit(), static_cast<std::uint32_t>(std::max(alphabet, 0)));
 }
 
-// What is known of a group until its keys are listed.
-struct Steps {
-    // The cells of the walks after each step, and last of those that are not over.
-    alignas(64) std::uint32_t cells[WalkGroup::kMaxSteps + 1][WalkGroup::kWalks];
-    // One byte per walk: bit n says that it passed the end of a key after n steps, the highest bit
-    // that it is not over.
-    alignas(64) std::uint8_t keys[WalkGroup::kWalks];
-    std::uint32_t count;
-};
 constexpr unsigned kIsLeft = 1u << WalkGroup::kMaxSteps;
-
-// The bits of eight walks at a time are their keys in order, the lowest bit first.
-void listKeys(const Steps& steps, WalkGroup& group) {
-    constexpr std::uint32_t kWordWalks = sizeof(std::uint64_t);
-    WalkGroup::Key* key = group.keys;
-    for (std::uint32_t first = 0; first < WalkGroup::kWalks; first += kWordWalks) {
-        std::uint64_t bits;
-        std::memcpy(&bits, steps.keys + first, sizeof bits);
-        for (; bits != 0; bits &= bits - 1) {
-            const auto bit = static_cast<std::uint32_t>(__builtin_ctzll(bits));
-            key->place = first * WalkGroup::kPlaces + bit;
-            key->cell = steps.cells[key->steps()][key->from()];
-            ++key;
-        }
-    }
-    group.count = static_cast<std::uint32_t>(key - group.keys);
-    group.stepsOfLeft = steps.count;
-}
-static_assert(WalkGroup::kPlaces == 8, "a byte of bits per walk");
 
 // Eight walks in registers.
 struct Walks8 {
@@ -157,32 +125,34 @@ struct Walks16 {
 
     __mmask16 areOn;
     __m512i cells;
+    __m512i bases;
     __m512i keys;
 
     [[gnu::target("avx512f")]] void begin(const CellView& image, const GroupStart& start,
                                           std::uint32_t lane) {
         const std::uint32_t limit = firstLimit(image, start.alphabet);
         cells = _mm512_loadu_si512(start.codes + lane);
-        areOn = _mm512_mask_cmplt_epu32_mask(areOpen(start, lane), cells, all(limit));
+        areOn = _mm512_mask_cmplt_epu32_mask(areOpen(start, lane), cells, all16(limit));
+        bases = gatherWords(basesOf(image), cells, areOn);
         keys = _mm512_setzero_si512();
     }
 
     [[gnu::target("avx512f")]] void step(const CellView& image, const GroupStart& start,
                                          std::uint32_t lane, std::uint32_t steps) {
         const std::uint32_t place = lane + steps + 1;
-        const __m512i base = gatherWords(basesOf(image), cells, areOn);
         const __m512i code = _mm512_loadu_si512(start.codes + place);
         const __m512i alphabet = _mm512_set1_epi32(start.alphabet);
         const __mmask16 goOn = _mm512_mask_cmplt_epi32_mask(areOn, code, alphabet);
         const __mmask16 isEnd = goOn & areOpen(start, place);
-        const __mmask16 isKey = _mm512_mask_cmplt_epi32_mask(isEnd, base, _mm512_setzero_si512());
-        keys = _mm512_mask_or_epi32(keys, isKey, keys, all(1u << steps));
+        const __mmask16 isKey = _mm512_mask_cmplt_epi32_mask(isEnd, bases, _mm512_setzero_si512());
+        keys = _mm512_mask_or_epi32(keys, isKey, keys, all16(1u << steps));
 
-        const __m512i child = _mm512_add_epi32(_mm512_maskz_abs_epi32(areOn, base), code);
+        const __m512i child = _mm512_add_epi32(_mm512_maskz_abs_epi32(areOn, bases), code);
         const __mmask16 areInside =
-            _mm512_mask_cmplt_epu32_mask(goOn, child, all(image.childLimit()));
-        const __m512i check = gatherWords(checksOf(image), child, areInside);
-        areOn = _mm512_mask_cmpeq_epi32_mask(areInside, check, cells);
+            _mm512_mask_cmplt_epu32_mask(goOn, child, all16(image.childLimit()));
+        const Links16 links = gatherLinks(image, child, areInside);
+        areOn = _mm512_mask_cmpeq_epi32_mask(areInside, links.checks, cells);
+        bases = links.bases;
         cells = child;
     }
 
@@ -193,15 +163,11 @@ struct Walks16 {
     }
 
     [[gnu::target("avx512f")]] void storeKeys(std::uint8_t* to) const {
-        const __m512i words = _mm512_mask_or_epi32(keys, areOn, keys, all(kIsLeft));
+        const __m512i words = _mm512_mask_or_epi32(keys, areOn, keys, all16(kIsLeft));
         _mm_store_si128(reinterpret_cast<__m128i*>(to), _mm512_maskz_cvtepi32_epi8(0xFFFF, words));
     }
 
 private:
-    [[gnu::target("avx512f")]] static __m512i all(std::uint32_t value) {
-        return _mm512_set1_epi32(static_cast<int>(value));
-    }
-
     [[gnu::target("avx512f")]] static __mmask16 areOpen(const GroupStart& start,
                                                         std::uint32_t place) {
         if (start.closed == nullptr) return 0xFFFF;
@@ -212,41 +178,42 @@ private:
 };
 
 // Inlined into a caller for each width, which sets the instructions that may be used.
-// The image and the start are copies, which no write to the group may have changed.
+// The image and the start are copies, which no write to the steps may have changed.
 template <class Walks>
 [[gnu::always_inline]] inline void walk(const CellView image, const GroupStart start,
-                                        WalkGroup& group) {
+                                        WalkSteps& found) {
     constexpr std::uint32_t kRegisters = WalkGroup::kWalks / Walks::kLanes;
     Walks walks[kRegisters];
     for (std::uint32_t i = 0; i < kRegisters; ++i) walks[i].begin(image, start, i * Walks::kLanes);
-    Steps steps;
-    steps.count = 0;
-    for (int left = kFewWalks + 1; left > kFewWalks && steps.count < WalkGroup::kMaxSteps;
-         ++steps.count) {
+    int left = 1;
+    for (std::uint32_t steps = 0; left > 0 && steps < WalkGroup::kMaxSteps; ++steps) {
         left = 0;
 #pragma GCC unroll 8
         for (std::uint32_t i = 0; i < kRegisters; ++i) {
             if (walks[i].left() == 0) continue;  // as beyond the end of a short text
-            walks[i].storeCells(steps.cells[steps.count] + i * Walks::kLanes);
-            walks[i].step(image, start, i * Walks::kLanes, steps.count);
+            walks[i].storeCells(found.cells[steps] + i * Walks::kLanes);
+            walks[i].step(image, start, i * Walks::kLanes, steps);
             left += walks[i].left();
         }
     }
     for (std::uint32_t i = 0; i < kRegisters; ++i) {
-        walks[i].storeCells(steps.cells[WalkGroup::kMaxSteps] + i * Walks::kLanes);
-        walks[i].storeKeys(steps.keys + i * Walks::kLanes);
+        walks[i].storeCells(found.cells[WalkGroup::kMaxSteps] + i * Walks::kLanes);
+        walks[i].storeKeys(found.keys + i * Walks::kLanes);
     }
-    listKeys(steps, group);
 }
 
 [[gnu::target("avx2,popcnt")]] void walkAvx2(const CellView& image, const GroupStart& start,
                                              WalkGroup& group) {
-    walk<Walks8>(image, start, group);
+    WalkSteps steps;
+    walk<Walks8>(image, start, steps);
+    listKeys()(steps, group);
 }
 
 [[gnu::target("avx512f,popcnt")]] void walkAvx512(const CellView& image, const GroupStart& start,
                                                   WalkGroup& group) {
-    walk<Walks16>(image, start, group);
+    WalkSteps steps;
+    walk<Walks16>(image, start, steps);
+    listKeys()(steps, group);
 }
 
 constexpr WalkTogether kWalks[kKernelCount] = {walkOneByOne, walkAvx2, walkAvx512};
