@@ -39,7 +39,7 @@ TEST(Escape, ReplacesTheKnownReferencesThatHaveEightBytes) {
         }
     }
     expectOutput("&#08805;", ">=");
-    for (const char* text : {"&#12;45678", "&#652920;89", "&#65292 ;8", "&8805&#;"}) {
+    for (const char* text : {"&#12;45678", "&#652920;89", "&#65292 ;8", "&8805&#;", "a&#8211;"}) {
         expectOutput(text, text);
     }
 }
