@@ -1,12 +1,14 @@
-// The dictionary for hosts in C++17: owners instead of handles, exceptions instead of codes, ranges
-// and views instead of lists. All of it is inline, over Dictionary.h, which says of each call what
-// it does, what it takes and which threads may make it.
-//
-//     const auto words = dictionary::Image::open("words.bin");
-//     for (const dictionary::Match& match : words.find(text)) { ... match.data ... }
-//
-// Views of data texts last as long as the image. Whatever goes wrong is thrown as dictionary::Error
-// with its record, or as std::bad_alloc; what a callback of the caller's throws passes through.
+/// @file
+/// The dictionary for hosts in C++17: owners instead of handles, exceptions instead of codes,
+/// ranges and views instead of lists. All of it is inline, over Dictionary.h, which says of each
+/// call what it does, what it takes and which threads may make it.
+///
+///     const auto words = dictionary::Image::open("words.bin");
+///     for (const dictionary::Match& match : words.find(text)) { ... match.data ... }
+///
+/// Views of data texts last as long as the image. Whatever goes wrong is thrown as
+/// dictionary::Error with its record, or as std::bad_alloc; what a callback of the caller's throws
+/// passes through.
 
 #ifndef DICTIONARY_DICTIONARY_HPP
 #define DICTIONARY_DICTIONARY_HPP
@@ -33,7 +35,7 @@ namespace dictionary {
 
 // ---- Errors ----
 
-// What is wrong, and where. The message is that of dictionaryErrorMessage.
+/// What is wrong, and where. The message is that of dictionaryErrorMessage.
 class Error : public std::runtime_error {
 public:
     explicit Error(const DictionaryError& record)
@@ -43,9 +45,9 @@ public:
         m_record.path = m_path->c_str();
     }
 
-    // Lasts as long as this error and its copies; so does the path in it.
+    /// Lasts as long as this error and its copies; so does the path in it.
     const DictionaryError& record() const noexcept { return m_record; }
-    int code() const noexcept { return m_record.code; }  // one of DictionaryCode
+    int code() const noexcept { return m_record.code; }  ///< one of DictionaryCode
     bool isWarning() const noexcept { return m_record.severity == DICTIONARY_WARNING; }
 
 private:
@@ -75,10 +77,10 @@ inline std::string_view viewOf(DictionaryText text) {
     return {text.bytes, text.size};
 }
 
-// Keeps what a callback throws until the library has returned.
+/// Keeps what a callback throws until the library has returned.
 class Thrown {
 public:
-    // What `call` returns; false when it throws.
+    /// What `call` returns; false when it throws.
     template <class Call>
     bool guard(const Call& call) noexcept {
         try {
@@ -101,13 +103,13 @@ private:
 
 // ---- Data of keys ----
 
-// A field of a data text.
+/// A field of a data text.
 struct Field {
     std::string_view text;
-    bool beginsRecord;  // a repeated key has several records
+    bool beginsRecord;  ///< a repeated key has several records
 };
 
-// The fields of a data text.
+/// The fields of a data text.
 inline std::vector<Field> fieldsOf(std::string_view data) {
     std::vector<Field> fields;
     DictionaryText rest = detail::textOf(data);
@@ -118,7 +120,7 @@ inline std::vector<Field> fieldsOf(std::string_view data) {
     return fields;
 }
 
-// The same as records of fields: one for each time that the key was in the source.
+/// The same as records of fields: one for each time that the key was in the source.
 inline std::vector<std::vector<std::string_view>> recordsOf(std::string_view data) {
     std::vector<std::vector<std::string_view>> records;
     for (const Field& field : fieldsOf(data)) {
@@ -154,7 +156,7 @@ enum class Unit {
 
 class Segmenter;
 
-// As DictionaryFindOptions.
+/// As DictionaryFindOptions.
 struct FindOptions {
     FindMode mode = FindMode::all;
     Unit unit = Unit::byte;
@@ -164,19 +166,19 @@ struct FindOptions {
     bool unknownPieces = false;
     bool joinedRuns = false;
 
-    // Modes alone, where nothing else is asked for.
+    /// Modes alone, where nothing else is asked for.
     FindOptions() = default;
     FindOptions(FindMode findMode, Unit findUnit = Unit::byte) : mode(findMode), unit(findUnit) {}
 };
 
-// A key found in a text.
+/// A key found in a text.
 struct Match {
-    std::size_t start;      // in the unit
-    std::size_t length;     // in the unit
-    std::string_view data;  // of the key
+    std::size_t start;      ///< in the unit
+    std::size_t length;     ///< in the unit
+    std::string_view data;  ///< of the key
     std::uint32_t dataNumber;
     std::uint32_t image;
-    bool isKey;  // false of a piece that is none
+    bool isKey;  ///< false of a piece that is none
 
     explicit Match(const DictionaryMatch& match)
         : start(match.start),
@@ -187,8 +189,8 @@ struct Match {
           isKey(match.data.bytes != nullptr) {}
 };
 
-// The matches of many texts as arrays of equal length; see DictionaryColumns. Can be moved,
-// but not copied.
+/// The matches of many texts as arrays of equal length; see DictionaryColumns. Can be moved,
+/// but not copied.
 class Columns {
 public:
     Columns() = default;
@@ -206,30 +208,30 @@ public:
     const std::uint32_t* dataNumber() const { return m_columns.dataNumber; }
     const std::uint32_t* image() const { return m_columns.image; }
 
-    // For the functions of Dictionary.h.
+    /// For the functions of Dictionary.h.
     DictionaryColumns* get() noexcept { return &m_columns; }
 
 private:
     DictionaryColumns m_columns = {};
 };
 
-// As DictionaryReplaceOptions.
+/// As DictionaryReplaceOptions.
 struct ReplaceOptions {
     unsigned field = 1;
-    std::string alternatives;  // empty: the field is one text
+    std::string alternatives;  ///< empty: the field is one text
     bool removeEmpty = false;
 };
 
 // ---- Keys ----
 
-// A key with its data.
+/// A key with its data.
 struct Key {
-    std::string_view text;  // lasts until the range moves on
+    std::string_view text;  ///< lasts until the range moves on
     std::string_view data;
     std::uint32_t image;
 };
 
-// The keys that begin with a prefix, in order, to be gone through once.
+/// The keys that begin with a prefix, in order, to be gone through once.
 class Keys {
 public:
     class iterator {
@@ -261,7 +263,7 @@ public:
         Keys* m_keys = nullptr;
     };
 
-    // The keys of an open handle.
+    /// The keys of an open handle.
     Keys(const DictionaryHandle* handle, std::string_view prefix) {
         DictionaryError error;
         m_cursor.reset(dictionaryOpenCursor(handle, &error));
@@ -290,26 +292,26 @@ private:
 
 // ---- Images ----
 
-// An open dictionary, which can be moved but not copied. Any number of threads may use it at once;
-// moving and destroying must not overlap with any other use. One that was moved from may only be
-// destroyed and assigned to.
+/// An open dictionary, which can be moved but not copied. Any number of threads may use it at once;
+/// moving and destroying must not overlap with any other use. One that was moved from may only be
+/// destroyed and assigned to.
 class Image {
 public:
-    // Verifies and opens an image file.
+    /// Verifies and opens an image file.
     static Image open(const std::string& path, OpenMode mode = OpenMode::map) {
         return make([&](DictionaryError* error) {
             return dictionaryOpenFile(path.c_str(), static_cast<int>(mode), error);
         });
     }
 
-    // Verifies and opens an image in memory, by OpenMode::copy or OpenMode::borrow.
+    /// Verifies and opens an image in memory, by OpenMode::copy or OpenMode::borrow.
     static Image openBytes(std::string_view bytes, OpenMode mode = OpenMode::copy) {
         return make([&](DictionaryError* error) {
             return dictionaryOpenBytes(detail::textOf(bytes), static_cast<int>(mode), error);
         });
     }
 
-    // A set that is searched as one. The images must stay open, but may be moved.
+    /// A set that is searched as one. The images must stay open, but may be moved.
     static Image set(const std::vector<const Image*>& images) {
         std::vector<const DictionaryHandle*> handles;
         handles.reserve(images.size());
@@ -319,7 +321,7 @@ public:
         });
     }
 
-    // For the functions of Dictionary.h. It stays the image's.
+    /// For the functions of Dictionary.h. It stays the image's.
     DictionaryHandle* handle() const noexcept { return m_handle.get(); }
 
     DictionaryDescription describe() const {
@@ -330,15 +332,15 @@ public:
         return description;
     }
 
-    // The number of keys.
+    /// The number of keys.
     std::uint64_t size() const { return describe().keys; }
 
-    // The bytes of one image.
+    /// The bytes of one image.
     std::string_view bytes(std::uint32_t image = 0) const {
         return detail::viewOf(dictionaryImageBytes(handle(), image));
     }
 
-    // The data text of `key`; none when it is no key.
+    /// The data text of `key`; none when it is no key.
     std::optional<std::string_view> lookup(std::string_view key) const {
         DictionaryText data;
         if (!dictionaryLookupKey(handle(), detail::textOf(key), &data)) return std::nullopt;
@@ -349,8 +351,8 @@ public:
         return dictionaryLookupKey(handle(), detail::textOf(key), nullptr);
     }
 
-    // The data texts of many keys, in their order, which takes less time than one by one. `keys` is
-    // a range of what becomes a std::string_view.
+    /// The data texts of many keys, in their order, which takes less time than one by one. `keys`
+    /// is a range of what becomes a std::string_view.
     template <class Range>
     std::vector<std::optional<std::string_view>> lookupEach(const Range& keys) const {
         const std::vector<DictionaryText> texts = textsOf(keys);
@@ -363,10 +365,10 @@ public:
         return found;
     }
 
-    // The keys that begin with `prefix`, in order.
+    /// The keys that begin with `prefix`, in order.
     Keys keys(std::string_view prefix = {}) const { return {handle(), prefix}; }
 
-    // The matches of `text`, by start.
+    /// The matches of `text`, by start.
     std::vector<Match> find(std::string_view text, const FindOptions& options = {}) const {
         List list;
         const DictionaryFindOptions given = optionsOf(options);
@@ -376,7 +378,7 @@ public:
         return {list.items, list.items + list.count};
     }
 
-    // The same for a range of texts.
+    /// The same for a range of texts.
     template <class Range>
     std::vector<std::vector<Match>> findEach(const Range& texts,
                                              const FindOptions& options = {}) const {
@@ -398,7 +400,7 @@ public:
         return found;
     }
 
-    // The same as columns.
+    /// The same as columns.
     template <class Range>
     Columns findColumns(const Range& texts, const FindOptions& options = {}) const {
         const std::vector<DictionaryText> given = textsOf(texts);
@@ -411,13 +413,13 @@ public:
         return found;
     }
 
-    // The data text with that number; empty when there is none.
+    /// The data text with that number; empty when there is none.
     std::string_view dataAt(std::uint32_t dataNumber, std::uint32_t image = 0) const {
         return detail::viewOf(dictionaryDataAt(handle(), image, dataNumber));
     }
 
-    // Calls `visit(match)` for each match of `text`, by start, until it returns false; false then.
-    // A `visit` that returns nothing sees them all.
+    /// Calls `visit(match)` for each match of `text`, by start, until it returns false; false then.
+    /// A `visit` that returns nothing sees them all.
     template <class Visit>
     bool visit(std::string_view text, const FindOptions& options, Visit&& visit) const {
         using Visitor = std::remove_reference_t<Visit>;
@@ -439,7 +441,7 @@ public:
         return true;
     }
 
-    // Whether any key is in `text`.
+    /// Whether any key is in `text`.
     bool containsKey(std::string_view text, bool wholeWords = false) const {
         FindOptions options;
         options.wholeWords = wholeWords;
@@ -452,7 +454,7 @@ public:
         return contains;
     }
 
-    // `text` with every key of a segmentation replaced by a data field.
+    /// `text` with every key of a segmentation replaced by a data field.
     std::string replace(std::string_view text, const ReplaceOptions& options = {},
                         const FindOptions& findOptions = FindMode::segment) const {
         DictionaryReplaceOptions given = {};
@@ -516,7 +518,7 @@ private:
     std::unique_ptr<DictionaryHandle, Close> m_handle;
 };
 
-// Throws Error unless the file is an image over which every lookup stays inside.
+/// Throws Error unless the file is an image over which every lookup stays inside.
 inline void verifyImage(const std::string& path) {
     DictionaryError error;
     detail::require(dictionaryVerifyImage(path.c_str(), &error), error);
@@ -530,7 +532,7 @@ inline void verifyBytes(std::string_view bytes) {
 
 enum class Weights { counts = DICTIONARY_WEIGHTS_COUNTS, costs = DICTIONARY_WEIGHTS_COSTS };
 
-// Weights for FindMode::weighted. The image must stay open, but may be moved.
+/// Weights for FindMode::weighted. The image must stay open, but may be moved.
 class Segmenter {
 public:
     explicit Segmenter(const Image& image, Weights weights = Weights::counts, unsigned field = 1,
@@ -545,7 +547,7 @@ public:
         if (m_segmenter == nullptr) detail::require(error.code, error);
     }
 
-    // For the functions of Dictionary.h. It stays the segmenter's.
+    /// For the functions of Dictionary.h. It stays the segmenter's.
     const DictionarySegmenter* segmenter() const noexcept { return m_segmenter.get(); }
 
 private:
@@ -579,20 +581,20 @@ enum class Stage {
     write = DICTIONARY_STAGE_WRITE
 };
 
-// As DictionaryBuildOptions.
+/// As DictionaryBuildOptions.
 struct BuildOptions {
-    std::string fieldSeparator = "\t";   // in the notation of getEscapeSeparator
-    std::string recordSeparator = "\n";  // likewise
-    unsigned problemLimit = 0;           // 0 for 100
+    std::string fieldSeparator = "\t";   ///< in the notation of getEscapeSeparator
+    std::string recordSeparator = "\n";  ///< likewise
+    unsigned problemLimit = 0;           ///< 0 for 100
     bool lenient = false;
     bool fromWindows = false;
     bool allowEmpty = false;
     bool folded = false;
-    // Returns false to stop the build. May be empty.
+    /// Returns false to stop the build. May be empty.
     std::function<bool(Stage stage, std::uint64_t done, std::uint64_t total)> onProgress;
 };
 
-// What a build did: what it counted, and its problems in the order of the source.
+/// What a build did: what it counted, and its problems in the order of the source.
 struct Built {
     DictionaryBuildReport report;
     std::vector<Error> problems;
@@ -605,14 +607,14 @@ struct Built {
     }
 };
 
-// A build that made no image; the error is the first one.
+/// A build that made no image; the error is the first one.
 class BuildError : public Error {
 public:
     BuildError(const DictionaryError& first, Built built)
         : Error(first), m_built(std::make_shared<const Built>(std::move(built))) {}
 
-    // Of every severity, in the order of the source. Empty where the build was called wrongly, or
-    // stopped before there were any.
+    /// Of every severity, in the order of the source. Empty where the build was called wrongly, or
+    /// stopped before there were any.
     const std::vector<Error>& problems() const noexcept { return m_built->problems; }
     const DictionaryBuildReport& report() const noexcept { return m_built->report; }
 
@@ -620,7 +622,7 @@ private:
     std::shared_ptr<const Built> m_built;
 };
 
-// An image in memory.
+/// An image in memory.
 class ImageBuffer {
 public:
     ImageBuffer() = default;
@@ -632,7 +634,7 @@ public:
     ~ImageBuffer() { dictionaryFreeBuffer(&m_buffer); }
 
     std::string_view view() const noexcept { return {m_buffer.bytes, m_buffer.size}; }
-    // For the functions of Dictionary.h.
+    /// For the functions of Dictionary.h.
     DictionaryImageBuffer* get() noexcept { return &m_buffer; }
 
 private:
@@ -641,8 +643,8 @@ private:
 
 namespace detail {
 
-// A range of items, handed out one by one. An item is a pair of a key and its data: one field, or a
-// range of fields; each becomes a std::string_view.
+/// A range of items, handed out one by one. An item is a pair of a key and its data: one field, or
+/// a range of fields; each becomes a std::string_view.
 template <class Range>
 class Items {
 public:
@@ -665,7 +667,7 @@ private:
     using Iterator = decltype(std::begin(std::declval<const Range&>()));
     using End = decltype(std::end(std::declval<const Range&>()));
     using Item = decltype(*std::declval<Iterator&>());
-    // An item that the iterator makes lasts until the next one is asked for.
+    /// An item that the iterator makes lasts until the next one is asked for.
     using Kept =
         std::conditional_t<std::is_lvalue_reference_v<Item>, std::remove_reference_t<Item>*,
                            std::optional<std::decay_t<Item>>>;
@@ -704,7 +706,7 @@ private:
     Thrown m_thrown;
 };
 
-// One build with its callbacks.
+/// One build with its callbacks.
 class Build {
 public:
     explicit Build(const BuildOptions& options) : m_options(options) {
@@ -723,7 +725,7 @@ public:
     }
     Build(const Build&) = delete;
 
-    // Returns the code of the first error, with what a callback threw thrown again.
+    /// Returns the code of the first error, with what a callback threw thrown again.
     int run(const DictionarySource& source, const DictionaryTarget& target) {
         const int code = dictionaryBuildFrom(&source, &target, &m_given, &m_built.report, &m_error);
         m_thrown.rethrow();
@@ -736,7 +738,7 @@ public:
         return std::move(m_built);
     }
 
-    // The same when the source is only checked: what is wrong with it is no exception.
+    /// The same when the source is only checked: what is wrong with it is no exception.
     Built finishCheck(int code) {
         return finish(code != DICTIONARY_NO_MEMORY && m_built.hasErrors() ? DICTIONARY_OK : code);
     }
@@ -830,9 +832,9 @@ Built checkItems(const Range& range, const BuildOptions& options) {
 
 }  // namespace detail
 
-// Builds the image file `image` from a source: a file, bytes, or a range of items. An item is a
-// pair (or whatever else falls into two parts) of a key and its data, which is one field or a range
-// of fields. Throws BuildError when there is no new image.
+/// Builds the image file `image` from a source: a file, bytes, or a range of items. An item is a
+/// pair, or another type that a structured binding takes apart in two, of a key and its data, which
+/// is one field or a range of fields. Throws BuildError when there is no new image.
 inline Built buildFile(const std::string& source, const std::string& image,
                        const BuildOptions& options = {}) {
     return detail::build(detail::fileSource(source), detail::fileTarget(image), options);
@@ -846,7 +848,7 @@ Built buildItems(const Range& items, const std::string& image, const BuildOption
     return detail::buildItems(items, detail::fileTarget(image), options);
 }
 
-// The same into memory, in place of what `image` held.
+/// The same into memory, in place of what `image` held.
 inline Built buildFile(const std::string& source, ImageBuffer& image,
                        const BuildOptions& options = {}) {
     image = ImageBuffer();
@@ -863,7 +865,7 @@ Built buildItems(const Range& items, ImageBuffer& image, const BuildOptions& opt
     return detail::buildItems(items, detail::bufferTarget(image), options);
 }
 
-// Only checks a source. Its problems are returned, errors among them.
+/// Only checks a source. Its problems are returned, errors among them.
 inline Built checkFile(const std::string& source, const BuildOptions& options = {}) {
     return detail::check(detail::fileSource(source), options);
 }

@@ -1,4 +1,5 @@
-// CDictionayApp ties one coder, one writer and one loaded image together.
+/// @file
+/// CDictionayApp ties one coder, one writer and one loaded image together.
 
 #ifndef DICTIONARY_DAT_DICTIONARY_SAMPLE_H
 #define DICTIONARY_DAT_DICTIONARY_SAMPLE_H
@@ -17,18 +18,18 @@
 
 namespace Dictionary {
 
-// An object is either built (buildDic, writeBinaryDic, destroyed) or loaded (loadBinaryDic, any
-// number of queries, destroyed), each once.
-//
-// Queries only read the object, so several threads may query one loaded object at once. Building,
-// loading and destroying must not overlap with any other use of the same object.
+/// An object is either built (buildDic, writeBinaryDic, destroyed) or loaded (loadBinaryDic, any
+/// number of queries, destroyed), each once.
+///
+/// Queries only read the object, so several threads may query one loaded object at once. Building,
+/// loading and destroying must not overlap with any other use of the same object.
 class DICTIONARY_EXPORT CDictionayApp {
 public:
-    // A match result: for every byte position of a text the keys that start there, as allMatch
-    // says.
+    /// A match result: for every byte position of a text the keys that start there, as allMatch
+    /// says.
     typedef std::vector<std::vector<std::pair<int, std::string> > > Matches;
 
-    // An object yet to be built or loaded.
+    /// An object yet to be built or loaded.
     CDictionayApp() : m_coder(nullptr), m_writer(nullptr), m_image(nullptr), m_imageLength(0) {
         m_coder = new CUTF8Coder;
     }
@@ -45,62 +46,62 @@ public:
     CDictionayApp(const CDictionayApp&) = delete;
     CDictionayApp& operator=(const CDictionayApp&) = delete;
 
-    // Builds the trie from the text file `fileName`: records end with `recordSeparator`, and
-    // their fields, of which the first is the key, are separated by `fieldSeparator`, both in the
-    // notation of getEscapeSeparator. A key's data text is every further field followed by a tab;
-    // data of a repeated key is joined with ";". The key written as a backslash and an n is
-    // the newline character.
-    //
-    // Writes one line per record to standard error, before it waits for more of the source, then
-    // "Build OK". Writes the progress line to standard output. Returns 1 when the build ran to its
-    // end. Returns 0, after "Wrong format of file : ", at a record with fewer than two fields; the
-    // record reader with its descriptor and its buffers stays allocated then. Ends the process when
-    // the file cannot be opened or its name is null. A last record without its separator is lost. A
-    // key that the coder refuses is reported and left out.
+    /// Builds the trie from the text file `fileName`: records end with `recordSeparator`, and
+    /// their fields, of which the first is the key, are separated by `fieldSeparator`, both in the
+    /// notation of getEscapeSeparator. A key's data text is every further field followed by a tab;
+    /// data of a repeated key is joined with ";". The key written as a backslash and an n is
+    /// the newline character.
+    ///
+    /// Writes one line per record to standard error, before it waits for more of the source, then
+    /// "Build OK". Writes the progress line to standard output. Returns 1 when the build ran to its
+    /// end. Returns 0, after "Wrong format of file : ", at a record with fewer than two fields; the
+    /// record reader with its descriptor and its buffers stays allocated then. Ends the process
+    /// when the file cannot be opened or its name is null. A last record without its separator is
+    /// lost. A key that the coder refuses is reported and left out.
     int buildDic(const char* fileName, const char* fieldSeparator, const char* recordSeparator);
 
-    // Writes the built image to `fileName` and its size to standard error. Returns 0, without a
-    // message, when the file cannot be opened or its name is null, else 1: write errors go
-    // unnoticed. Only after buildDic.
+    /// Writes the built image to `fileName` and its size to standard error. Returns 0, without a
+    /// message, when the file cannot be opened or its name is null, else 1: write errors go
+    /// unnoticed. Only after buildDic.
     int writeBinaryDic(const char* fileName);
 
-    // Maps the image file `fileName` read-only and private. Returns 1, or 0 after a message on
-    // standard error when it cannot be opened or mapped; queries then find nothing. They also find
-    // nothing, and 1 is returned, when the file is shorter than its header says. Nothing else is
-    // checked.
+    /// Maps the image file `fileName` read-only and private. Returns 1, or 0 after a message on
+    /// standard error when it cannot be opened or mapped; queries then find nothing. They also find
+    /// nothing, and 1 is returned, when the file is shorter than its header says. Nothing else is
+    /// checked.
     int loadBinaryDic(const char* fileName);
 
-    // Appends to `result` one list for every byte position of `text`: the keys that start there,
-    // shortest first, each as its length in bytes and its feature text. Does nothing when `text` is
-    // null or no image is loaded.
+    /// Appends to `result` one list for every byte position of `text`: the keys that start there,
+    /// shortest first, each as its length in bytes and its feature text. Does nothing when `text`
+    /// is null or no image is loaded.
     void allMatch(const char* text, Matches& result);
 
-    // The longest key at every position of a match result of `text`, in order, each followed by a
-    // tab: the key alone, or, with `withFeatures`, key, "/", byte position, ":", feature text. The
-    // caller releases the string with free(). Never null.
+    /// The longest key at every position of a match result of `text`, in order, each followed by a
+    /// tab: the key alone, or, with `withFeatures`, key, "/", byte position, ":", feature text. The
+    /// caller releases the string with free(). Never null.
     char* returnListStr(const char* text, Matches& result, bool withFeatures);
 
-    // Writes a line for every match of a match result of `text` to standard error.
+    /// Writes a line for every match of a match result of `text` to standard error.
     void showAllMatch(const char* text, Matches& result);
 
-    // Sets `feature` to the feature text of `key`, or to the empty string, and writes both to
-    // standard error.
+    /// Sets `feature` to the feature text of `key`, or to the empty string, and writes both to
+    /// standard error.
     void showExactMatch(const char* key, std::string& feature);
 
 private:
     friend struct EntryPoints;
 
-    // The mapping that queries read; null when there is none.
+    /// The mapping that queries read; null when there is none.
     DICTIONARY_LOCAL void* image() const;
     DICTIONARY_LOCAL void dropImage();
 
-    // What returnListStr makes of the result of allMatch, without the lists in between.
+    /// What returnListStr makes of the result of allMatch, without the lists in between.
     DICTIONARY_LOCAL char* searchText(const char* text, bool withFeatures) const;
 
-    ICoderInterface* m_coder;  // owned, always a CUTF8Coder
-    CDATWriter* m_writer;      // owned, null until buildDic
-    void* m_image;             // the mapping; MAP_FAILED after a mapping that failed
-    long m_imageLength;        // in bytes
+    ICoderInterface* m_coder;  ///< owned, always a CUTF8Coder
+    CDATWriter* m_writer;      ///< owned, null until buildDic
+    void* m_image;             ///< the mapping; MAP_FAILED after a mapping that failed
+    long m_imageLength;        ///< in bytes
 };
 
 }  // namespace Dictionary

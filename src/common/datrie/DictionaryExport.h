@@ -1,4 +1,5 @@
-/* Marks what the shared library exports, and members of exported classes that stay inside it. */
+/** @file
+ * Marks what the shared library exports, and members of exported classes that stay inside it. */
 
 #ifndef DICTIONARY_EXPORT_H
 #define DICTIONARY_EXPORT_H
