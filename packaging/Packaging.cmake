@@ -1,4 +1,5 @@
-# Debian packages, one per component that is installed; scripts/package makes them.
+# Debian packages, one per component that is installed; scripts/package makes them. CPack takes the
+# files from the rules of the installation; debhelper would need a list of them for each package.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)

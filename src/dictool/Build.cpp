@@ -55,19 +55,19 @@ constexpr char kLintDetails[] =
     "\";\"\n"
     "after another one gets a warning, as it looks like data of a key that comes twice.";
 
-// One run of the library's build, and what it is told.
+// One run of the library's build, and what it reports.
 struct Build {
     const BuildOptions& options;
     const std::string& image;  // a file, "-" or, for a check, nothing
     Progress progress;
-    std::uint64_t told = 0;
+    std::uint64_t reported = 0;
 
     bool writesFile() const { return !image.empty() && image != "-"; }
 };
 
 void onProblem(void* context, const DictionaryError* problem) {
     Build& build = *static_cast<Build*>(context);
-    ++build.told;
+    ++build.reported;
     if (problem->severity == DICTIONARY_WARNING && build.options.quiet) return;
     const bool ofImage = problem->file == DICTIONARY_FILE_IMAGE;
     const Failure failure =
@@ -149,8 +149,9 @@ int callLibrary(Build& build, const DictionaryTarget& target, DictionaryBuildRep
     const DictionarySource source = sourceOf(name, bytes);
     DictionaryError error;
     const int code = dictionaryBuildFrom(&source, &target, &options, &report, &error);
-    const bool untold = code != DICTIONARY_OK && code != DICTIONARY_STOPPED && build.told == 0;
-    if (untold) throw failureOf(error, given.source);
+    const bool isUnreported =
+        code != DICTIONARY_OK && code != DICTIONARY_STOPPED && build.reported == 0;
+    if (isUnreported) throw failureOf(error, given.source);
     return code;
 }
 
@@ -181,8 +182,8 @@ int run(const BuildOptions& options, const std::string& image) {
     counts.size = sizeof counts;
     const int code = callLibrary(build, targetOf(build, buffer), counts);
     build.progress.clear();
-    if (counts.problems > build.told) {
-        remark(options.source + ": " + std::to_string(counts.problems - build.told) +
+    if (counts.problems > build.reported) {
+        remark(options.source + ": " + std::to_string(counts.problems - build.reported) +
                " more problems; --max-problems shows more of them");
     }
     if (code == DICTIONARY_STOPPED) remark(interruption);

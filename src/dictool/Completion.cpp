@@ -1,4 +1,5 @@
-// completion, which users are not told of: scripts by which shells complete commands and options.
+// completion, a command that the help does not list: scripts by which shells complete commands and
+// options.
 
 #include "Listing.h"
 #include "Output.h"

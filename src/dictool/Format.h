@@ -1,4 +1,5 @@
-// The forms in which matches and keys are written.
+// The forms in which matches and keys are written. JSON is appended to the output as it comes: the
+// library that writes the statistics would make an object of each match first.
 
 #ifndef DICTOOL_FORMAT_H
 #define DICTOOL_FORMAT_H

@@ -1,5 +1,4 @@
-// The program's commands and options, for whoever describes them: help, manual pages and
-// completions.
+// The program's commands and options, for what describes them: help, manual pages and completions.
 
 #ifndef DICTOOL_LISTING_H
 #define DICTOOL_LISTING_H

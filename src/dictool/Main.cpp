@@ -19,9 +19,8 @@ constexpr DefineCommand kCommands[] = {defineBuild,      defineSearch, defineSeg
 
 constexpr char kDetails[] =
     "Exit status: 0 found or done; 1 nothing found, or different; 2 wrong usage, or a file\n"
-    "cannot be read or written; 4 not a sound image; 130 a build was ended by a signal; 141 "
-    "nobody\n"
-    "reads the output.\n"
+    "cannot be read or written; 4 not a sound image; 130 a build was ended by a signal; 141 the\n"
+    "output has no reader.\n"
     "'dictool help COMMAND' explains a command.";
 
 int run(int count, char** arguments) {

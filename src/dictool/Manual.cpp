@@ -1,4 +1,5 @@
-// manual, which users are not told of: manual pages, made of what the help is made of.
+// manual, a command that the help does not list: manual pages, from what the help is made of. A
+// program that turns help texts into pages would have to take them apart again, one per command.
 
 #include "Dictionary.h"
 #include "Listing.h"

@@ -37,7 +37,7 @@ struct Failure {
     std::string text;  // what is wrong and what to do about it
 };
 
-// Thrown when nobody reads the output any more: ends the program without a word.
+// Thrown when no reader of the output is left: ends the program without a message.
 struct ClosedPipe {};
 
 // Writes "dictool: FILE:LINE:COL: error CODE: text", in colours on a terminal. A message is one
