@@ -88,17 +88,16 @@ struct Cells16 {
 [[gnu::target("avx512f")]] inline __mmask16 areChildren(const CellRules& rules,
                                                         const Cells16& cells, __mmask16 which) {
     constexpr unsigned kBitsOfHalf = kSurrogateBits + 1;
-    const __m512i parentBases = gatherWords(basesOf(rules.cells), cells.checks, which);
-    const __m512i parentChecks = gatherWords(checksOf(rules.cells), cells.checks, which);
+    const Links16 parents = gatherLinks(rules.cells, cells.checks, which);
     const __m512i labels =
-        _mm512_sub_epi32(cells.numbers, _mm512_maskz_abs_epi32(which, parentBases));
+        _mm512_sub_epi32(cells.numbers, _mm512_maskz_abs_epi32(which, parents.bases));
     const __mmask16 areLabels =
         _mm512_cmplt_epu32_mask(_mm512_sub_epi32(labels, all16(1)), all16(rules.alphabetSize - 1));
     const __mmask16 areHalves = _mm512_cmpeq_epi32_mask(
         _mm512_maskz_srli_epi32(which, labels, kBitsOfHalf), all16(kHighSurrogates >> kBitsOfHalf));
-    const __mmask16 areOfFree = _mm512_cmpeq_epi32_mask(parentChecks, all16(kFreeImageCheck));
+    const __mmask16 areOfFree = _mm512_cmpeq_epi32_mask(parents.checks, all16(kFreeImageCheck));
     const __mmask16 mayBeLowest = _mm512_cmpge_epi32_mask(cells.checks, cells.numbers) &
-                                  _mm512_cmpge_epi32_mask(parentChecks, cells.numbers);
+                                  _mm512_cmpge_epi32_mask(parents.checks, cells.numbers);
     return which & areLabels & ~(areHalves | areOfFree | mayBeLowest);
 }
 

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "CellRegisters.h"
-#include "Kernel.h"
 
 namespace Dictionary {
 
@@ -17,20 +16,6 @@ std::uint64_t wordOf(const WalkSteps& steps, std::uint32_t walk) {
     std::uint64_t bits;
     std::memcpy(&bits, steps.keys + walk, sizeof bits);
     return bits;
-}
-
-// The bits of eight walks at a time are their keys in order, the lowest bit first.
-void listByBits(const WalkSteps& steps, WalkGroup& group) {
-    WalkGroup::Key* key = group.keys;
-    for (std::uint32_t first = 0; first < WalkGroup::kWalks; first += kWordWalks) {
-        for (std::uint64_t bits = wordOf(steps, first); bits != 0; bits &= bits - 1) {
-            const auto bit = static_cast<std::uint32_t>(__builtin_ctzll(bits));
-            key->place = first * WalkGroup::kPlaces + bit;
-            key->cell = steps.cells[key->steps()][key->from()];
-            ++key;
-        }
-    }
-    group.count = static_cast<std::uint32_t>(key - group.keys);
 }
 
 #ifdef __x86_64__
@@ -89,6 +74,25 @@ template <int kQuarter>
                                        sizeof(std::uint32_t));
 }
 
+#endif
+
+}  // namespace
+
+// The bits of eight walks at a time are their keys in order, the lowest bit first.
+void listByBits(const WalkSteps& steps, WalkGroup& group) {
+    WalkGroup::Key* key = group.keys;
+    for (std::uint32_t first = 0; first < WalkGroup::kWalks; first += kWordWalks) {
+        for (std::uint64_t bits = wordOf(steps, first); bits != 0; bits &= bits - 1) {
+            const auto bit = static_cast<std::uint32_t>(__builtin_ctzll(bits));
+            key->place = first * WalkGroup::kPlaces + bit;
+            key->cell = steps.cells[key->steps()][key->from()];
+            ++key;
+        }
+    }
+    group.count = static_cast<std::uint32_t>(key - group.keys);
+}
+
+#ifdef __x86_64__
 [[gnu::target("avx512f,avx512bw,avx512vbmi2,popcnt")]] void listByRegisters(const WalkSteps& steps,
                                                                             WalkGroup& group) {
     alignas(64) std::uint32_t places[kMostKeys];
@@ -104,16 +108,6 @@ template <int kQuarter>
                             _mm512_permutex2var_epi32(place, high, cells));
     }
 }
-
 #endif
-
-}  // namespace
-
-ListKeys listKeys() {
-#ifdef __x86_64__
-    if (movesBytesTogether()) return listByRegisters;
-#endif
-    return listByBits;
-}
 
 }  // namespace Dictionary

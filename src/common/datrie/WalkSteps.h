@@ -19,10 +19,13 @@ struct WalkSteps {
 static_assert(WalkGroup::kPlaces == 8, "a byte of bits per walk");
 
 // Puts the keys and the walks that are not over into the group, in its order.
-using ListKeys = void (*)(const WalkSteps& steps, WalkGroup& group);
+void listByBits(const WalkSteps& steps, WalkGroup& group);
 
-// The quickest way of the machine with the kernel in use.
-ListKeys listKeys();
+#ifdef __x86_64__
+// The same, quicker, where movesBytesTogether().
+[[gnu::target("avx512f,avx512bw,avx512vbmi2,popcnt")]] void listByRegisters(const WalkSteps& steps,
+                                                                            WalkGroup& group);
+#endif
 
 }  // namespace Dictionary
 

@@ -206,17 +206,18 @@ template <class Walks>
                                              WalkGroup& group) {
     WalkSteps steps;
     walk<Walks8>(image, start, steps);
-    listKeys()(steps, group);
+    listByBits(steps, group);
 }
 
+template <void (*kList)(const WalkSteps&, WalkGroup&)>
 [[gnu::target("avx512f,popcnt")]] void walkAvx512(const CellView& image, const GroupStart& start,
                                                   WalkGroup& group) {
     WalkSteps steps;
     walk<Walks16>(image, start, steps);
-    listKeys()(steps, group);
+    kList(steps, group);
 }
 
-constexpr WalkTogether kWalks[kKernelCount] = {walkOneByOne, walkAvx2, walkAvx512};
+constexpr WalkTogether kWalks[kKernelCount] = {walkOneByOne, walkAvx2, walkAvx512<listByBits>};
 #else
 constexpr WalkTogether kWalks[kKernelCount] = {walkOneByOne};
 #endif
@@ -224,6 +225,9 @@ constexpr WalkTogether kWalks[kKernelCount] = {walkOneByOne};
 }  // namespace
 
 WalkTogether walkTogether() {
+#ifdef __x86_64__
+    if (movesBytesTogether()) return walkAvx512<listByRegisters>;
+#endif
     return forThisMachine(kWalks);
 }
 
