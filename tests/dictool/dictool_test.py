@@ -42,6 +42,16 @@ def read(name):
         return file.read()
 
 
+# For what is the same on every machine and takes long under an emulator.
+native = unittest.skipIf(EMULATED, "not under an emulator")
+
+
+def with_sample(options):
+    """The arguments of a command with the sample's image."""
+    command, *others = options.split()
+    return [command, "sample.bin", *others]
+
+
 def setUpModule():
     assert run("build", "-", "words.bin", given=SOURCE)[0] == 0
     assert run("build", "-", "mine.bin", given="xab\tmine\nbc\tmine\n")[0] == 0
@@ -346,7 +356,7 @@ class Commands(Case):
                               stdout=subprocess.PIPE, check=False)
         self.assertEqual((done.returncode, done.stdout), (0, b"words.bin: ok\n"))
 
-    @unittest.skipIf(EMULATED, "the same on every machine, and takes long there")
+    @native
     def test_usage(self):
         for arguments in ([], ["bogus"], ["search"], ["search", "words.bin", "--bogus"],
                           ["search", "words.bin", "-f", "xml"], ["search", "words.bin", "-j", "-1"],
@@ -368,7 +378,7 @@ class Commands(Case):
         self.assertEqual(run("help", "dump"), run("dump", "--help"))
         self.assertEqual(run("help"), run("--help"))
 
-    @unittest.skipIf(EMULATED, "the same on every machine, and takes long there")
+    @native
     def test_every_option_is_documented_everywhere(self):
         scripts = [run("completion", shell)[1].decode() for shell in ("bash", "zsh", "fish")]
         for command in COMMANDS:
@@ -382,7 +392,7 @@ class Commands(Case):
                     self.assertIn(option, script)
         subprocess.run(["bash", "-n"], input=scripts[0].encode(), check=True)
 
-    @unittest.skipIf(EMULATED, "the same on every machine, and takes long there")
+    @native
     def test_output_that_fails(self):
         writing = [["search", "-j4"], ["segment"], ["replace"], ["lookup"], ["keys"], ["dump"], ["stat"], ["verify"],
                    ["view", "-o", "-"], ["--help"], ["search", "--help"], ["--version"]]
@@ -398,10 +408,11 @@ class Commands(Case):
                                      restore_signals=restore), (CLOSED_PIPE, None, ""))
             os.close(writer)
 
-    @unittest.skipIf(EMULATED or not shutil.which("parallel"), "takes long, or is not installed")
+    @native
+    @unittest.skipUnless(shutil.which("parallel"), "parallel is not installed")
     def test_processes_give_the_same_bytes(self):
         for options in ("search -d", "segment -k", "replace -w", "lookup"):
-            command = [options.split()[0], "sample.bin", *options.split()[1:]]
+            command = with_sample(options)
             done = subprocess.run(["parallel", "--will-cite", "--pipe", "--keep-order", "--block",
                                    "200k", DICTOOL, *command], input=read("large.txt"), cwd=HERE,
                                   stdout=subprocess.PIPE, check=False)
@@ -412,7 +423,7 @@ class Threads(Case):
     def test_threads_give_the_same_bytes(self):
         for options in ("search -d", "search -f json --all --offset char", "segment -k", "replace -w",
                         "lookup"):
-            command = [options.split()[0], "sample.bin", *options.split()[1:]]
+            command = with_sample(options)
             alone = run(*command, given=read("large.txt"))
             self.assertEqual(run(*command, "-j8", given=read("large.txt")), alone, options)
 
