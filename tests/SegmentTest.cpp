@@ -185,6 +185,18 @@ TEST(Segment, CutsLongTextsAsOne) {
     EXPECT_EQ(subject.find(rubbish, DICTIONARY_UNIT_BYTE).count, rubbish.size());
 }
 
+// Long texts are cut in two so many bytes before their end. If that cut a character, what follows
+// it would be weighed wrongly.
+TEST(Segment, CutsNoCharacterOfALongText) {
+    constexpr std::size_t kWindowBytes = 1 << 15;
+    Subject subject({{"😀", "0"}, {"😀a", "3"}, {"ab", "0"}, {"x", "1"}});
+    subject.weigh(DICTIONARY_WEIGHTS_COSTS, 1, kUnknownCost);
+    for (std::size_t before = 2; before < 8; ++before) {
+        const std::string text = "x😀ab" + std::string(kWindowBytes - before, 'x');
+        EXPECT_EQ(subject.pieces(text).substr(0, 16), "[x][😀][ab][x]") << before;
+    }
+}
+
 // Words, some with more marks than a piece of the text, go on from one piece to the next.
 TEST(Segment, CutsLongTextsAtWholeWordsAsOne) {
     const Characters letters = {"a", "é", "\u0301", "中", "-"};
