@@ -47,7 +47,7 @@ extern "C" {
 /** Some bytes. The function says to whom they belong. They have no NUL at the end. */
 typedef struct DictionaryText {
     const char* bytes; /**< may be null when `size` is 0 */
-    size_t size;
+    size_t size;       /**< in bytes */
 } DictionaryText;
 
 /* ---- Errors ---- */
@@ -176,6 +176,8 @@ DICTIONARY_EXPORT void dictionaryClose(DictionaryHandle* handle);
 /** Whether the file is an image over which every lookup of every text stays inside. Takes one pass,
  * and memory for one bit per cell and per feature byte. */
 DICTIONARY_EXPORT int dictionaryVerifyImage(const char* path, DictionaryError* error);
+
+/** The same for an image in memory. */
 DICTIONARY_EXPORT int dictionaryVerifyBytes(DictionaryText bytes, DictionaryError* error);
 
 /* ---- What an image holds ---- */
@@ -186,9 +188,9 @@ typedef struct DictionaryDescription {
     uint64_t imageBytes;   /**< of the whole image */
     uint64_t cells;        /**< of the double array, the header among them */
     uint64_t featureBytes; /**< of the data texts with their lengths */
-    uint64_t keys;
-    uint32_t images; /**< 1 unless it is a set */
-    bool folded;     /**< keys and texts are folded; of a set, in any image */
+    uint64_t keys;         /**< distinct ones in each image */
+    uint32_t images;       /**< 1 unless it is a set */
+    bool folded;           /**< keys and texts are folded; of a set, in any image */
 } DictionaryDescription;
 
 /** Describes a handle. Counting the keys takes one pass over the cells, once per handle. */
@@ -203,9 +205,9 @@ DICTIONARY_EXPORT DictionaryText dictionaryImageBytes(const DictionaryHandle* ha
 
 /** The words of a cell; see docs/format.md. */
 typedef struct DictionaryCell {
-    int32_t base;
-    int32_t check;
-    int32_t feature;
+    int32_t base;    /**< where the children are; negative where a key ends */
+    int32_t check;   /**< index of the parent's cell; -1 for a first character */
+    int32_t feature; /**< where the key's data text is in the feature area, in bytes; -1 for none */
 } DictionaryCell;
 
 /** Cell `index` of image number `image`; all -1 when there is none. */
@@ -287,8 +289,8 @@ DICTIONARY_EXPORT void dictionaryCloseCursor(DictionaryCursor* cursor);
 enum DictionaryFindMode {
     DICTIONARY_FIND_ALL = 0,      /**< every key at every position, shortest first */
     DICTIONARY_FIND_LONGEST = 1,  /**< the longest key at every position */
-    DICTIONARY_FIND_SEGMENT = 2,  /**< the longest key at the first position that has one, then the
-                                     same  after it, and so on */
+    DICTIONARY_FIND_SEGMENT = 2,  /**< the longest key at the first position that has one, the same
+                                     after its end, and so on */
     DICTIONARY_FIND_WEIGHTED = 3, /**< the cheapest segmentation by the weights of a segmenter */
     DICTIONARY_FIND_PREFIXES = 4, /**< every key that the text begins with, shortest first */
     DICTIONARY_FIND_CLASSIC = 5 /**< what `search` finds: it stops at a NUL and at the first illegal
@@ -316,8 +318,8 @@ typedef struct DictionaryFindOptions {
                         their order; with ALL, LONGEST and PREFIXES alone */
     bool unknownPieces; /**< also the pieces that are no key, with no data, so that the matches are
                            the whole text; with SEGMENT and WEIGHTED alone */
-    bool joinedRuns;    /**< a run of ASCII letters and digits that no key covers is one such piece,
-                           and    not one for each character; with SEGMENT and WEIGHTED alone */
+    bool joinedRuns;    /**< ASCII letters and digits in a row that no key covers are one piece, and
+                           not one piece each; with SEGMENT and WEIGHTED alone */
 } DictionaryFindOptions;
 
 /** A key found in a text. */
@@ -333,9 +335,9 @@ typedef struct DictionaryMatch {
 /** A list that grows as needed and can be used again for the next text: zero it first, free it at
  * last. */
 typedef struct DictionaryMatches {
-    DictionaryMatch* items;
-    size_t count;
-    size_t capacity; /**< the room for items */
+    DictionaryMatch* items; /**< the list's own, until it is filled again or freed */
+    size_t count;           /**< how many items there are */
+    size_t capacity;        /**< the room for items */
 } DictionaryMatches;
 
 /** Fills `matches`, in place of what it held, with the matches of `text`, by start. After an error
@@ -378,9 +380,10 @@ typedef struct DictionaryColumns {
     uint32_t* end;        /**< in the unit, exclusive */
     uint32_t* dataNumber; /**< of the data text, for dictionaryDataAt; UINT32_MAX of no key */
     uint32_t* image;      /**< number of the image in a set, else 0 */
-    size_t count;
-    size_t capacity;
+    size_t count;         /**< of the entries in each column */
+    size_t capacity;      /**< the room for entries */
 } DictionaryColumns;
+
 /** As dictionaryFindInTexts, but in columns, which are empty after an error. */
 DICTIONARY_EXPORT int dictionaryFindColumns(const DictionaryHandle* handle,
                                             const DictionaryFindOptions* options,
@@ -402,6 +405,7 @@ enum DictionaryWeights {
     DICTIONARY_WEIGHTS_COSTS = 1   /**< a key costs the field; an unknown character unknownCost */
 };
 
+/** Where the weights of a segmenter come from. */
 typedef struct DictionarySegmenterOptions {
     size_t size;        /**< sizeof(DictionarySegmenterOptions) */
     int weights;        /**< one of DictionaryWeights */
@@ -415,11 +419,11 @@ typedef struct DictionarySegmenterOptions {
  * text, in double precision.
  *
  * Every key must have the field, and a number in it; the error names a key that has not and, of a
- * set, the number of its image. In a set,
- * a key of several images counts once, as the last of them has it. A segmenter takes at most
- * 8 bytes per distinct data text, and two bits per 4 to 8 bytes of those, but less where weights
- * repeat. A text takes one byte per byte while it is segmented, and some hundred kilobytes. The
- * handle must stay open. Null options read counts from the first field. */
+ * set, the number of its image. In a set, a key of several images counts once, as the last of them
+ * has it. A segmenter takes at most 8 bytes per distinct data text, and two bits per 4 to 8 bytes
+ * of those, but less where weights repeat. A text takes one byte per byte while it is segmented,
+ * and some hundred kilobytes. The handle must stay open. Null options read counts from the first
+ * field. */
 DICTIONARY_EXPORT DictionarySegmenter* dictionaryMakeSegmenter(
     const DictionaryHandle* handle, const DictionarySegmenterOptions* options,
     DictionaryError* error);
@@ -428,6 +432,7 @@ DICTIONARY_EXPORT void dictionaryFreeSegmenter(DictionarySegmenter* segmenter); 
 
 /* ---- Replacement ---- */
 
+/** What takes the place of a key. */
 typedef struct DictionaryReplaceOptions {
     size_t size;              /**< sizeof(DictionaryReplaceOptions) */
     unsigned field;           /**< number of the data field that replaces a key, from 1; 0 for 1 */
@@ -439,20 +444,20 @@ typedef struct DictionaryReplaceOptions {
 
 /** A stretch of the text that was replaced and what it became. */
 typedef struct DictionaryEdit {
-    size_t start; /**< in the text, in the unit */
-    size_t end;
+    size_t start;       /**< in the text, in the unit */
+    size_t end;         /**< likewise, exclusive */
     size_t resultStart; /**< in the result, in the unit */
-    size_t resultEnd;
+    size_t resultEnd;   /**< likewise, exclusive */
 } DictionaryEdit;
 
 /** A result that grows as needed and can be used again: zero it first, free it at last. */
 typedef struct DictionaryReplacement {
-    char* bytes;
-    size_t size;
-    size_t capacity;
-    DictionaryEdit* edits;
-    size_t editCount;
-    size_t editCapacity;
+    char* bytes;           /**< the text as it is after the replacement; not NUL-terminated */
+    size_t size;           /**< of that text, in bytes */
+    size_t capacity;       /**< the room for that text, in bytes */
+    DictionaryEdit* edits; /**< by start; none unless wantEdits is set */
+    size_t editCount;      /**< how many edits there are */
+    size_t editCapacity;   /**< the room for edits */
 } DictionaryReplacement;
 
 /** Replaces every key of a segmentation (mode SEGMENT or WEIGHTED; null options are SEGMENT) by a
@@ -484,8 +489,8 @@ typedef struct DictionarySource {
 
 /** An image in memory, from malloc. */
 typedef struct DictionaryImageBuffer {
-    char* bytes;
-    size_t size;
+    char* bytes; /**< the whole image; the caller's to free */
+    size_t size; /**< in bytes */
 } DictionaryImageBuffer;
 
 /** Where the image goes: at most one of both is not null. With neither the source is only checked,

@@ -31,6 +31,7 @@
 
 #include "Dictionary.h"
 
+/// The interface for C++17.
 namespace dictionary {
 
 // ---- Errors ----
@@ -38,6 +39,7 @@ namespace dictionary {
 /// What is wrong, and where. The message is that of dictionaryErrorMessage.
 class Error : public std::runtime_error {
 public:
+    /// Copies the record and the path in it.
     explicit Error(const DictionaryError& record)
         : std::runtime_error(messageOf(record)), m_record(record) {
         if (record.path == nullptr) return;
@@ -48,6 +50,7 @@ public:
     /// Lasts as long as this error and its copies; so does the path in it.
     const DictionaryError& record() const noexcept { return m_record; }
     int code() const noexcept { return m_record.code; }  ///< one of DictionaryCode
+    /// Whether what was asked for was done nevertheless.
     bool isWarning() const noexcept { return m_record.severity == DICTIONARY_WARNING; }
 
 private:
@@ -105,8 +108,8 @@ private:
 
 /// A field of a data text.
 struct Field {
-    std::string_view text;
-    bool beginsRecord;  ///< a repeated key has several records
+    std::string_view text;  ///< in the data text
+    bool beginsRecord;      ///< a repeated key has several records
 };
 
 /// The fields of a data text.
@@ -132,6 +135,7 @@ inline std::vector<std::vector<std::string_view>> recordsOf(std::string_view dat
 
 // ---- Finding ----
 
+/// As DictionaryOpenMode.
 enum class OpenMode {
     map = DICTIONARY_OPEN_MAP,
     copy = DICTIONARY_OPEN_COPY,
@@ -139,6 +143,7 @@ enum class OpenMode {
     borrow = DICTIONARY_OPEN_BORROW
 };
 
+/// As DictionaryFindMode.
 enum class FindMode {
     all = DICTIONARY_FIND_ALL,
     longest = DICTIONARY_FIND_LONGEST,
@@ -148,6 +153,7 @@ enum class FindMode {
     classic = DICTIONARY_FIND_CLASSIC
 };
 
+/// As DictionaryUnit.
 enum class Unit {
     byte = DICTIONARY_UNIT_BYTE,
     codePoint = DICTIONARY_UNIT_CODE_POINT,
@@ -156,30 +162,31 @@ enum class Unit {
 
 class Segmenter;
 
-/// As DictionaryFindOptions.
+/// How a text is searched; see DictionaryFindOptions.
 struct FindOptions {
-    FindMode mode = FindMode::all;
-    Unit unit = Unit::byte;
-    const Segmenter* segmenter = nullptr;
-    bool wholeWords = false;
-    bool everyImage = false;
-    bool unknownPieces = false;
-    bool joinedRuns = false;
+    FindMode mode = FindMode::all;         ///< which keys are found
+    Unit unit = Unit::byte;                ///< what offsets count
+    const Segmenter* segmenter = nullptr;  ///< for FindMode::weighted alone
+    bool wholeWords = false;               ///< no match begins or ends inside a word
+    bool everyImage = false;               ///< of a set: the same key in each image that has it
+    bool unknownPieces = false;            ///< also the pieces that are no key
+    bool joinedRuns = false;               ///< ASCII letters and digits in a row are one such piece
 
-    /// Modes alone, where nothing else is asked for.
     FindOptions() = default;
+    /// A mode alone, where nothing else is asked for.
     FindOptions(FindMode findMode, Unit findUnit = Unit::byte) : mode(findMode), unit(findUnit) {}
 };
 
 /// A key found in a text.
 struct Match {
-    std::size_t start;      ///< in the unit
-    std::size_t length;     ///< in the unit
-    std::string_view data;  ///< of the key
-    std::uint32_t dataNumber;
-    std::uint32_t image;
-    bool isKey;  ///< false of a piece that is none
+    std::size_t start;         ///< in the unit
+    std::size_t length;        ///< in the unit
+    std::string_view data;     ///< of the key
+    std::uint32_t dataNumber;  ///< the data text's number in its image
+    std::uint32_t image;       ///< number of the image in a set, else 0
+    bool isKey;                ///< false of a piece that is none
 
+    /// What a function of Dictionary.h found.
     explicit Match(const DictionaryMatch& match)
         : start(match.start),
           length(match.length),
@@ -194,18 +201,26 @@ struct Match {
 class Columns {
 public:
     Columns() = default;
+    /// Takes the matches of `other`, which has none after it.
     Columns(Columns&& other) noexcept : m_columns(std::exchange(other.m_columns, {})) {}
+    /// Exchanges the matches of both.
     Columns& operator=(Columns&& other) noexcept {
         std::swap(m_columns, other.m_columns);
         return *this;
     }
     ~Columns() { dictionaryFreeColumns(&m_columns); }
 
+    /// How many matches there are.
     std::size_t size() const { return m_columns.count; }
+    /// Numbers of the texts, from 0.
     const std::uint32_t* text() const { return m_columns.text; }
+    /// Where the matches begin, in the unit.
     const std::uint32_t* start() const { return m_columns.start; }
+    /// Where they end, in the unit, exclusive.
     const std::uint32_t* end() const { return m_columns.end; }
+    /// Numbers of the data texts; UINT32_MAX of no key.
     const std::uint32_t* dataNumber() const { return m_columns.dataNumber; }
+    /// Numbers of the images in a set, else 0.
     const std::uint32_t* image() const { return m_columns.image; }
 
     /// For the functions of Dictionary.h.
@@ -215,11 +230,11 @@ private:
     DictionaryColumns m_columns = {};
 };
 
-/// As DictionaryReplaceOptions.
+/// What takes the place of a key; see DictionaryReplaceOptions.
 struct ReplaceOptions {
-    unsigned field = 1;
-    std::string alternatives;  ///< empty: the field is one text
-    bool removeEmpty = false;
+    unsigned field = 1;        ///< number of the data field, from 1
+    std::string alternatives;  ///< what separates alternatives; empty: the field is one text
+    bool removeEmpty = false;  ///< an empty or missing field removes the key
 };
 
 // ---- Keys ----
@@ -227,8 +242,8 @@ struct ReplaceOptions {
 /// A key with its data.
 struct Key {
     std::string_view text;  ///< lasts until the range moves on
-    std::string_view data;
-    std::uint32_t image;
+    std::string_view data;  ///< lasts as long as the image
+    std::uint32_t image;    ///< number of the image in a set, else 0
 };
 
 /// The keys that begin with a prefix, in order, to be gone through once.
@@ -271,7 +286,9 @@ public:
         dictionarySeekPrefix(m_cursor.get(), detail::textOf(prefix));
     }
 
+    /// May be called once.
     iterator begin() { return iterator(*this); }
+    /// After the last key.
     iterator end() { return {}; }
 
 private:
@@ -324,6 +341,7 @@ public:
     /// For the functions of Dictionary.h. It stays the image's.
     DictionaryHandle* handle() const noexcept { return m_handle.get(); }
 
+    /// What the image holds.
     DictionaryDescription describe() const {
         DictionaryDescription description = {};
         description.size = sizeof description;
@@ -347,6 +365,7 @@ public:
         return detail::viewOf(data);
     }
 
+    /// Whether `key` as a whole is a key.
     bool contains(std::string_view key) const {
         return dictionaryLookupKey(handle(), detail::textOf(key), nullptr);
     }
@@ -523,6 +542,8 @@ inline void verifyImage(const std::string& path) {
     DictionaryError error;
     detail::require(dictionaryVerifyImage(path.c_str(), &error), error);
 }
+
+/// The same for an image in memory.
 inline void verifyBytes(std::string_view bytes) {
     DictionaryError error;
     detail::require(dictionaryVerifyBytes(detail::textOf(bytes), &error), error);
@@ -530,11 +551,14 @@ inline void verifyBytes(std::string_view bytes) {
 
 // ---- Segmentation by weight ----
 
+/// As DictionaryWeights.
 enum class Weights { counts = DICTIONARY_WEIGHTS_COUNTS, costs = DICTIONARY_WEIGHTS_COSTS };
 
 /// Weights for FindMode::weighted. The image must stay open, but may be moved.
 class Segmenter {
 public:
+    /// Reads the weights of all keys from the data field of that number, from 1. `unknownCost` is
+    /// what an unknown character costs, with Weights::costs alone.
     explicit Segmenter(const Image& image, Weights weights = Weights::counts, unsigned field = 1,
                        double unknownCost = 0) {
         DictionarySegmenterOptions options = {};
@@ -575,30 +599,32 @@ inline DictionaryFindOptions Image::optionsOf(const FindOptions& options) {
 
 // ---- Building ----
 
+/// As DictionaryBuildStage.
 enum class Stage {
     read = DICTIONARY_STAGE_READ,
     place = DICTIONARY_STAGE_PLACE,
     write = DICTIONARY_STAGE_WRITE
 };
 
-/// As DictionaryBuildOptions.
+/// How a source is read; see DictionaryBuildOptions.
 struct BuildOptions {
     std::string fieldSeparator = "\t";   ///< in the notation of getEscapeSeparator
     std::string recordSeparator = "\n";  ///< likewise
     unsigned problemLimit = 0;           ///< 0 for 100
-    bool lenient = false;
-    bool fromWindows = false;
-    bool allowEmpty = false;
-    bool folded = false;
+    bool lenient = false;                ///< some errors are warnings
+    bool fromWindows = false;            ///< carriage returns and a byte-order mark are no data
+    bool allowEmpty = false;             ///< a source without records makes an empty image
+    bool folded = false;                 ///< letters are folded; see docs/words.md
     /// Returns false to stop the build. May be empty.
     std::function<bool(Stage stage, std::uint64_t done, std::uint64_t total)> onProgress;
 };
 
 /// What a build did: what it counted, and its problems in the order of the source.
 struct Built {
-    DictionaryBuildReport report;
-    std::vector<Error> problems;
+    DictionaryBuildReport report;  ///< how many of what
+    std::vector<Error> problems;   ///< as many as the options allow
 
+    /// Whether any problem is more than a warning.
     bool hasErrors() const {
         for (const Error& problem : problems) {
             if (!problem.isWarning()) return true;
@@ -610,12 +636,14 @@ struct Built {
 /// A build that made no image; the error is the first one.
 class BuildError : public Error {
 public:
+    /// The first error, and all that the build did.
     BuildError(const DictionaryError& first, Built built)
         : Error(first), m_built(std::make_shared<const Built>(std::move(built))) {}
 
     /// Of every severity, in the order of the source. Empty where the build was called wrongly, or
     /// stopped before there were any.
     const std::vector<Error>& problems() const noexcept { return m_built->problems; }
+    /// How many of what the build read before it ended.
     const DictionaryBuildReport& report() const noexcept { return m_built->report; }
 
 private:
@@ -626,13 +654,16 @@ private:
 class ImageBuffer {
 public:
     ImageBuffer() = default;
+    /// Takes the image of `other`, which has none after it.
     ImageBuffer(ImageBuffer&& other) noexcept : m_buffer(std::exchange(other.m_buffer, {})) {}
+    /// Exchanges the images of both.
     ImageBuffer& operator=(ImageBuffer&& other) noexcept {
         std::swap(m_buffer, other.m_buffer);
         return *this;
     }
     ~ImageBuffer() { dictionaryFreeBuffer(&m_buffer); }
 
+    /// The whole image; lasts as long as this buffer holds it.
     std::string_view view() const noexcept { return {m_buffer.bytes, m_buffer.size}; }
     /// For the functions of Dictionary.h.
     DictionaryImageBuffer* get() noexcept { return &m_buffer; }
@@ -832,46 +863,58 @@ Built checkItems(const Range& range, const BuildOptions& options) {
 
 }  // namespace detail
 
-/// Builds the image file `image` from a source: a file, bytes, or a range of items. An item is a
-/// pair, or another type that a structured binding takes apart in two, of a key and its data, which
-/// is one field or a range of fields. Throws BuildError when there is no new image.
+/// Builds the image file `image` from the source file `source`. Throws BuildError when there is no
+/// new image.
 inline Built buildFile(const std::string& source, const std::string& image,
                        const BuildOptions& options = {}) {
     return detail::build(detail::fileSource(source), detail::fileTarget(image), options);
 }
+
+/// The same from a source in memory.
 inline Built buildBytes(std::string_view source, const std::string& image,
                         const BuildOptions& options = {}) {
     return detail::build(detail::bytesSource(source), detail::fileTarget(image), options);
 }
+
+/// The same from a range of items. An item is a pair, or another type that a structured binding
+/// takes apart in two, of a key and its data, which is one field or a range of fields.
 template <class Range>
 Built buildItems(const Range& items, const std::string& image, const BuildOptions& options = {}) {
     return detail::buildItems(items, detail::fileTarget(image), options);
 }
 
-/// The same into memory, in place of what `image` held.
+/// Builds an image in memory from a source file, in place of what `image` held.
 inline Built buildFile(const std::string& source, ImageBuffer& image,
                        const BuildOptions& options = {}) {
     image = ImageBuffer();
     return detail::build(detail::fileSource(source), detail::bufferTarget(image), options);
 }
+
+/// The same from a source in memory.
 inline Built buildBytes(std::string_view source, ImageBuffer& image,
                         const BuildOptions& options = {}) {
     image = ImageBuffer();
     return detail::build(detail::bytesSource(source), detail::bufferTarget(image), options);
 }
+
+/// The same from a range of items.
 template <class Range>
 Built buildItems(const Range& items, ImageBuffer& image, const BuildOptions& options = {}) {
     image = ImageBuffer();
     return detail::buildItems(items, detail::bufferTarget(image), options);
 }
 
-/// Only checks a source. Its problems are returned, errors among them.
+/// Only checks a source file. Its problems are returned, errors among them.
 inline Built checkFile(const std::string& source, const BuildOptions& options = {}) {
     return detail::check(detail::fileSource(source), options);
 }
+
+/// The same for a source in memory.
 inline Built checkBytes(std::string_view source, const BuildOptions& options = {}) {
     return detail::check(detail::bytesSource(source), options);
 }
+
+/// The same for a range of items.
 template <class Range>
 Built checkItems(const Range& items, const BuildOptions& options = {}) {
     return detail::checkItems(items, options);

@@ -16,6 +16,7 @@
 #include "DictionaryExport.h"
 #include "UTF8Coder.h"
 
+/// The classic interface: classes for building and searching, and string utilities.
 namespace Dictionary {
 
 /// An object is either built (buildDic, writeBinaryDic, destroyed) or loaded (loadBinaryDic, any

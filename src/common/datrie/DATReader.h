@@ -35,6 +35,7 @@ public:
         : m_coder(other.m_coder), m_image(nullptr), m_reverse(false), m_cellBytes(0) {
         *this = other;
     }
+    /// Reads the same image by the same coder as `other` from now on.
     CDATReader& operator=(const CDATReader& other) {
         if (this == &other) return *this;
         m_coder = other.m_coder;

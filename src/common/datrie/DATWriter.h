@@ -34,6 +34,7 @@ struct SInnerDATWUnit {
 
 /// Orders nodes by prefix, code by code, a prefix before what it begins.
 struct CUnitSort {
+    /// Whether `left` comes first.
     bool operator()(const SInnerDATWUnit* left, const SInnerDATWUnit* right) const {
         return left->prefix < right->prefix;
     }
@@ -42,6 +43,7 @@ struct CUnitSort {
 /// Orders nodes for placement: more passing keys first, then the shallower, then the smaller key
 /// number. A parent always comes before its children.
 struct CWriteSort {
+    /// Whether `left` comes first.
     bool operator()(const SInnerDATWUnit* left, const SInnerDATWUnit* right) const {
         if (left->passingKeys.size() != right->passingKeys.size()) {
             return left->passingKeys.size() > right->passingKeys.size();

@@ -53,9 +53,10 @@ public:
     /// is released as an array of char when `owner` is true, and only viewed otherwise.
     void reset(bool owner, const char* buffer, int capacity, int size);
 
-    /// The area's first byte (null when there is none) and the bytes in use. The pointer is valid
-    /// until the next write, reset or destruction.
+    /// The area's first byte; null when there is none. Valid until the next write, reset or
+    /// destruction.
     const char* data() const { return m_buffer; }
+    /// How many of its bytes are in use.
     int size() const { return m_size; }
 
 private:

@@ -58,9 +58,11 @@ DICTIONARY_EXPORT int ReplaceAll(std::string& text, const std::string& from, con
 /// Replaces every byte `from` by `to` and returns the number of replacements.
 DICTIONARY_EXPORT int ReplaceChar(std::string& text, char from, char to);
 
-/// A copy of `text` with its bytes a to z (A to Z) in upper (lower) case. Byte by byte: second
-/// bytes of double-byte characters change, too.
+/// A copy of `text` with its bytes a to z in upper case. Byte by byte: second bytes of double-byte
+/// characters change, too.
 DICTIONARY_EXPORT std::string String2Upper(const std::string& text);
+
+/// A copy of `text` with its bytes A to Z in lower case, byte by byte likewise.
 DICTIONARY_EXPORT std::string String2Lower(const std::string& text);
 
 /// Cuts `text` to at most `maxLength` bytes without splitting a double-byte character, and returns
@@ -71,12 +73,16 @@ DICTIONARY_EXPORT unsigned long GBKSubStr(std::string& text, unsigned long maxLe
 
 /// The decimal number that `text` begins with, after white space and a sign if there are any; 0
 /// without digits. What follows the number is ignored. A number too large or too small for a long
-/// returns the nearest long; Str2Int keeps the low 32 bits of what Str2Long returns.
-DICTIONARY_EXPORT int Str2Int(std::string text);
+/// returns the nearest long.
 DICTIONARY_EXPORT long Str2Long(std::string text);
+
+/// The low 32 bits of what Str2Long returns.
+DICTIONARY_EXPORT int Str2Int(std::string text);
 
 /// `value` in decimal, with a minus sign if it is negative.
 DICTIONARY_EXPORT std::string Int2Str(int value);
+
+/// The same of a long.
 DICTIONARY_EXPORT std::string Long2Str(long value);
 
 /// 0 if `text` is one or more decimal digits and nothing else, -1 if not.

@@ -11,10 +11,10 @@
 namespace Dictionary {
 
 /// Where an encoded character, or a match, is in its text. Offsets are in bytes from the text's
-/// first byte; `end` is the offset of the last byte, so it is inclusive.
+/// first byte.
 struct SPOS {
-    int start;
-    int end;
+    int start;    ///< offset of its first byte
+    int end;      ///< offset of its last byte, so it is inclusive
     int feature;  ///< 0 from a coder; in matches, the byte offset of the key's feature record
 };
 
