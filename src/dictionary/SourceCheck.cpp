@@ -65,10 +65,8 @@ const std::vector<Finding>& SourceCheck::examine(const SourceRecord& record, std
         examineText(record, keySize);
     }
     if (!record.finished) add(DICTIONARY_UNFINISHED, record.text.size());
-    if (m_found.size() > 1) {
-        std::stable_sort(m_found.begin(), m_found.end(),
-                         [](const Finding& a, const Finding& b) { return a.column < b.column; });
-    }
+    std::stable_sort(m_found.begin(), m_found.end(),
+                     [](const Finding& a, const Finding& b) { return a.column < b.column; });
     return m_found;
 }
 
