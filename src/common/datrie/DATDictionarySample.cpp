@@ -43,8 +43,9 @@ struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// Reads the records of a source into `table`, up to the first with fewer than two fields, which
-// is returned, or null. Calls `beforeFill()` before it waits for more of the source.
+// Reads the records of a source into `table`. Stops at the first one with fewer than two fields and
+// returns it; returns null if there is none. Calls `beforeFill()` before it waits for more of the
+// source.
 template <class BeforeFill>
 const char* read(CRecordReader& source, SourceTable& table, BeforeFill beforeFill) {
     std::vector<char*> fields;
@@ -57,7 +58,7 @@ const char* read(CRecordReader& source, SourceTable& table, BeforeFill beforeFil
     return nullptr;
 }
 
-// False at a record with fewer than two fields.
+// Returns false if it stopped at a record with fewer than two fields.
 bool gather(CRecordReader& source, SourceTable& table) {
     MessageBlock messages(stderr);
     RecordLines lines(table, messages);
@@ -81,7 +82,7 @@ void addAll(const SourceTable& table, ICoderInterface& coder, TrieBuilder& build
 
 int CDictionayApp::buildDic(const char* fileName, const char* fieldSeparator,
                             const char* recordSeparator) {
-    // Kept: a writer from an earlier build is lost.
+    // Kept: the writer of an earlier build is leaked.
     m_writer = new CDATWriter(m_coder, false);
     m_writer->m_builder->expectOneBuild();
     auto source = std::make_unique<CRecordReader>();
@@ -107,7 +108,7 @@ int CDictionayApp::writeBinaryDic(const char* fileName) {
     const std::unique_ptr<std::FILE, CloseFile> file(
         fileName == nullptr ? nullptr : std::fopen(fileName, "wb"));
     if (file == nullptr) return 0;
-    // A buffer would cut the pieces up.
+    // A buffer would cut up the pieces.
     std::setvbuf(file.get(), nullptr, _IONBF, 0);
     // The image goes to the file piece by piece, so that it is never in memory twice.
     m_writer->m_imageSize = m_writer->m_builder->writeImage(
@@ -116,12 +117,12 @@ int CDictionayApp::writeBinaryDic(const char* fileName) {
                 .print(stderr);
         },
         [&](const char* bytes, std::size_t size) { std::fwrite(bytes, 1, size, file.get()); });
-    // Kept: neither these results nor that of closing the file is looked at.
+    // Kept: errors of these writes, and of closing the file, are ignored.
     return 1;
 }
 
 int CDictionayApp::loadBinaryDic(const char* fileName) {
-    // No null name reaches the C library, which counts on that.
+    // The C library must not be given a null name.
     const int file = fileName == nullptr ? kNoFile : open(fileName, O_RDONLY);
     if (file == kNoFile) {
         (StreamMessage() << "Error open binary dic : " << fileName << " " << std::strerror(errno))

@@ -19,25 +19,25 @@
 /// The classic interface: classes for building and searching, and string utilities.
 namespace Dictionary {
 
-/// An object is either built (buildDic, writeBinaryDic, destroyed) or loaded (loadBinaryDic, any
-/// number of queries, destroyed), each once.
+/// An object is used once, in one of two ways: it is built (buildDic, then writeBinaryDic) and
+/// destroyed, or it is loaded (loadBinaryDic), queried any number of times and destroyed.
 ///
 /// Queries only read the object, so several threads may query one loaded object at once. Building,
 /// loading and destroying must not overlap with any other use of the same object.
 class DICTIONARY_EXPORT CDictionayApp {
 public:
-    /// A match result: for every byte position of a text the keys that start there, as allMatch
-    /// says.
+    /// A match result: one list for each byte position of a text, with the keys that start there.
+    /// See allMatch.
     typedef std::vector<std::vector<std::pair<int, std::string> > > Matches;
 
-    /// An object yet to be built or loaded.
+    /// Makes an object that is neither built nor loaded yet.
     CDictionayApp() : m_coder(nullptr), m_writer(nullptr), m_image(nullptr), m_imageLength(0) {
         m_coder = new CUTF8Coder;
     }
 
     ~CDictionayApp() {
         delete m_writer;
-        // The coder holds no state: releasing its storage is all there is to destroy.
+        // The coder has no state, so releasing its storage is enough.
         ::operator delete(static_cast<void*>(m_coder));
         m_coder = nullptr;
         m_writer = nullptr;
@@ -47,29 +47,28 @@ public:
     CDictionayApp(const CDictionayApp&) = delete;
     CDictionayApp& operator=(const CDictionayApp&) = delete;
 
-    /// Builds the trie from the text file `fileName`: records end with `recordSeparator`, and
-    /// their fields, of which the first is the key, are separated by `fieldSeparator`, both in the
-    /// notation of getEscapeSeparator. A key's data text is every further field followed by a tab;
-    /// data of a repeated key is joined with ";". The key written as a backslash and an n is
-    /// the newline character.
+    /// Builds the trie from the text file `fileName`. Records end with `recordSeparator`. Their
+    /// fields are separated by `fieldSeparator`, and the first one is the key. Both separators are
+    /// in the notation of getEscapeSeparator. A key's data text is its further fields, each
+    /// followed by a tab; the data of a repeated key is joined with ";". A key written as a
+    /// backslash and an n is the newline character.
     ///
-    /// Writes one line per record to standard error, before it waits for more of the source, then
-    /// "Build OK". Writes the progress line to standard output. Returns 1 when the build ran to its
-    /// end. Returns 0, after "Wrong format of file : ", at a record with fewer than two fields; the
-    /// record reader with its descriptor and its buffers stays allocated then. Ends the process
-    /// when the file cannot be opened or its name is null. A last record without its separator is
-    /// lost. A key that the coder refuses is reported and left out.
+    /// Writes one line per record to standard error, before it waits for more of the source, and
+    /// "Build OK" at the end. Writes the progress line to standard output. Returns 1 when the build
+    /// is finished. At a record with fewer than two fields, returns 0 after the message
+    /// "Wrong format of file : "; the record reader then stays allocated, with its descriptor and
+    /// its buffers. Ends the process when the file cannot be opened or its name is null. A last
+    /// record without its separator is lost. A key that the coder refuses is reported and left out.
     int buildDic(const char* fileName, const char* fieldSeparator, const char* recordSeparator);
 
     /// Writes the built image to `fileName` and its size to standard error. Returns 0, without a
-    /// message, when the file cannot be opened or its name is null, else 1: write errors go
-    /// unnoticed. Only after buildDic.
+    /// message, when the file cannot be opened or its name is null, otherwise 1: write errors go
+    /// unnoticed. Call it only after buildDic.
     int writeBinaryDic(const char* fileName);
 
-    /// Maps the image file `fileName` read-only and private. Returns 1, or 0 after a message on
-    /// standard error when it cannot be opened or mapped; queries then find nothing. They also find
-    /// nothing, and 1 is returned, when the file is shorter than its header says. Nothing else is
-    /// checked.
+    /// Maps the image file `fileName` read-only and private. Returns 0, after a message on standard
+    /// error, when the file cannot be opened or mapped, otherwise 1. Queries find nothing when it
+    /// returned 0, or when the file is shorter than its header says. Nothing else is checked.
     int loadBinaryDic(const char* fileName);
 
     /// Appends to `result` one list for every byte position of `text`: the keys that start there,
@@ -96,7 +95,8 @@ private:
     DICTIONARY_LOCAL void* image() const;
     DICTIONARY_LOCAL void dropImage();
 
-    /// What returnListStr makes of the result of allMatch, without the lists in between.
+    /// The string that returnListStr makes from the result of allMatch, but without building the
+    /// lists.
     DICTIONARY_LOCAL char* searchText(const char* text, bool withFeatures) const;
 
     ICoderInterface* m_coder;  ///< owned, always a CUTF8Coder

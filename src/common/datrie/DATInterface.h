@@ -20,23 +20,24 @@ extern "C" {
 #endif
 
 /** Builds the image file `binaryFileName` from the text source `sourceFileName`: one line per
- * record, key and data fields separated by tabs, the last line ended like the others. Progress goes
- * to standard output, one line per record to standard error. Ends the process with status 1, after
- * a message on standard output, when the source cannot be opened or its name is null. A line
- * without a tab stops the build; the image written then holds no key and has 12 bytes. */
+ * record, with key and data fields separated by tabs. The last line ends with a newline like the
+ * others. Progress goes to standard output, one line per record to standard error. Ends the process
+ * with status 1, after a message on standard output, when the source cannot be opened or its name
+ * is null. A line without a tab stops the build; the image written then holds no key and has 12
+ * bytes. */
 DICTIONARY_EXPORT void buildTree(const char* sourceFileName, const char* binaryFileName);
 
 /** Maps the image file `fileName` and returns a handle to it, never null. When the file cannot be
  * opened or mapped (an empty file, say), a message goes to standard error and every search on the
- * handle finds nothing. On a file that is shorter than its header says, searches find nothing
- * either, and there is no message. What else a file holds is not checked: a search of a damaged
- * one may crash. */
+ * handle finds nothing. When the file is shorter than its header says, searches find nothing
+ * either, but there is no message. Nothing else in a file is checked: searching a damaged one may
+ * crash. */
 DICTIONARY_EXPORT void* loadBin(const char* fileName);
 
 /** The longest key at every position of `text` where one starts, each followed by a tab: the key
  * alone, or, with `withFeatures`, key, "/", byte position, ":", feature text. A key right before a
  * character above U+FFFF is not found. With a null text or handle nothing is found. The result is
- * never null; release it with freeResult. It does not depend on the handle staying alive. */
+ * never null; release it with freeResult. It stays valid when the handle is destroyed. */
 DICTIONARY_EXPORT char* search(const char* text, void* handle, bool withFeatures);
 
 /** Releases a handle and its mapping. A null handle is ignored. */

@@ -79,7 +79,8 @@ void CDATReader::allMatch(const char* text,
     const std::size_t bytes = encodedSize(text, length);
     const std::size_t positions = fromFirstOnly ? std::min<std::size_t>(bytes, 1) : bytes;
     groups.reserve(groups.size() + positions);
-    // Kept: records are taken in their own order, so one whose start was passed blocks the rest.
+    // Kept: records are taken in the order found, so one that starts before `position` blocks the
+    // rest.
     auto match = matches.begin();
     for (int position = 0; static_cast<std::size_t>(position) < positions; ++position) {
         groups.emplace_back();

@@ -21,8 +21,8 @@ namespace Dictionary {
 namespace {
 
 // The progress line on standard output. It ends in a carriage return, so that on a terminal each
-// one overwrites the one before. There may be ten thousand lines a second; they are flushed only
-// as often as can be seen.
+// one overwrites the one before. There may be ten thousand lines a second, so they are flushed only
+// as often as anyone could see.
 class ProgressLine : public PlacementListener {
 public:
     void pause(std::uint64_t, std::uint64_t) override {}
@@ -46,8 +46,8 @@ public:
     }
 
 private:
-    // What printf makes of "percent :%.2f cost time: %f seconds ALL STATE: %d\r", without the time
-    // that it takes.
+    // Prints what printf would for "percent :%.2f cost time: %f seconds ALL STATE: %d\r", but
+    // faster.
     void print(float fraction, std::uint64_t total) const {
         constexpr int kFractionDigits = 2;
         constexpr int kSecondsDigits = 6;
@@ -62,7 +62,7 @@ private:
         std::fwrite(line, 1, static_cast<std::size_t>(out - line), stdout);
     }
 
-    // With the decimal separator of the locale.
+    // Uses the decimal separator of the locale.
     static char* appendFixed(char* out, double value, int digits) {
         char number[64];
         char* const end = std::to_chars(std::begin(number), std::end(number), value,
@@ -159,7 +159,7 @@ bool CDATWriter::buildDAT() {
     return true;
 }
 
-// Cells take up storage only when they are used, so a final clear leaves as little as any other.
+// Cells take up storage only when they are used, so a final clear frees as much as any other.
 void CDATWriter::clear(bool) {
     m_builder->clear();
 }
@@ -230,7 +230,7 @@ void* CDATWriter::write(void* output, bool withFeatures) {
     for (std::int64_t i = 0; i < count; ++i) {
         const Cell cell = cells.cellAt(i);
         out = store(out, cell.base);
-        // Kept: the word of a free cell's check stays as it was.
+        // Kept: the caller's word for the check of a free cell is not written.
         out = cell.check == kFreeCheck ? out + sizeof cell.check : store(out, cell.check);
         if (withFeatures) out = store(out, cell.feature);
     }

@@ -9,8 +9,9 @@
 
 namespace Dictionary {
 
-// Gathers message lines and writes them to an unbuffered stream in blocks: the same bytes in the
-// same order as written one by one. Flush before anything else writes to the stream.
+// Gathers message lines and writes them to an unbuffered stream in blocks. The stream gets the same
+// bytes in the same order as if the lines were written one by one. Flush before anything else
+// writes to the stream.
 class MessageBlock {
 public:
     explicit MessageBlock(std::FILE* stream) : m_stream(stream) {}
@@ -27,9 +28,9 @@ private:
     std::string m_text;
 };
 
-// A message that is built in a string stream, where it gets an end of line, and is then printed as
-// a line: two newlines follow it. A null part makes such a stream fail: what comes before it is
-// printed with one newline, and the rest is dropped.
+// A message printed as if it were built in a string stream, with an end of line, and then printed
+// as a line: two newlines follow it. As in such a stream, a null part is a failure: what comes
+// before it is printed with one newline, and the rest is dropped.
 class StreamMessage {
 public:
     StreamMessage& operator<<(const char* part);

@@ -20,7 +20,7 @@ char* advance(void** cursor, int bytes) {
 }
 
 // The first doubling of `capacity` that holds `size` bytes. Offsets are 32 bits wide, so an area
-// cannot pass 2^31 - 1 bytes.
+// cannot exceed 2^31 - 1 bytes.
 int grownCapacity(int capacity, std::int64_t size) {
     constexpr std::int64_t kMaxBytes = std::numeric_limits<int>::max();
     if (size > kMaxBytes) throw std::bad_alloc();
@@ -57,7 +57,7 @@ int CFeatureDataContainer::write(CFeatureData& record) {
     if (m_buffer == nullptr || capacity > m_capacity) {
         auto grown = std::make_unique<char[]>(static_cast<std::size_t>(capacity));
         std::copy_n(m_buffer, m_buffer == nullptr ? 0 : m_size, grown.get());
-        // Kept: the old buffer goes whether it was owned or not.
+        // Kept: the old buffer is deleted even if it was not owned.
         delete[] m_buffer;
         m_buffer = grown.release();
         m_capacity = capacity;

@@ -17,7 +17,7 @@ public:
     CFeatureData() : length(0) {}
 
     /// Writes the record at *cursor and moves the cursor past it. A record of length 0 writes
-    /// nothing and leaves the cursor.
+    /// nothing and leaves the cursor where it is.
     void serialize(void** cursor);
 
     /// Reads the record at *cursor and moves the cursor past it. The text ends at the first NUL
@@ -28,8 +28,9 @@ public:
     std::string text;  ///< the bytes that serialize writes and deserialize reads
 };
 
-/// An area of records: grows and owns it when building, views an outside one when reading. Not to
-/// be used by two threads at once, but `read` may run concurrently with itself.
+/// An area of records. When building, it owns the area and grows it; when reading, it views one
+/// that is owned elsewhere. Two threads must not use it at once, except that `read` may run
+/// concurrently with itself.
 class DICTIONARY_EXPORT CFeatureDataContainer {
 public:
     /// An empty area, which owns what it grows into.
@@ -49,8 +50,8 @@ public:
     /// offset leaves `record` as it was; without a buffer it becomes empty.
     void read(CFeatureData& record, int offset);
 
-    /// Takes `buffer` with `size` of `capacity` bytes in use, instead of what it held. The buffer
-    /// is released as an array of char when `owner` is true, and only viewed otherwise.
+    /// Replaces the area by `buffer`, of whose `capacity` bytes `size` are in use. If `owner` is
+    /// true, the buffer will be released as an array of char; otherwise it is only viewed.
     void reset(bool owner, const char* buffer, int capacity, int size);
 
     /// The area's first byte; null when there is none. Valid until the next write, reset or

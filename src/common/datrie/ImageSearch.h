@@ -7,8 +7,9 @@
 
 namespace Dictionary {
 
-// What CDictionayApp::returnListStr makes of the result of allMatch, without the lists in between.
-// A null image or text finds nothing. The caller releases the string with free(). Never null.
+// The string that CDictionayApp::returnListStr makes from the result of allMatch, but without
+// building the lists. Nothing is found if the image or the text is null. The caller releases the
+// string with free(). Never null.
 char* searchImage(const void* image, ICoderInterface& coder, const char* text, bool withFeatures);
 
 }  // namespace Dictionary

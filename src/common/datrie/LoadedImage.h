@@ -1,4 +1,4 @@
-// Helper, not installed: what a handle of the entry points is when it is no CDictionayApp.
+// Helper, not installed: a handle of the entry points that is not a CDictionayApp.
 
 #ifndef DICTIONARY_LOADED_IMAGE_H
 #define DICTIONARY_LOADED_IMAGE_H
@@ -7,8 +7,8 @@
 
 namespace Dictionary {
 
-// Both kinds of handles begin with a pointer: a CDictionayApp with that to its coder, this one with
-// that to a mark that is nothing else.
+// Both kinds of handles begin with a pointer. That of a CDictionayApp points to its coder, this one
+// to kMark, which is never a coder.
 class LoadedImage {
 public:
     using Destroy = void (*)(LoadedImage* handle);
@@ -20,7 +20,7 @@ public:
         return begin == &kMark ? static_cast<LoadedImage*>(handle) : nullptr;
     }
 
-    // Where `search` looks; null when it finds nothing.
+    // The image that `search` reads; null when it is to find nothing.
     const void* searchedImage() const { return m_image; }
     void destroy() { m_destroy(this); }
 

@@ -16,7 +16,7 @@ void RecordLines::write() {
             m_before[record] = record - 1;
         }
     }
-    // The first record out of order brings all those before it into the table.
+    // At the first record out of order, all records so far go into the hash table.
     if (!m_inOrder) index(m_slots.empty() ? 0 : first, end);
     for (record = first; record < end; ++record) print(record);
 }
@@ -25,7 +25,7 @@ bool RecordLines::isInOrder(std::uint32_t record) const {
     return record == 0 || m_table.key(record - 1) <= m_table.key(record);
 }
 
-// Records are spread over all slots, so their cache misses are taken together.
+// Records are spread over all slots. Prefetching lets their cache misses overlap.
 void RecordLines::index(std::uint32_t first, std::uint32_t end) {
     constexpr std::size_t kAhead = 16;
     grow(end);
@@ -56,7 +56,7 @@ void RecordLines::grow(std::size_t records) {
     }
 }
 
-// The slot of a record's key, which is empty if no record had it.
+// The slot of a record's key; it is empty if no earlier record has that key.
 RecordLines::Slot& RecordLines::slotOf(std::uint32_t record, std::uint32_t hash) {
     const std::size_t mask = m_slots.size() - 1;
     for (std::size_t i = hash & mask;; i = (i + 1) & mask) {

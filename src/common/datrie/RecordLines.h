@@ -1,4 +1,5 @@
-// Helper, not installed: writes a line per record of a source, with the data of its key so far.
+// Helper, not installed: writes one line per record of a source, with the data that its key has so
+// far.
 
 #ifndef DICTIONARY_RECORD_LINES_H
 #define DICTIONARY_RECORD_LINES_H
@@ -13,9 +14,9 @@
 
 namespace Dictionary {
 
-// Works while records are still being added to the table, which is yet to be arranged. As long as
-// keys come in ascending order, a record's key is new or that of the record before; from the first
-// one on that does not, a hash table knows the last record of each key.
+// Used while records are being added to the table, before it is arranged. As long as keys come in
+// ascending order, a record's key is either new or that of the record before. From the first key
+// out of order on, a hash table has the last record of each key.
 class RecordLines {
 public:
     RecordLines(const SourceTable& table, MessageBlock& messages)
@@ -42,7 +43,7 @@ private:
     MessageBlock& m_messages;
     KeyedHash m_hash;
     bool m_inOrder = true;
-    std::vector<std::uint32_t> m_before;  // by record: the one before with the same key
+    std::vector<std::uint32_t> m_before;  // by record: the previous one with the same key
     std::vector<Slot> m_slots;            // a power of two of them, probed one after the other
     std::vector<std::uint32_t> m_chain;   // scratch of print
 };

@@ -20,7 +20,7 @@ namespace {
 constexpr int kBufferBytes = 4194304;
 constexpr int kFillBytes = kBufferBytes - 5;      // the rest stays zero and ends every scan
 constexpr int kMaxTextBytes = kBufferBytes - 1;   // a terminator follows
-constexpr int kMaxCarryBytes = kBufferBytes - 6;  // a longer record is too long
+constexpr int kMaxCarryBytes = kBufferBytes - 6;  // the most that is carried over
 constexpr int kNoFile = -1;
 
 struct Release {
@@ -34,7 +34,7 @@ Buffer newBuffer() {
     return buffer;
 }
 
-// Copies text to a buffer after its first `used` bytes, as much as fits, and terminates it.
+// Copies as much of a text as fits to a buffer, after its first `used` bytes, and terminates it.
 void append(char* buffer, int used, const char* text, std::size_t length) {
     const auto room = static_cast<std::size_t>(std::max(0, kMaxTextBytes - used));
     const std::size_t copied = std::min(length, room);
@@ -134,7 +134,7 @@ void CRecordReader::finishInFill(int end, int carried) {
     m_readBuffer[end] = '\0';
     append(m_recordBuffer, carried, m_readBuffer + m_nextStart,
            static_cast<std::size_t>(end - m_nextStart));
-    // Kept: a separator with a NUL byte counts with its full size, though only the bytes before
+    // Kept: a separator with a NUL byte is skipped in its full size, though only the bytes before
     // the NUL were looked for.
     const int separatorSize = static_cast<int>(m_recordSeparator.size());
     m_nextStart = std::min(end + separatorSize, kFillBytes);
@@ -152,8 +152,8 @@ void CRecordReader::carryRemainder(int carried) {
     append(m_carryBuffer, carried, rest, std::strlen(rest));
 }
 
-// Kept: bytes beyond a short fill are those of the fill before it, as only a regular file's last
-// fill is short.
+// Kept: after a short fill, the buffer still has bytes of the previous fill. In a regular file only
+// the last fill is short.
 bool CRecordReader::refill() {
     const ssize_t length = read(m_fd, m_readBuffer, kFillBytes);
     if (length <= 0) return false;

@@ -12,10 +12,10 @@
 
 namespace Dictionary {
 
-/// Call init once, then next until it returns null, with splitRecord on each record as needed.
+/// Call init once, then next until it returns null. Call splitRecord on a record to get its fields.
 /// The source is read in fills of up to 4,194,299 bytes. Meant for regular files: after a short
-/// read from a pipe, bytes of the fill before it may be taken for new ones. A NUL byte ends the
-/// fill that holds it. One thread at a time.
+/// read from a pipe, bytes of the previous fill may be taken for new ones. A NUL byte ends the fill
+/// that holds it. One thread at a time.
 class DICTIONARY_EXPORT CRecordReader {
 public:
     CRecordReader();
@@ -34,19 +34,20 @@ public:
     /// at a read error. A last record without a separator is dropped. The text is valid until the
     /// next call.
     ///
-    /// A record of up to 4,194,298 bytes comes out whole wherever it is. A longer one does when
-    /// all of it but its last fill has at most 4,194,298 bytes, and the whole of it at most
-    /// 4,194,303; what is beyond those is cut off without a message. Otherwise the part of a fill
-    /// that does not fit is dropped, after a message on standard output.
+    /// A record of up to 4,194,298 bytes is returned whole, wherever it is in the source. A longer
+    /// one is cut off after 4,194,303 bytes, without a message, if the part of it before its last
+    /// fill has at most 4,194,298 bytes. Otherwise the part of a fill that does not fit is dropped,
+    /// after a message on standard output.
     char* next();
 
     /// Cuts `record` in place at every field separator. `fields` is overwritten with the starts of
     /// the fields, empty ones included, which point into `record`. Returns how many there are.
     int splitRecord(char* record, std::vector<char*>& fields);
 
-    /// Finds a separator that begins at the end of `tail` and ends in `head`: when there is one,
-    /// returns true and sets `tailPart` and `headPart` to its bytes in each. Both are counted as if
-    /// the piece of `tail` looked at were separatorLength bytes long, even when `tail` is shorter.
+    /// Looks for a separator that begins at the end of `tail` and ends in `head`. If there is one,
+    /// returns true and sets `tailPart` and `headPart` to the number of its bytes in each. Both are
+    /// counted as if the piece of `tail` that is searched were separatorLength bytes long, even
+    /// when `tail` is shorter.
     bool findSplitPosition(const char* tail, unsigned long tailLength, const char* head,
                            const char* separator, unsigned long separatorLength,
                            unsigned long& tailPart, unsigned long& headPart);
@@ -69,7 +70,7 @@ private:
     char* m_carryBuffer;   ///< a record begun in earlier fills and not yet finished
     char* m_recordBuffer;  ///< the record that next returned
     int m_readLength;      ///< bytes that the last read delivered
-    int m_recordEnd;       ///< index in m_readBuffer of the record separator last found
+    int m_recordEnd;       ///< index in m_readBuffer just past the record separator last found
     int m_nextStart;       ///< index in m_readBuffer at which the next record begins
     int m_fd;
     std::string m_recordSeparator;

@@ -78,7 +78,7 @@ int ReplaceChar(std::string& text, char from, char to) {
     return replaced;
 }
 
-// Kept: second bytes of double-byte characters change with all others.
+// Kept: second bytes of double-byte characters are changed like any other bytes.
 std::string String2Upper(const std::string& text) {
     return convertBytes(text, "abcdefghijklmnopqrstuvwxyz", std::toupper);
 }

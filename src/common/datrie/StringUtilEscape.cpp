@@ -27,7 +27,7 @@ constexpr std::string_view kBlank = " ";
 constexpr int kDecimal = 10;
 constexpr unsigned char kHighBit = 0x80;
 
-// What one step reads from the input and what it writes for that.
+// What one step reads from the input, and what it writes.
 struct Step {
     int consumed;
     std::string_view output;
@@ -76,7 +76,7 @@ bool isPair(const unsigned char* text) {
 
 // The length of the numeric character reference that `text` begins with, 0 if there is none.
 int referenceLength(const unsigned char* text, int left) {
-    // Kept: a shorter reference, too, needs as many bytes as the longest one.
+    // Kept: even a shorter reference needs as many bytes of input as the longest one.
     if (left < kLongestReference || text[0] != '&' || text[1] != '#') return 0;
     int end = kFirstDigit;
     while (end < kLongestReference - 1 && isWithin(text[end], '0', '9')) ++end;

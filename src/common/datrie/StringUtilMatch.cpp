@@ -23,7 +23,7 @@ Prefixes matchingNothing(std::string_view pattern) {
     return matching;
 }
 
-// Reads one more byte of the text. Returns whether any prefix matches still.
+// Reads one more byte of the text. Returns whether any prefix still matches.
 bool advance(std::string_view pattern, char byte, Prefixes& matching) {
     bool shorterBefore = matching[0];  // the prefix one shorter, before this byte
     bool shorterNow = false;           // and with it
@@ -45,7 +45,6 @@ bool advance(std::string_view pattern, char byte, Prefixes& matching) {
 
 }  // namespace
 
-// A question mark may match nothing, so one right after an asterisk adds nothing to it.
 int wildcard(const char* pattern, const char* text) {
     const std::string_view wanted(pattern);
     Prefixes matching = matchingNothing(wanted);

@@ -62,7 +62,7 @@ std::time_t Str2Seconds(const std::string& timeText) {
 
 std::time_t Str2SecondsSimple(const std::string& timeText) {
     const std::time_t seconds = Str2Seconds(timeText);
-    // Kept: the standard offset is taken off in daylight saving time, too.
+    // Kept: the standard offset is used even in daylight saving time.
     return seconds < 1 ? 0 : seconds - timezone;
 }
 

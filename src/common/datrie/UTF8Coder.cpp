@@ -16,7 +16,8 @@ const std::uint8_t* bytesOf(const char* text) {
     return reinterpret_cast<const std::uint8_t*>(text);
 }
 
-// Room for `count` more, by doublings at least, so that text after text may be appended.
+// Makes room for `count` more items. The capacity at least doubles, so that appending text after
+// text stays cheap.
 template <class Item>
 void provideRoom(std::vector<Item>& items, std::size_t count) {
     if (items.capacity() - items.size() >= count) return;
@@ -82,7 +83,7 @@ int CUTF8Coder::decode(int code, char* buffer, int bufferLength) {
 bool CUTF8Coder::isInMyCode(const char* text) {
     const std::size_t size = std::strlen(text);
     if (size == 0) return false;
-    // Kept: the end given is the text's last byte, so a text of one character fails.
+    // Kept: the end passed is the text's last byte, so a text of one character fails.
     return isLegalUTF8Sequence(bytesOf(text), bytesOf(text) + size - 1) != 0;
 }
 

@@ -19,14 +19,14 @@ struct SPOS {
 };
 
 /// Turns text into codes and back. Implementations must be safe to call from several threads at
-/// once if the dictionaries that use them are searched so. The destructor is not virtual: only a
-/// coder that has nothing to destroy may be deleted through this interface.
+/// once if dictionaries that use them are searched by several threads. The destructor is not
+/// virtual: only a coder that has nothing to destroy may be deleted through this interface.
 class ICoderInterface {
 public:
     /// Appends a code to `codes` and a record to `positions` for every character of the first
     /// `length` bytes of `text`; of all its bytes when `length` is 0, negative or not below
-    /// strlen(text). Clears neither vector. Returns non-zero on success; a builder refuses a text
-    /// for which the result is 0, a reader does not look at the result.
+    /// strlen(text). Clears neither vector. Returns non-zero on success. A builder refuses a text
+    /// for which the result is 0; a reader ignores the result.
     virtual int encodeString(const char* text, std::vector<int>& codes,
                              std::vector<SPOS>& positions, int length) = 0;
 
@@ -34,10 +34,10 @@ public:
     /// terminating NUL. Returns the number of bytes written, 0 when they do not fit.
     virtual int decode(int code, char* buffer, int bufferLength) = 0;
 
-    /// Whether `text` begins with a character of this coder's.
+    /// Whether `text` begins with a character that this coder knows.
     virtual bool isInMyCode(const char* text) = 0;
 
-    /// The number of codes that may begin a key, counted from 0: the alphabet size.
+    /// The alphabet size: only codes from 0 up to, but without, this number may begin a key.
     virtual int getNumOfSingleWord() = 0;
 };
 

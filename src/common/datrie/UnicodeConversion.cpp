@@ -30,7 +30,7 @@ int announcedLength(uint8_t lead) {
     return kTrailingBytes[lead >> kTrailingBytesShift] + 1;
 }
 
-// The character in the `length` bytes at `source`, as many as the first of them announces; one of
+// The character in the `length` bytes at `source`, as many as the first of them announces. It has
 // no units when they are illegal.
 Character characterIn(const uint8_t* source, int length) {
     constexpr uint8_t kFirstMultiByte = 0x80;
@@ -63,8 +63,8 @@ ConversionResult readCharacter(const uint16_t* source, const uint16_t* sourceEnd
     return flags == strictConversion ? sourceIllegal : conversionOK;
 }
 
-// The writers take values up to U+10FFFF. They return false, having done nothing, when the target
-// lacks the room; otherwise they advance its cursor.
+// The writers take values up to U+10FFFF. When the target lacks room, they do nothing and return
+// false; otherwise they advance its cursor.
 bool writeCharacter(uint32_t value, uint8_t** target, const uint8_t* targetEnd) {
     const auto code = static_cast<int32_t>(value);
     const auto length = static_cast<std::ptrdiff_t>(Dictionary::utf8Length(code));
@@ -128,7 +128,7 @@ ConversionResult ConvertUTF32toUTF16(const uint32_t** source, const uint32_t* so
         if (flags == strictConversion) {
             if (isSurrogate(value)) return sourceIllegal;
             if (value > kLargestLegal) {
-                // Kept: such a value is passed over and the rest converted all the same.
+                // Kept: such a value is skipped, and the rest is still converted.
                 result = sourceIllegal;
                 continue;
             }

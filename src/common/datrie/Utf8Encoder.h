@@ -9,13 +9,13 @@
 
 namespace Dictionary {
 
-// How many bytes `code` takes, which is at most U+10FFFF.
+// How many bytes `code` takes. It must be at most U+10FFFF.
 inline std::size_t utf8Length(std::int32_t code) {
     constexpr std::int32_t kTwoBytes = 0x80, kThreeBytes = 0x800, kFourBytes = 0x10000;
     return 1u + (code >= kTwoBytes) + (code >= kThreeBytes) + (code >= kFourBytes);
 }
 
-// Writes the bytes of `code`, of a surrogate three, and returns where they end.
+// Writes the bytes of `code`, three for a surrogate, and returns where they end.
 inline char* writeUtf8(std::int32_t code, char* out) {
     const auto put = [&](std::int32_t mark, std::int32_t bits) {
         *out++ = static_cast<char>(mark | bits);
