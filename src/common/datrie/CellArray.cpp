@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::int64_t kGrowthFactor = 2;
 constexpr std::int64_t kNoBase = -1;
-// An image is written with one cell more than are in use.
+// An image is written with one more cell than are in use.
 constexpr std::int64_t kMaxCells = kMaxImageBytes / kCellBytes - 1;
 
 // Four times the smallest power of two that holds the cells of the root's children.
@@ -96,7 +96,7 @@ std::int64_t CellArray::findBase(std::int32_t leading, const std::vector<std::in
     advanceHint();
     if (m_hint < leading || m_hint + reach >= m_limit) return kNoBase;
 
-    // A child can only lie above the reserved cells, so no position before this one fits.
+    // All children must be above the reserved cells, so no position before this one fits.
     const std::int64_t from = std::max(m_hint, std::int64_t{m_alphabetSize} + 1 + leading - *least);
     m_offsets.clear();
     for (const std::int32_t label : labels) {

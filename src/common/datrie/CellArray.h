@@ -25,13 +25,13 @@ public:
     // Drops all cells. Capacity, free hint and highest index stay.
     void clear();
 
-    // The first cell that is not one of the root's children's.
+    // The first cell after those of the root's children.
     std::int64_t firstShared() const { return std::int64_t{m_alphabetSize} + 1; }
 
     std::int64_t highest() const { return m_highest; }
     bool isFree(std::int64_t index) const { return cellAt(index).check == kFreeCheck; }
 
-    // A copy of the cell; a free one beyond the capacity.
+    // A copy of the cell; a free cell beyond those that are stored.
     Cell cellAt(std::int64_t index) const {
         return index < storedCells() ? storedCell(index) : kFreeCell;
     }
@@ -40,9 +40,9 @@ public:
         if (index < storedCells()) __builtin_prefetch(&storedCell(index), 1);
     }
 
-    // Raises the capacity by doublings to at least `size` cells.
+    // Raises the capacity by doubling to at least `size` cells.
     void reserve(std::int64_t size);
-    // The first free cell at or after `index`, to which the capacity is raised.
+    // The first free cell at or after `index`. Raises the capacity to include it.
     std::int64_t firstFreeFrom(std::int64_t index);
 
     // From here on no cell at or beyond `limit` is used.
@@ -50,7 +50,7 @@ public:
 
     // Takes the cell of a child of the root. False when `code` has no such cell.
     bool takeRoot(std::int32_t code);
-    // Takes the cell of a child of `parent`, which findBase made sure is free.
+    // Takes the cell of a child of `parent`. The cell must be free, as those of findBase are.
     void takeChild(std::int64_t index, std::int64_t parent);
 
     // Marks a cell where keys end. A leaf has no base; the smallest of their numbers takes its
@@ -59,22 +59,22 @@ public:
     // Sets the base of a cell and keeps the mark of a terminal one.
     void setBase(std::int64_t index, std::int64_t base);
 
-    // The base that puts the child `leading` on the first free cell from the free hint on for
-    // which all children fit; negative when there is none below the limit. Moves the hint to the
-    // first free cell.
+    // The base that puts the child `leading` on the first free cell, from the free hint on, at
+    // which all children fit. Negative when there is none below the limit, or when the hint is
+    // below `leading`. Moves the hint to the first free cell.
     std::int64_t findBase(std::int32_t leading, const std::vector<std::int32_t>& labels);
 
     // The same for a node with the one child `label`.
     std::int64_t findBaseOfOne(std::int32_t label);
 
-    // To be called when only nodes with one child are left to place.
+    // Called when only nodes with one child are left to place.
     void endWideSearches() { m_free.dropCopies(); }
 
     // Counts one more cell, as long as an image can hold it, and returns the new highest index.
     std::int64_t countOneMore();
 
 private:
-    // Storage comes in blocks. They never move, and no large piece of memory is needed.
+    // Storage is in blocks, which never move, so no large piece of memory is needed.
     static constexpr std::int64_t kBlockCells = 4096;
 
     std::int64_t storedCells() const {

@@ -14,8 +14,8 @@ std::int64_t pairsOf(std::int64_t count) {
     return count * (count - 1) / 2;
 }
 
-// How many of the shared nodes, those with most keys first, may have enough labels: equal sets of
-// `count` labels never need more than pairsOf(count) + 1 cells between them.
+// How many of the shared nodes, which come with most keys first, may have enough labels to matter.
+// Nodes with the same n labels never need more than pairsOf(n) + 1 cells from one to the next.
 std::size_t candidates(const std::vector<TrieNode>& nodes, std::int64_t enough) {
     for (std::size_t count = nodes.size(); count > 0; --count) {
         const std::int64_t least = pairsOf(nodes[count - 1].passing()) + 1;
@@ -24,8 +24,8 @@ std::size_t candidates(const std::vector<TrieNode>& nodes, std::int64_t enough) 
     return 0;
 }
 
-// The greatest number up to which every number is the difference of two labels. Two nodes with
-// these labels cannot be closer than one more.
+// The greatest n such that every number from 1 to n is the difference of two labels. The bases of
+// two nodes with these labels are at least n + 1 apart.
 std::int64_t coveredDifferences(const std::vector<std::int32_t>& labels) {
     std::vector<bool> isCovered(
         static_cast<std::size_t>(pairsOf(static_cast<std::int64_t>(labels.size())) + 2));
@@ -39,7 +39,8 @@ std::int64_t coveredDifferences(const std::vector<std::int32_t>& labels) {
     return std::find(isCovered.begin(), isCovered.end(), false) - isCovered.begin() - 1;
 }
 
-// The cells that nodes need whose labels are the same but for a shift.
+// A lower bound on the cells of `nodes` nodes whose labels are the same except for a shift; 0 if it
+// is surely below `enough`.
 std::int64_t leastOfAlike(const std::vector<std::int32_t>& labels, std::int64_t nodes,
                           std::int64_t enough) {
     const auto count = static_cast<std::int64_t>(labels.size());
@@ -57,7 +58,7 @@ std::vector<std::int32_t> labelsOf(std::string_view bytes) {
 }  // namespace
 
 std::int64_t leastCells(const KeyTrie& trie, std::int64_t enough) {
-    StringTable patterns;  // labels, counted from the smallest
+    StringTable patterns;  // sets of labels, less the smallest of each
     std::vector<std::int64_t> nodes;
     std::vector<TrieChild> children;
     std::vector<std::int32_t> labels;

@@ -9,8 +9,8 @@
 
 namespace Dictionary {
 
-// The nodes below the root's children span at least this many cells, wherever they are placed.
-// Bounds below `enough` are not looked for.
+// The nodes below the root's children span at least this many cells, wherever they are placed. Does
+// not look for bounds below `enough`.
 std::int64_t leastCells(const KeyTrie& trie, std::int64_t enough);
 
 }  // namespace Dictionary

@@ -1,4 +1,4 @@
-// Helper, not installed: hands the cells of an image out in pieces that files take best.
+// Helper, not installed: hands out the cells of an image in pieces that are best for files.
 
 #ifndef DICTIONARY_CELL_PIECES_H
 #define DICTIONARY_CELL_PIECES_H
@@ -12,8 +12,8 @@
 
 namespace Dictionary {
 
-// A file that is written in pieces of the size of a huge page, each at a multiple of it, may be
-// kept in huge pages in the page cache. A mapping then takes one page fault per two mebibytes.
+// If a file is written in pieces of the size of a huge page, each at a multiple of that size, the
+// page cache may keep it in huge pages. A mapping then takes one page fault per two mebibytes.
 constexpr std::size_t kPieceBytes = std::size_t{2} << 20;
 
 // Calls `sink(bytes, size)` for each piece.
@@ -32,7 +32,7 @@ public:
         if (m_used >= m_size) handOut(m_size);
     }
 
-    // To be called after the last cell.
+    // Must be called after the last cell.
     void finish() {
         if (m_used > 0) handOut(m_used);
     }

@@ -15,11 +15,11 @@ using Lanes __attribute__((vector_size(Bytes))) = std::uint64_t;
 
 constexpr std::size_t kLaneBytes = sizeof(std::uint64_t);
 
-// To test for zero costs more than to look at a stream, and where many streams left a position,
-// more will.
+// Testing for zero costs more than reading a stream. And a position that is free in many streams is
+// probably free in the next ones, too, so tests become rarer.
 constexpr std::size_t kBetweenTests = 4;
 
-// Inlined into a caller for each width, which sets the instructions that may be used.
+// Inlined into one caller per width, which sets the instructions that may be used.
 template <std::size_t Bytes>
 [[gnu::always_inline]] inline void load(Lanes<Bytes>& lanes, const std::uint8_t* from) {
     std::memcpy(&lanes, from, Bytes);

@@ -1,5 +1,5 @@
-// Helper, not installed: the inner loop of the search for a position at which a set of labels
-// fits, for every width of register the machine may have.
+// Helper, not installed: the inner loop of the search for a position at which a set of labels fits,
+// for each width of register that a machine may have.
 
 #ifndef DICTIONARY_FIRST_FIT_H
 #define DICTIONARY_FIRST_FIT_H
@@ -12,7 +12,7 @@ namespace Dictionary {
 
 // Each stream holds one bit per position. Returns the first position at or after 0 whose bit is set
 // in all streams. There must be one, and the streams must be readable for kFirstFitSlack bytes
-// after it. Every kernel has the same answer.
+// after it. All kernels return the same position.
 std::int64_t firstFit(const std::vector<const std::uint8_t*>& streams);
 
 constexpr std::size_t kFirstFitSlack = 64;

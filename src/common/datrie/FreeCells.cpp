@@ -14,12 +14,12 @@ constexpr std::int64_t kByteBits = 8;
 constexpr std::int64_t kWordBits = 64;
 constexpr std::uint8_t kAllFree = 0xFF;
 
-// The first offsets of a set are searched for before the whole set: this many, then so many times
-// more.
+// Before a whole set, its first offsets are searched for: kFirstFront of them, then kFrontGrowth
+// times as many each time.
 constexpr std::size_t kFirstFront = 8;
 constexpr std::size_t kFrontGrowth = 8;
 
-// The result of a shorter search is not remembered: it costs little to search again.
+// The result of a search shorter than this is not remembered: searching again costs little.
 constexpr std::int64_t kFarOff = 4096;
 
 }  // namespace
@@ -72,7 +72,7 @@ const std::uint8_t* FreeCells::bitsFrom(std::int64_t cell) const {
 
 std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets) {
     if (m_copiesKept < kCopies) restoreCopies();
-    // Sets that differ may begin alike.
+    // Different sets may begin with the same offsets.
     for (std::size_t front = kFirstFront; kFrontGrowth * front <= offsets.size();
          front *= kFrontGrowth) {
         from = firstFit(from, offsets, front);
@@ -99,7 +99,7 @@ std::int64_t FreeCells::firstFit(std::int64_t from, const std::vector<std::int64
 
 std::int64_t FreeCells::search(std::int64_t from, const std::vector<std::int64_t>& offsets,
                                std::size_t count) {
-    // Everything fits after the last cell taken, at the latest.
+    // At the latest, everything fits after the last cell taken.
     std::int64_t least = 0;
     std::int64_t most = 0;
     for (std::size_t i = 0; i < count; ++i) {

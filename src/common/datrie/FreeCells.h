@@ -12,9 +12,9 @@
 
 namespace Dictionary {
 
-// A bitmap with one bit per cell; every cell after the last one taken is free. During wide searches
-// it is kept in eight copies, each shifted by one bit more, so that the bits from any cell on are
-// one unaligned load. A search tests as many positions at a time as a register has bits.
+// A bitmap with one bit per cell; every cell after the last one taken is free. For wide searches it
+// is kept in eight copies, each shifted by one more bit, so that one unaligned load reads the bits
+// from any cell on. A search tests as many positions at a time as a register has bits.
 class FreeCells {
 public:
     // Cells 0 to reserved - 1 count as taken.
@@ -25,12 +25,11 @@ public:
     // The first free cell at or after `cell`.
     std::int64_t firstFrom(std::int64_t cell) const;
 
-    // The first position p at or after `from` for which p and every p + offset is free. `offsets`
-    // may be negative as long as p + offset is not for any p at or after `from`. They are tested
-    // in their order.
+    // The first position p at or after `from` for which p and every p + offset is free. An offset
+    // may be negative, but from + offset may not. Offsets are tested in their order.
     std::int64_t firstFit(std::int64_t from, const std::vector<std::int64_t>& offsets);
 
-    // Releases the shifted copies, which cost time at every take, until the next firstFit.
+    // Releases the shifted copies, which cost time at every take. The next firstFit restores them.
     void dropCopies();
 
 private:
@@ -46,8 +45,8 @@ private:
 
     std::array<std::vector<std::uint8_t>, kCopies> m_copies;  // copy s: bit i is cell i + s
     unsigned m_copiesKept = kCopies;
-    // Cells only ever become taken, so a set of offsets never fits before where it fitted last,
-    // and neither does a set that begins with it.
+    // Cells are only taken, never freed. So a set of offsets never fits before the position where
+    // it fitted last, and neither does a larger set that begins with it.
     StringTable m_patterns;                      // sets of offsets, as their bytes
     std::vector<std::int64_t> m_bounds;          // where each fitted last
     std::vector<const std::uint8_t*> m_streams;  // scratch of search

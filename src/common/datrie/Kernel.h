@@ -1,12 +1,12 @@
-// Helper, not installed: the sets of instructions that inner loops are compiled for, of which the
-// machine at hand decides at run time.
+// Helper, not installed: the instruction sets that inner loops are compiled for. Which one is used
+// depends on the machine and is decided at run time.
 
 #ifndef DICTIONARY_KERNEL_H
 #define DICTIONARY_KERNEL_H
 
 namespace Dictionary {
 
-// The further, the wider its registers.
+// In order of register width.
 enum Kernel { kBaseline, kAvx2, kAvx512, kKernelCount };
 
 const char* kernelName(Kernel kernel);
@@ -17,12 +17,11 @@ bool runsHere(Kernel kernel);
 // The last one that runs here, unless ForcedKernel says otherwise.
 Kernel kernelInUse();
 
-// Whether kAvx512 is in use on a machine that can also move chosen bytes of a register together,
-// which the first ones with that kernel cannot.
+// Whether kAvx512 is in use and the machine can also move chosen bytes of a register together. The
+// first machines with that kernel cannot.
 bool movesBytesTogether();
 
-// What a table has for the kernel in use; where that has nothing of its own, for the next one
-// before it.
+// The entry of a table for the kernel in use or, where that is null, the nearest one before it.
 template <class Function>
 Function forThisMachine(const Function (&table)[kKernelCount]) {
     int kernel = kernelInUse();
@@ -30,8 +29,8 @@ Function forThisMachine(const Function (&table)[kKernelCount]) {
     return table[kernel];
 }
 
-// Puts `kernel`, which runs here, in use while it lives: for tests and benchmarks, while no other
-// thread searches or builds.
+// Puts `kernel`, which must run here, in use for the lifetime of the object. For tests and
+// benchmarks, while no other thread searches or builds.
 class ForcedKernel {
 public:
     explicit ForcedKernel(Kernel kernel);

@@ -29,7 +29,7 @@ private:
 };
 
 // Keys are numbered from 1 in the order in which they were added. Codes take two bytes each until
-// one is added that needs more, which no code of UTF-8 text does.
+// one is added that needs more. Keys of UTF-8 text never need more.
 class KeyPool {
 public:
     void reserve(std::size_t keys, std::size_t codes) {
@@ -56,13 +56,14 @@ public:
         return {m_narrow.data() + begin, nullptr, length};
     }
 
-    // A key's codes begin at one position among all codes and end where the next key's begin.
+    // A key's codes begin at this position among all codes and end where the next key's codes
+    // begin.
     std::size_t beginOf(std::uint32_t number) const { return m_begins[number]; }
     std::int32_t codeAt(std::size_t position) const {
         return m_isWide ? m_wide[position] : m_narrow[position];
     }
 
-    // Ask for memory that will be needed.
+    // Prefetch memory that will be needed.
     void prefetchBegin(std::uint32_t number) const { __builtin_prefetch(&m_begins[number]); }
     void prefetchCode(std::size_t position) const {
         if (m_isWide) {

@@ -8,7 +8,7 @@ namespace Dictionary {
 
 namespace {
 
-// The first two codes of a key, such that unsigned order is the order of the codes.
+// The first two codes of a key, as an unsigned number of the same order.
 std::uint64_t leadingCodes(KeyCodes key) {
     constexpr std::uint32_t kSignBit = 0x80000000u;
     std::uint64_t lead = 0;
@@ -27,8 +27,8 @@ std::uint32_t commonPrefix(KeyCodes left, KeyCodes right) {
     return shared;
 }
 
-// Negative, 0 or positive as the left key comes before the right one, is equal to it, or comes
-// after it. Their first `shared` codes are the same, the ones that follow are not.
+// Negative, 0 or positive if the left key comes before the right one, is equal to it or comes after
+// it. Their first `shared` codes are the same, and no more.
 int compareAfter(std::uint32_t shared, KeyCodes left, KeyCodes right) {
     const bool leftEnds = shared == left.length();
     const bool rightEnds = shared == right.length();
@@ -87,7 +87,7 @@ void KeyTrie::sortKeys() {
     for (const auto& entry : byLead) m_order.push_back(entry.second);
 }
 
-// False, with the rest left undone, where a key comes before a smaller one.
+// Stops and returns false if a key comes before a smaller one.
 bool KeyTrie::findBranches() {
     m_branches.resize(m_keyCount);
     std::size_t sharedPrefixes = 0;
@@ -159,8 +159,8 @@ void KeyTrie::sortByDepthAndKey(std::vector<Item>& items, std::vector<Item>& scr
     countingSort(items, scratch, greatest(items, depth) + std::size_t{1}, depth);
 }
 
-// The nodes of one interval: at every prefix length above its parent's all keys go on, but at
-// its full prefix those end that consist of nothing else, and these come first.
+// Adds the nodes of one interval. At prefix lengths between its parent's and its own, all its keys
+// go on. At its own prefix, the keys that are no longer than it end; they come first.
 void KeyTrie::addSharedNodes(const TrieNode& interval, std::uint32_t prefix,
                              std::uint32_t parentPrefix) {
     TrieNode node = interval;
@@ -194,7 +194,7 @@ void KeyTrie::addTail(std::uint32_t rank, std::vector<Tail>& tails) const {
     const std::uint32_t length = lengthAt(rank);
     if (shared == length) return;
 
-    // The node above is this key's alone, too, when all other keys with its prefix end there.
+    // The node above is this key's alone, too, if all other keys with that prefix end there.
     Tail tail = {keyAt(rank), shared, keyAt(rank)};
     if (before > after && lengthAt(rank - 1) == before) {
         --tail.depth;
@@ -219,7 +219,7 @@ void KeyTrie::childrenOf(const TrieNode& node, std::vector<TrieChild>& children)
         while (end < node.end && m_branches[end].shared > prefix) ++end;
         std::uint32_t firstPassing = begin;
         if (step.isLast()) ++firstPassing;
-        // Keys equal to one that ends there have nothing of their own.
+        // Keys equal to one that ends there have no codes of their own.
         while (firstPassing > begin && firstPassing < end &&
                m_branches[firstPassing].step.left == 0) {
             ++firstPassing;

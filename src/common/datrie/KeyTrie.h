@@ -1,9 +1,9 @@
-// Helper, not installed: the trie of the keys' prefixes, as the stages in which its nodes are
-// placed. Nothing in it knows about cells.
+// Helper, not installed: the trie of the keys' prefixes, with its nodes in the order in which they
+// are placed. Nothing in it knows about cells.
 //
-// With the keys sorted, a node is an interval of that order with a depth (Aho, Hopcroft and
-// Ullman's lexicographic sorting; the intervals are those of Abouelhoda et al., "Replacing suffix
-// trees with enhanced suffix arrays", 2004). Ranks count positions in that order from 0.
+// When the keys are sorted, a node is an interval of them with a depth (Aho, Hopcroft and Ullman's
+// lexicographic sorting; the intervals are those of Abouelhoda et al., "Replacing suffix trees with
+// enhanced suffix arrays", 2004). Ranks count positions in sorted order from 0.
 
 #ifndef DICTIONARY_KEY_TRIE_H
 #define DICTIONARY_KEY_TRIE_H
@@ -18,9 +18,10 @@
 
 namespace Dictionary {
 
-// Nodes are placed by passing keys falling, then depth rising, then smallest key rising. A node
-// that several keys pass is kept as a TrieNode. The nodes that one key passes, nearly all of them,
-// follow from where the tail of each key begins, and leaves need no order.
+// Nodes are placed by the number of passing keys, descending, then by depth, then by smallest key,
+// both ascending. A node that several keys pass is stored as a TrieNode. The nodes that one key
+// passes, nearly all of them, are computed from where the tail of each key begins. Leaves need no
+// order.
 class KeyTrie {
 public:
     // Sorts the keys and finds the nodes. Keys without codes have none. `keys` must outlive the
@@ -34,11 +35,11 @@ public:
     // The nodes that at least two keys pass, in placement order.
     const std::vector<TrieNode>& sharedNodes() const { return m_shared; }
 
-    // The nodes that one key passes. Drops the shared ones, with everything that belongs to them.
+    // The nodes that one key passes. Drops the shared nodes, with everything that belongs to them.
     TailNodes takeTailNodes();
 
     // Prefetches what childrenOf will need. Nodes that are placed one after the other are far apart
-    // in memory, so their cache misses are better taken together.
+    // in memory; prefetching lets their cache misses overlap.
     void prefetch(const TrieNode& node) const {
         __builtin_prefetch(&m_branches[node.begin]);
         if (!m_inOrder) __builtin_prefetch(&m_order[node.begin]);
@@ -51,7 +52,7 @@ public:
     static constexpr std::uint32_t kRootDepth = static_cast<std::uint32_t>(-1);
     TrieNode root() const { return {0, m_keyCount, kRootDepth, 0, m_branches[0].step}; }
 
-    // The child that the key with the smallest number takes, among those of a node.
+    // Of the children of a node, the one that the key with the smallest number goes on to.
     const TrieChild& leadingChild(const std::vector<TrieChild>& children) const;
 
     // The number of the key at a rank.
@@ -60,7 +61,7 @@ public:
     }
 
 private:
-    // A key's codes: `shared` ones of the key one rank before, then those of the step.
+    // A key's codes: the first `shared` codes of the key one rank before, then those of the step.
     struct Branch {
         std::uint32_t shared;
         Step step;
@@ -80,8 +81,8 @@ private:
     Step stepOf(std::uint32_t rank, std::uint32_t prefix) const;
 
     const KeyPool& m_keys;
-    std::uint32_t m_firstNumber = 1;     // of the keys with codes, if they were added in order
-    std::uint32_t m_keyCount = 0;        // of those
+    std::uint32_t m_firstNumber = 1;     // of the first key with codes, if they were added in order
+    std::uint32_t m_keyCount = 0;        // keys with codes
     bool m_inOrder = true;               // the keys were added in sorted order
     std::vector<std::uint32_t> m_order;  // key numbers by rank if they were not
     std::vector<Branch> m_branches;      // by rank

@@ -13,7 +13,7 @@ __extension__ using Product = unsigned __int128;
 
 constexpr unsigned kPrimeBits = 61;
 constexpr std::uint64_t kPrime = (std::uint64_t{1} << kPrimeBits) - 1;
-// With points below half the prime, remainders need not be brought below the prime on the way.
+// With points below half the prime, remainders on the way need not be brought below the prime.
 constexpr std::uint64_t kPointMask = kPrime / 2;
 
 constexpr std::size_t kPieceBytes = 7;
@@ -25,7 +25,8 @@ std::uint64_t multiply(std::uint64_t value, std::uint64_t point) {
            static_cast<std::uint64_t>(product >> kPrimeBits);
 }
 
-// The little-endian number in up to kPieceBytes bytes. Loads may overlap: they agree where they do.
+// The little-endian number in up to kPieceBytes bytes. The two loads may overlap, where both read
+// the same.
 std::uint64_t lastPiece(std::string_view text) {
     const std::size_t size = text.size();
     constexpr std::size_t kHalf = sizeof(std::uint32_t);
@@ -60,7 +61,7 @@ std::uint32_t KeyedHash::operator()(std::string_view text) const {
         text.remove_prefix(kPieceBytes);
     }
     value = multiply(value + lastPiece(text), m_point);
-    // Multiplied by 2^64 through the golden ratio, so that all of it counts in the upper half.
+    // The factor is 2^64 divided by the golden ratio. It makes the upper half depend on all bits.
     constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;
     return static_cast<std::uint32_t>(value * kSpread >> 32);
 }

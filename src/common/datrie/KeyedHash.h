@@ -8,10 +8,10 @@
 
 namespace Dictionary {
 
-// The polynomial whose coefficients are the text's bytes, seven at a time, modulo a prime, at a
-// point that the system's randomness chooses for each object (Dietzfelbinger et al., "Polynomial
-// hash functions are reliable", 1992). Without the point, texts with equal hashes are found by
-// chance only.
+// The value of a polynomial modulo a prime. Its coefficients are the text's bytes, seven at a time;
+// the point is random and chosen for each object (Dietzfelbinger et al., "Polynomial hash functions
+// are reliable", 1992). Without knowing the point, texts with equal hashes are found by chance
+// only.
 class KeyedHash {
 public:
     KeyedHash();

@@ -1,4 +1,4 @@
-// Helper, not installed: the way of a source's keys into a trie.
+// Helper, not installed: adds the keys of a source to a trie.
 
 #ifndef DICTIONARY_SOURCE_KEYS_H
 #define DICTIONARY_SOURCE_KEYS_H
@@ -12,8 +12,8 @@
 
 namespace Dictionary {
 
-// Adds the keys of an arranged table to a builder. Calls `refused(key)` for every one that the
-// coder refuses.
+// Adds the keys of an arranged table to a builder. Calls `refused(key)` for each key that the coder
+// refuses.
 template <class Refused>
 void addKeysOf(const SourceTable& table, ICoderInterface& coder, TrieBuilder& builder,
                Refused refused) {

@@ -36,8 +36,8 @@ void SourceTable::arrange() {
     }
 }
 
-// Joins the data of a key's records in the order of the source. The data of each record becomes the
-// front part that ends with its own.
+// Joins the data of a key's records in source order. The data of each record becomes the front part
+// of the joined text, up to the end of its own data.
 void SourceTable::join(const SortEntry* first, const SortEntry* end) {
     const std::string_view key = this->key(first->number);
     std::size_t size = key.size();

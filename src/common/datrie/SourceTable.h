@@ -13,18 +13,17 @@
 
 namespace Dictionary {
 
-// A key as it goes into the trie. A backslash and an n, as a whole key of a source, are the newline
-// character.
+// A key as it goes into the trie. If a key of a source is just a backslash and an n, it becomes the
+// newline character.
 inline std::string_view trieKeyOf(std::string_view key) {
     return key == "\\n" ? "\n" : key;
 }
 
-// First all records are added, then they are arranged once, then they are read. Records are
-// numbered from 0 in source order; a key goes by the number of its last record, which has all its
-// data.
+// All records are added first, then arranged once, then read. Records are numbered from 0 in source
+// order. A key is identified by the number of its last record, which has all its data.
 class SourceTable {
 public:
-    // Adds a record: its key, and its data fields, each of which is followed by a tab in the data.
+    // Adds a record: its key and its data fields. In the data, each field is followed by a tab.
     void add(const std::vector<std::string_view>& fields);
 
     // Finds the records of each key and the order of the keys.
@@ -35,8 +34,8 @@ public:
 
     std::size_t keyCount() const { return m_keys.size(); }
 
-    // Calls `visit(key)` for the keys in bytewise order. Their records are far apart in memory, so
-    // their cache misses are taken together.
+    // Calls `visit(key)` for the keys in bytewise order. Their records are far apart in memory;
+    // prefetching lets their cache misses overlap.
     template <class Visit>
     void forEachKey(Visit visit) const {
         constexpr std::size_t kRecordAhead = 32;
@@ -56,14 +55,14 @@ public:
 
     std::string_view trieKey(std::uint32_t record) const { return trieKeyOf(key(record)); }
 
-    // The data that a record's key has once the record is read: that of all its records up to
-    // there, joined with ";". Lasts as long as the table.
+    // Before arrange(), the data of this record alone. After it, the data of all records of the
+    // same key up to this one, joined with ";". Valid as long as the table.
     std::string_view data(std::uint32_t record) const {
         return {m_records[record].text + m_records[record].keySize, m_records[record].dataSize};
     }
 
 private:
-    // The data follows the key.
+    // `text` is the key, followed by the data.
     struct Record {
         const char* text;
         std::uint32_t keySize;

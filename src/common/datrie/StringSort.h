@@ -12,8 +12,8 @@
 
 namespace Dictionary {
 
-// The number of a string and its first eight bytes, as a number that orders like them. Packed:
-// with padding, a sort would move a third more.
+// The number of a string, and its first eight bytes as an integer of the same order. Packed, as
+// with padding a sort would move a third more bytes.
 struct [[gnu::packed]] SortEntry {
     std::uint64_t prefix;
     std::uint32_t number;
@@ -25,8 +25,8 @@ inline std::uint64_t prefixOf(std::string_view text) {
     return __builtin_bswap64(prefix);
 }
 
-// Radix sort by the byte of the prefix at bit `shift` and those after it; few strings, and those of
-// equal prefixes, are left to a sort by `before`.
+// Radix sort by the byte of the prefix at bit `shift`, then by those after it. Small groups, and
+// strings with equal prefixes, are sorted by `before`.
 template <class Before>
 void sortByPrefix(SortEntry* strings, SortEntry* scratch, std::size_t count, int shift,
                   const Before& before) {

@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::size_t kBlockBytes = std::size_t{1} << 18;
 constexpr std::size_t kFirstSlots = 64;
-// Slots double when three in four are full: fewer cache misses outweigh longer probes.
+// The number of slots doubles when three in four are full. A smaller table has fewer cache misses,
+// which outweighs longer probes.
 constexpr std::size_t kFull = 3;
 constexpr std::size_t kFullOf = 4;
 

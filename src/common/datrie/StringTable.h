@@ -1,4 +1,5 @@
-// Helper, not installed: distinct byte strings, each kept once and numbered as they first come.
+// Helper, not installed: distinct byte strings, each kept once and numbered in the order of first
+// appearance.
 
 #ifndef DICTIONARY_STRING_TABLE_H
 #define DICTIONARY_STRING_TABLE_H
@@ -13,10 +14,10 @@
 
 namespace Dictionary {
 
-// Bytes that stay where they are until the arena goes.
+// Memory for bytes, which stay where they are until the arena is destroyed.
 class ByteArena {
 public:
-    // Room for `bytes` bytes, at any address.
+    // Room for `bytes` bytes, without any alignment.
     char* allocate(std::size_t bytes);
     std::string_view keep(std::string_view text);
 
@@ -40,7 +41,7 @@ public:
         return {m_entries[number].text, m_entries[number].length};
     }
 
-    // The numbers of all strings in bytewise order of these.
+    // The numbers of all strings, in bytewise order of the strings.
     std::vector<std::uint32_t> sorted() const;
 
 private:
@@ -49,7 +50,7 @@ private:
         std::uint32_t length;
         std::uint32_t hash;
     };
-    // Has the hash of its entry, too, so that a probe seldom compares different strings.
+    // A slot has the hash of its entry, too, so that a probe seldom compares different strings.
     struct Slot {
         std::uint32_t hash;
         std::uint32_t entry;  // number plus 1, or 0

@@ -21,7 +21,7 @@ bool TailNodes::goDeeper() {
     m_above.clear();
     std::copy_if(m_nodes.begin(), m_nodes.end(), std::back_inserter(m_above),
                  [](const TailNode& node) { return !node.isLast(); });
-    // The first nodes of tails were sorted by smallest keys, all others by their own.
+    // The first nodes of tails are sorted by smallest key, all others by their own key.
     if (!m_inOrder) std::sort(m_above.begin(), m_above.end(), precedesByKey);
     m_nodes.clear();
     if (m_above.empty() && m_tailsBegun == m_tails.size()) return false;
@@ -34,7 +34,8 @@ bool TailNodes::goDeeper() {
     return true;
 }
 
-// Adds the first nodes of the tails that begin at the depth and whose smallest key is below `key`.
+// Adds the first nodes of the tails that begin at the current depth and whose smallest key is below
+// `key`.
 void TailNodes::addTailsBefore(std::uint32_t key) {
     constexpr std::size_t kTailsAhead = 16;
     for (; m_tailsBegun < m_tails.size(); ++m_tailsBegun) {

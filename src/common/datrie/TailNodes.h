@@ -14,19 +14,20 @@ namespace Dictionary {
 
 class TailNodes {
 public:
-    // `tails` are sorted by depth, then by smallestKey. `inOrder` says that keys with greater
-    // numbers are greater. `keys` must outlive the object.
+    // `tails` are sorted by depth, then by smallestKey. `inOrder` says that the keys were added in
+    // sorted order. `keys` must outlive the object.
     TailNodes(const KeyPool& keys, std::vector<Tail> tails, bool inOrder);
 
-    // Goes to the next depth that has any, the first one to begin with. False when there is none.
+    // Goes to the next depth that has nodes; the first call goes to the first such depth. Returns
+    // false when there is none.
     bool goDeeper();
 
-    // Those of the depth, in placement order.
+    // The nodes of the current depth, in placement order.
     const std::vector<TailNode>& nodes() const { return m_nodes; }
 
     Step stepAfter(const TailNode& node) const { return {m_keys.codeAt(node.nextCode), node.left}; }
 
-    // Asks for the memory that stepAfter will need.
+    // Prefetches what stepAfter will need.
     void prefetch(const TailNode& node) const { m_keys.prefetchCode(node.nextCode); }
 
 private:
@@ -38,7 +39,7 @@ private:
     std::size_t m_tailsBegun = 0;
     std::uint32_t m_depth = 0;
     std::vector<TailNode> m_nodes;
-    std::vector<TailNode> m_above;  // scratch: the nodes from which keys go on
+    std::vector<TailNode> m_above;  // scratch: nodes of the depth above from which keys go on
 };
 
 }  // namespace Dictionary

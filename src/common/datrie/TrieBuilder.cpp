@@ -96,7 +96,7 @@ void TrieBuilder::makeTrie() {
     m_trie = std::make_unique<KeyTrie>(m_keys);
 }
 
-// write() counts one cell more than there are, and it must still fit.
+// An image is written with one more cell than there are, and it must still fit.
 std::int64_t TrieBuilder::cellLimit() const {
     return (kMaxImageBytes - m_featureArea.size()) / kCellBytes - 1;
 }
@@ -123,7 +123,7 @@ bool TrieBuilder::placeAll(PlacementListener& listener) {
     if (!placeRoot() || !placeAllShared(listener)) return false;
     m_cells.endWideSearches();
     if (!placeAllTails(listener)) return false;
-    // Leaves are complete with their parents; they only count.
+    // Leaves were completed with their parents; here they are only counted.
     for (std::uint64_t leaf = 0; leaf < m_trie->leafCount(); ++leaf) count(0, listener);
     return true;
 }
@@ -220,7 +220,7 @@ void TrieBuilder::markEnd(std::int64_t index, const TrieChild& child) {
     markEnd(index, m_trie->keyAt(child.begin), m_trie->keyAt(child.firstPassing - 1));
 }
 
-// Of equal keys, the first one added gives a leaf its number, and the last one its feature.
+// Of equal keys, the first one added determines the number of a leaf, and the last one its feature.
 void TrieBuilder::markEnd(std::int64_t index, std::uint32_t firstKey, std::uint32_t lastKey) {
     m_cells.markTerminal(index, static_cast<std::int32_t>(firstKey),
                          m_recordOffsets[m_keyStrings[lastKey]]);

@@ -1,5 +1,5 @@
-// Helper, not installed: the build of an image from keys and feature strings to cells and feature
-// area. It writes to no stream.
+// Helper, not installed: builds an image, from keys and feature strings to cells and feature area.
+// It writes to no stream.
 
 #ifndef DICTIONARY_TRIE_BUILDER_H
 #define DICTIONARY_TRIE_BUILDER_H
@@ -25,11 +25,11 @@ namespace Dictionary {
 class PlacementListener {
 public:
     virtual ~PlacementListener() = default;
-    // Called before a node is placed, at least once per kPauseStep passing keys, so that work that
-    // takes long is interrupted often.
+    // Called before a node is placed, at least once per kPauseStep passing keys, so that a long
+    // build can be interrupted.
     virtual void pause(std::uint64_t running, std::uint64_t total) = 0;
-    // Called before a node is placed with which the count of passing keys of all nodes so far, its
-    // own included, is a multiple of kReportStep.
+    // Called before a node is placed, if the count of passing keys over all nodes so far, including
+    // this one, is a multiple of kReportStep.
     virtual void report(std::uint64_t running, std::uint64_t total) = 0;
 
     static constexpr std::uint64_t kPauseStep = 64;
@@ -53,25 +53,25 @@ public:
     void expectOneBuild() { m_isOnlyBuild = true; }
     // Encodes and adds a key; false when the coder refuses it.
     bool addKey(ICoderInterface& coder, const char* key, bool reverse, std::string_view feature);
-    // The string for a key that is yet to be added is kept for it.
+    // `key` may be one that is yet to be added; the string is kept for it.
     void attachFeature(std::string_view feature, int key);
 
     // The stages of a build, in order. The first drops what an earlier build made; without it,
     // storeFeatures appends.
     void clear();
-    void storeRecord(std::string_view text);  // any bytes, to which no key refers
+    void storeRecord(std::string_view text);  // any bytes; no key refers to them
     void storeFeatures();
     void makeTrie();
-    // False when it is known before any work that `place` would find no room.
+    // False when it is certain, before anything is placed, that `place` would find no room.
     bool mayFit() const;
     Placement place(PlacementListener& listener);
 
-    // Counts one cell more and calls `sink(bytes, size)` for the pieces of the image of as many
-    // cells, in order. Returns the image's size in bytes. `announce(size)` is called before.
+    // Counts one more cell. Calls `announce(size)` with the image's size in bytes, then
+    // `sink(bytes, size)` for the pieces of the image, in order. Returns the image's size.
     template <class Announce, class Sink>
     std::int32_t writeImage(Announce announce, Sink sink);
 
-    // The count of passing keys over all nodes placed so far, the one under way included.
+    // The count of passing keys over all nodes placed so far, including the one being placed.
     std::uint64_t runningCount() const { return m_running; }
 
     // The same count over all nodes.
@@ -106,13 +106,13 @@ private:
     std::uint64_t m_nextPause = 0;
     std::uint64_t m_total = 0;
 
-    // The cell of the node placed next among those whose first passing key has a number. There is
-    // never more than one: such nodes are ancestors of each other, and a parent is placed before
-    // its child gets a cell.
+    // By key number: the cell of the next node to be placed among those whose first passing key
+    // this is. One entry per key is enough: such nodes are ancestors of each other, and a child
+    // gets its cell only when its parent is placed.
     std::vector<std::int32_t> m_cellOfKey;
     std::vector<int> m_codes;           // of the key being added
-    std::vector<SPOS> m_positions;      // likewise
-    std::vector<TrieChild> m_children;  // of the node under way
+    std::vector<SPOS> m_positions;      // of the key being added
+    std::vector<TrieChild> m_children;  // of the node being placed
     std::vector<std::int32_t> m_labels;
 };
 

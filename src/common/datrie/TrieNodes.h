@@ -12,9 +12,9 @@ namespace Dictionary {
 // Greater than the number of every key.
 constexpr std::uint32_t kNoNumber = static_cast<std::uint32_t>(-1);
 
-// How a key goes on after a prefix that it has.
+// How a key goes on after one of its prefixes.
 struct Step {
-    std::int32_t label;  // the code after the prefix, if there is one
+    std::int32_t label;  // the code after the prefix, if any
     std::uint32_t left;  // codes after the prefix
 
     bool isLast() const { return left == 1; }
@@ -42,17 +42,17 @@ struct TrieChild {
     bool isLeaf() const { return firstPassing == end; }
 };
 
-// The nodes that one key alone passes: they begin at a depth and go on to the key's end.
+// The nodes that only this key passes: from a depth on, up to the key's end.
 struct Tail {
     std::uint32_t key;
     std::uint32_t depth;
-    std::uint32_t smallestKey;  // of the first node; of the others it is `key`
+    std::uint32_t smallestKey;  // of the first node; for the others it is `key`
 };
 
 // A node of a tail.
 struct TailNode {
     std::uint32_t key;
-    std::uint32_t left;    // codes of it after the node
+    std::uint32_t left;    // codes of the key after the node
     std::size_t nextCode;  // where they begin in the pool of keys
 
     bool isLast() const { return left == 1; }
