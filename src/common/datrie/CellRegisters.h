@@ -33,22 +33,23 @@ inline const char* checksOf(const CellView& cells) {
     return _mm512_add_epi32(cells, _mm512_add_epi32(cells, cells));
 }
 
-// The words at `words` of the cells `of` in lanes whose bits are set in `which`; all bits of a lane
-// mean yes. 0 in the others, of which nothing is read.
+// Reads one word of each cell in `of` for which all bits of the lane in `which` are set. The other
+// lanes become 0, and nothing is read for them. `words` is where cell 0 has that word.
 [[gnu::target("avx2")]] inline __m256i gatherWords(const char* words, __m256i of, __m256i which) {
     const __m256i number = _mm256_add_epi32(of, _mm256_add_epi32(of, of));
     return _mm256_mask_i32gather_epi32(_mm256_setzero_si256(), reinterpret_cast<const int*>(words),
                                        number, which, kWordBytes);
 }
 
-// The same for sixteen cells, with a bit for each.
+// The same for sixteen cells, with one bit for each in `which`.
 [[gnu::target("avx512f")]] inline __m512i gatherWords(const char* words, __m512i of,
                                                       __mmask16 which) {
     return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), which, firstWordsOf(of), words,
                                        kWordBytes);
 }
 
-// Base and check of eight cells, which are half of sixteen. One load brings both words of a cell.
+// Base and check of eight cells, one half of the sixteen in `of`. One load brings both words of a
+// cell.
 template <int kHalf>
 [[gnu::target("avx512f")]] inline __m512i gatherHalf(const CellView& cells, __m512i of,
                                                      __mmask16 which) {
@@ -66,7 +67,7 @@ struct Links16 {
     __m512i checks;
 };
 
-// As gatherWords for both.
+// Reads bases and checks as gatherWords does.
 [[gnu::target("avx512f")]] inline Links16 gatherLinks(const CellView& cells, __m512i of,
                                                       __mmask16 which) {
     const __m512i low = gatherHalf<0>(cells, of, which);

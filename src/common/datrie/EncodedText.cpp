@@ -21,7 +21,7 @@ EncodedText::EncodedText(const char* text, std::size_t size, Illegal illegal) {
     }
 }
 
-// Encodes what is legal at the beginning of the text.
+// Encodes the legal characters at the beginning of the text.
 void EncodedText::encodeLegal(const char* text, std::size_t size) {
     encodeUtf8(text, size, SameCode(), [](const Utf8Character& character, auto append) {
         if (character.length == 0) return false;

@@ -1,4 +1,5 @@
-// Helper, not installed: a query's codes with their byte positions, as the lookups walk them.
+// Helper, not installed: a text as codes with their byte positions, for lookups that walk from many
+// characters.
 
 #ifndef DICTIONARY_ENCODED_TEXT_H
 #define DICTIONARY_ENCODED_TEXT_H
@@ -23,9 +24,9 @@ inline const void* functionsOf(const ICoderInterface& coder) {
     return functions;
 }
 
-// Whether the codes of `coder` are those of the decoder. That is known of the UTF-8 coder itself,
-// but not of classes derived from it. Hosts may be compiled without type information, so that
-// typeid must not be asked.
+// Whether `coder` encodes as the decoder does. This is known of the UTF-8 coder itself, but not of
+// classes derived from it. Hosts may be compiled without type information, so typeid cannot be
+// used.
 inline bool isPlainUtf8(const ICoderInterface& coder) {
     const CUTF8Coder own{};
     return functionsOf(coder) == functionsOf(own);
@@ -37,24 +38,24 @@ struct SameCode {
 };
 
 // Characters are numbered from 0 in walking order, which is text order, or from the last character
-// to the first when reversed. Short texts take no memory from the heap.
+// to the first when reversed. Short texts need no memory from the heap.
 class EncodedText {
 public:
     // Encodes the first `length` bytes of `text` as ICoderInterface::encodeString counts them.
     EncodedText(ICoderInterface& coder, const char* text, int length, bool reverse);
 
-    // Encodes the `size` bytes of UTF-8 at `text`, which may be any.
+    // Encodes the `size` bytes at `text`, which need not be legal UTF-8.
     enum Illegal {
         kStopAtIllegal,  // as the UTF-8 coder does, up to a NUL or an illegal byte
-        // All of them: a NUL and each illegal byte are characters kNoCharacter, and a character
-        // above U+FFFF is its two surrogates. The first of these has the character's bytes, the
-        // second none, so that a key which ends with both ends where the character does.
+        // Encodes all bytes. A NUL and each illegal byte become kNoCharacter, and a character above
+        // U+FFFF becomes its two surrogates. The first one has the character's bytes and the second
+        // one has none, so a key that ends with both ends where the character does.
         kPassOver
     };
     EncodedText(const char* text, std::size_t size, Illegal illegal);
 
-    // The same as kPassOver, but each legal character is what `map` makes of its code, which has as
-    // many surrogates.
+    // The same as kPassOver, but the code of each legal character is mapped by `map`, which keeps
+    // the number of its surrogates.
     template <class Map>
     EncodedText(const char* text, std::size_t size, Map map) {
         encodeLabels(text, size, map);
@@ -65,16 +66,16 @@ public:
 
     std::size_t size() const { return m_size; }
 
-    // The codes and, after the last one, kPadding times kEnd. It is below every alphabet and leads
-    // nowhere; only in a damaged image it may lead to the header, and then the second leads
-    // nowhere. The others are there for walks that read many codes at a time.
+    // The codes, followed by kPadding times kEnd. kEnd is below every alphabet and leads nowhere.
+    // Only in a damaged image may it lead to the header, and then the second kEnd leads nowhere.
+    // The others are for walks that read many codes at a time.
     const std::int32_t* codes() const { return m_codes; }
     static constexpr std::size_t kPadding = 72;
     static constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::min();
     static constexpr std::int32_t kNoCharacter = kEnd;
 
-    // Whether the first character begins with the first byte of `text`, which was encoded, and the
-    // last one ends with its last.
+    // Whether the characters span `text`, which is the text that was encoded, from its first byte
+    // to its last.
     bool spans(const char* text) const {
         return m_size > 0 && m_starts[0] == 0 &&
                static_cast<std::size_t>(m_ends[m_size - 1]) == std::strlen(text);
@@ -87,24 +88,24 @@ public:
         return m_hasPairs && isLowSurrogate(m_codes[place]);
     }
 
-    // The code of character `place`, which moves after it.
+    // Returns the code of the character at `place`, and moves `place` after it.
     std::int32_t next(std::size_t& place) const { return m_codes[place++]; }
 
-    // The character that begins at `place`, which is not the end.
+    // The character that begins at `place`, which must not be the end.
     std::int32_t characterAt(std::size_t place) const {
         const std::int32_t code = m_codes[place];
         return isHighSurrogate(code) ? codeOfPair(code, m_codes[place + 1]) : code;
     }
 
-    // The character that ends at `place`, which moves to where it begins; not from 0.
+    // Returns the character that ends at `place`, and moves `place` to where it begins. `place`
+    // must not be 0.
     std::int32_t previous(std::size_t& place) const {
         const std::int32_t code = m_codes[--place];
         return isLowSurrogate(code) ? codeOfPair(m_codes[--place], code) : code;
     }
 
-    // The bytes of the characters from `from` up to, but without, `end`. A reversed character
-    // begins at its last byte and ends at its first, so that a reversed span runs from its end to
-    // its start.
+    // The bytes of the characters `from` to `end` - 1. A reversed character begins at its last byte
+    // and ends at its first, so a reversed span runs from its end to its start.
     SPOS span(std::size_t from, std::size_t end, std::int32_t feature) const {
         return {m_starts[from], m_ends[end - 1] - 1, feature};
     }
@@ -129,7 +130,7 @@ private:
     std::int32_t m_inline[3 * kInlineCharacters + kPadding];
 };
 
-// Encodes all of the text, each legal character by what `map` makes of its code.
+// Encodes all of the text. The code of each legal character is mapped by `map`.
 template <class Map>
 void EncodedText::encodeLabels(const char* text, std::size_t size, Map map) {
     const auto label = [map](std::int32_t code) { return code == 0 ? kNoCharacter : map(code); };
@@ -146,9 +147,9 @@ void EncodedText::encodeLabels(const char* text, std::size_t size, Map map) {
     });
 }
 
-// Encodes the text, characters below kBmpEnd by what `map` makes of their codes. For each other
-// place, calls `other(character, append)` with what decodeMultiByte finds there, which calls
-// `append(code, bytes)` and returns whether the text goes on.
+// Encodes the text. Codes below kBmpEnd are mapped by `map`. At every other place, calls
+// `other(character, append)` with what decodeMultiByte finds there; `other` calls
+// `append(code, bytes)` and returns whether to go on with the text.
 template <class Map, class Other>
 void EncodedText::encodeUtf8(const char* text, std::size_t size, Map map, Other other) {
     m_codes = roomFor(2 * size + kPadding + kUtf8BlockOverrun + 1);

@@ -65,7 +65,8 @@ inline std::int32_t cellBytesOf(const Cell& header) {
     return header.feature;
 }
 
-// The same for comparing with a limit: what is no cell comes out above every limit.
+// The same as childIndex, to be compared with a limit: what is no number of a cell is above every
+// limit.
 inline std::uint32_t childCell(std::int32_t base, std::int32_t code) {
     const auto bits = static_cast<std::uint32_t>(base);
     return (base < 0 ? 0u - bits : bits) + static_cast<std::uint32_t>(code);
@@ -94,19 +95,19 @@ public:
     }
 
     const char* bytes() const { return m_image; }
-    // Cells below it may be where a text's first character leads.
+    // A text's first character may lead to the cells below this one.
     std::uint32_t firstLimit() const { return static_cast<std::uint32_t>(m_firstLimit); }
-    // Cells below it may be reached as children.
+    // A step to a child may lead to the cells below this one.
     std::uint32_t childLimit() const { return static_cast<std::uint32_t>(m_childLimit); }
 
-    // Whether the code of a text's first character is also the number of a cell, which is the cell
-    // that the character leads to.
+    // Whether the code of a text's first character is the number of a cell. That is the cell that
+    // the character leads to.
     bool holds(std::int32_t code) const { return static_cast<std::uint32_t>(code) < firstLimit(); }
 
     // The one transition rule: moves `cell` to its child with label `code` and returns true, or
     // returns false when it has none.
-    // Kept: a child counts as inside when its check word begins no later than the cell array ends,
-    // so one word past an array that is no whole number of cells is still read.
+    // Kept: a child counts as inside if its check word begins no later than the cell array ends. So
+    // if the array is not a whole number of cells, one word past it may be read.
     bool descend(std::uint32_t& cell, std::int32_t code) const {
         const std::uint32_t child = childCell(baseOf(cell), code);
         if (child >= childLimit() || checkOf(child) != static_cast<std::int32_t>(cell))
@@ -143,7 +144,7 @@ inline Cell headerOf(const void* image) {
     return CellView(image, kCellBytes)[0];
 }
 
-// Whether an image in `size` bytes has all the cells and features that its header counts.
+// Whether the `size` bytes of an image have all the cells and features that its header counts.
 inline bool isAsLongAsItSays(const void* image, std::int64_t size) {
     if (size < kCellBytes) return false;
     const Cell header = headerOf(image);
@@ -193,7 +194,7 @@ public:
     std::string_view featureText(std::int32_t offset) const {
         return featureTextAt(m_features, offset);
     }
-    // Asks for the first two cache lines of a record.
+    // Prefetches the first two cache lines of a record.
     void prefetchFeature(std::int32_t offset) const {
         constexpr int kCacheLine = 64;
         __builtin_prefetch(m_features + offset);

@@ -15,20 +15,20 @@
 
 namespace Dictionary {
 
-// Finds keys in an encoded text. They are reported by character numbers, `from` up to but without
-// `end`, and by the byte offset of their feature record.
+// Finds keys in an encoded text. A key is reported as its characters, `from` to `end` - 1, and the
+// byte offset of its feature record.
 class TextSearch {
 public:
     TextSearch(const CellView& cells, const EncodedText& text)
         : m_cells(cells), m_text(text), m_together(walkTogether()) {}
 
-    // Leaves keys out that begin or end at a place whose entry in `closed` is not 0. There is one
-    // for each place, that at the end included, and kClosedPadding more of any value. Null closes
-    // none.
+    // Leaves out keys that begin or end at a place whose entry in `closed` is not 0. There is one
+    // entry for each place, including the end of the text, and kClosedPadding more of any value.
+    // Null closes no place.
     void closePlaces(const std::uint8_t* closed) { m_closed = closed; }
     static constexpr std::size_t kClosedPadding = WalkGroup::kReach;
 
-    // Calls `found(from, end, feature)` for every key that begins at a character of the alphabet,
+    // Calls `found(from, end, feature)` for every key that begins at a character in the alphabet,
     // by `from`, then by `end`.
     template <class Found>
     void forEachKey(std::int32_t alphabet, Found found) const {
@@ -42,7 +42,7 @@ public:
         forEachKeyBetween(first, blockEnd(first), alphabet, found);
     }
 
-    // Calls `found(from, end, feature)` for the longest key at every character of the alphabet.
+    // Calls `found(from, end, feature)` for the longest key at every character in the alphabet.
     template <class Found>
     void forEachLongestKey(std::int32_t alphabet, Found found) const {
         forEachLongestKeyBetween(0, m_text.size(), alphabet, found);
@@ -88,8 +88,8 @@ private:
         });
     }
 
-    // Calls `use(group, first)` with the walks from the characters from `begin` up to, but without,
-    // `end`, of which those of `group` begin at `first`.
+    // Calls `use(group, first)` for groups of walks that together begin at the characters `begin`
+    // to `end` - 1. The first walk of `group` begins at `first`.
     template <class Use>
     void forEachGroup(std::size_t begin, std::size_t end, std::int32_t alphabet, Use use) const {
         WalkGroup group;
@@ -124,8 +124,8 @@ private:
         }
     }
 
-    // Calls `found` for the keys that the walk from `from` comes to from `cell` and `place` on. Few
-    // walks are that long: kept out of the loop over the others.
+    // Goes on with the walk from `from`, which has come to `cell` and `place`, and calls `found`
+    // for its keys. Few walks are that long, so this is kept out of the loop over the others.
     template <class Found>
     [[gnu::noinline]] void forEachKeyOn(std::uint32_t cell, std::size_t from, std::size_t place,
                                         std::int32_t alphabet, Found& found) const {

@@ -30,35 +30,35 @@ void decodeOneByOne(const char* text, std::size_t size, Utf8Progress& done, std:
 
 #ifdef __x86_64__
 
-// A block is so many bytes, one per lane of 16 bits.
+// The bytes of a block, one per lane of 16 bits.
 constexpr std::size_t kBlock = 32;
 static_assert(kBlock == kUtf8BlockOverrun, "all lanes are written");
 
-// Where the character that follows byte n ends when it has one byte.
+// Where the character that begins at byte n ends if it has one byte.
 alignas(64) constexpr std::uint16_t kNext[kBlock] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11,
                                                      12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22,
                                                      23, 24, 25, 26, 27, 28, 29, 30, 31, 32};
 
-// The character that would begin at each byte of a block.
+// For each byte of a block, the character that would begin there.
 struct Block {
     __m512i codes;
     __m512i ends;          // offsets in the block
-    std::uint32_t begins;  // one bit per byte: whether it does begin one
-    std::uint64_t goesOn;  // and whether it is a further byte of one, also of the next block
+    std::uint32_t begins;  // one bit per byte: whether one does begin there
+    std::uint64_t goesOn;  // and whether one goes on there, also in the next block
 };
 
 [[gnu::target("avx512bw,avx512vl,avx512vbmi2")]] inline __m512i all(unsigned value) {
     return _mm512_set1_epi16(static_cast<short>(value));
 }
 
-// Whether each of `values` is in the range from `first` up to, but without, `end`.
+// Whether each of `values` is at least `first` and below `end`.
 [[gnu::target("avx512bw,avx512vl,avx512vbmi2")]] inline __mmask32 areIn(__m512i values,
                                                                         unsigned first,
                                                                         unsigned end) {
     return _mm512_cmplt_epu16_mask(_mm512_sub_epi16(values, all(first)), all(end - first));
 }
 
-// One bit of `there` per byte that may be read; the others are 0.
+// Loads the bytes whose bits in `there` are set. The others are not read, and their lanes are 0.
 [[gnu::target("avx512bw,avx512vl,avx512vbmi2")]] inline __m512i loadBytes(const char* bytes,
                                                                           std::uint64_t there) {
     return _mm512_cvtepu8_epi16(_mm256_maskz_loadu_epi8(static_cast<__mmask32>(there), bytes));
@@ -90,7 +90,7 @@ struct Block {
             std::uint64_t{isLong} << 1 | std::uint64_t{isThree} << 2};
 }
 
-// Writes the lanes of `which`, as integers that are greater by `by`, one after the other.
+// Writes the lanes in `which` as integers, each increased by `by`, one after the other.
 [[gnu::target("avx512bw,avx512vl,avx512vbmi2"), gnu::always_inline]] inline void write(
     __m512i lanes, std::uint32_t which, std::size_t by, std::int32_t* to) {
     constexpr __mmask32 kLowHalves = 0x55555555;
@@ -105,8 +105,8 @@ struct Block {
     }
 }
 
-// No block waits for the one before it, but for the place where its characters are written: what
-// a character has in the next block is known by a bit.
+// A block waits for the one before it only to know where to write its characters. Bits say where a
+// character of one block goes on in the next.
 [[gnu::target("avx512bw,avx512vl,avx512vbmi2,popcnt")]] void decodeAvx512(const char* text,
                                                                           std::size_t size,
                                                                           Utf8Progress& done,

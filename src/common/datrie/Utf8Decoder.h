@@ -1,4 +1,4 @@
-// Helper, not installed: decodes UTF-8 under the coder's rules, many characters a call.
+// Helper, not installed: decodes UTF-8 under the coder's rules, many characters per call.
 
 #ifndef DICTIONARY_UTF8_DECODER_H
 #define DICTIONARY_UTF8_DECODER_H
@@ -12,8 +12,7 @@ namespace Dictionary {
 // Keys are made of the characters of the Basic Multilingual Plane, which end here.
 constexpr std::int32_t kBmpEnd = 0x10000;
 
-// A character above them is two labels in the keys of the modern interface: the surrogates that
-// UTF-16 writes it with.
+// In the keys of the modern interface, a character above them is two labels: its UTF-16 surrogates.
 constexpr std::int32_t kHighSurrogates = 0xD800;
 constexpr std::int32_t kLowSurrogates = 0xDC00;
 constexpr std::int32_t kSurrogateBits = 10;
@@ -38,8 +37,8 @@ inline std::int32_t codeOfPair(std::int32_t high, std::int32_t low) {
     return kBmpEnd + ((high - kHighSurrogates) << kSurrogateBits) + (low - kLowSurrogates);
 }
 
-// The bytes of `text` to encode when `length` are asked for; 0, a negative and a too great length
-// ask for all.
+// How many bytes of `text` to encode when `length` are asked for. A length that is 0, negative or
+// too great asks for all.
 inline std::size_t encodedSize(const char* text, int length) {
     const std::size_t size = std::strlen(text);
     const auto limit = static_cast<std::size_t>(length);
@@ -69,7 +68,7 @@ inline bool mayTakeThreeBytes(std::uint32_t code) {
     return !overlong && !surrogate;
 }
 
-// Decodes one character of at least two bytes, of which `left` bytes are there.
+// Decodes one character of at least two bytes. `left` bytes of the text remain.
 inline Utf8Character decodeMultiByte(const std::uint8_t* text, std::size_t left) {
     constexpr Utf8Character kIllegal = {0, 0};
     const std::uint32_t lead = text[0];
@@ -97,8 +96,8 @@ inline Utf8Character decodeMultiByte(const std::uint8_t* text, std::size_t left)
     return {static_cast<std::int32_t>(code), 4};
 }
 
-// Decodes one character of at least two bytes, of which at least four are there, and those of three
-// bytes first: most texts that are not ASCII consist of them.
+// Decodes one character of at least two bytes where at least four bytes remain. Tries three bytes
+// first: most texts that are not ASCII consist of such characters.
 inline Utf8Character decodeMultiByteOfFour(const std::uint8_t* text) {
     std::uint32_t bytes;
     std::memcpy(&bytes, text, sizeof bytes);
@@ -109,8 +108,8 @@ inline Utf8Character decodeMultiByteOfFour(const std::uint8_t* text) {
     return decodeMultiByte(text, sizeof bytes);
 }
 
-// Calls `emit(code, start, 1)` for the characters from `start` on, where one is ASCII: for whole
-// blocks of it, which takes registers of them at a time, or for that one. Returns where that ends.
+// Calls `emit(code, start, 1)` for ASCII characters from `start` on, where there is at least one:
+// for as many whole blocks as follow, or else for that one. Returns where they end.
 template <class Emit>
 std::size_t decodeAscii(const std::uint8_t* bytes, std::size_t start, std::size_t size,
                         Emit& emit) {
@@ -131,8 +130,8 @@ std::size_t decodeAscii(const std::uint8_t* bytes, std::size_t start, std::size_
 }
 
 // Calls `take(code, start, length)` for every character of the `size` bytes at `text`, up to the
-// first sequence that is illegal or cut off, or that `take` returns false for. Returns where that
-// is, or `size`.
+// first sequence that is illegal or cut off, or the first character of several bytes for which
+// `take` returns false. Returns where that is, or `size`.
 template <class Take>
 std::size_t decodeUtf8While(const char* text, std::size_t size, Take take) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text);

@@ -11,9 +11,9 @@
 
 namespace Dictionary {
 
-// A text for lookups that read most of its characters once, or few of them; its places are byte
-// offsets. As with the UTF-8 coder it ends at the first sequence that is illegal or cut off. Views
-// the bytes, which must outlive it.
+// A text for lookups that read few of its characters, or most of them only once. Places are byte
+// offsets. As with the UTF-8 coder, the text ends at the first sequence that is illegal or cut off.
+// It is a view of the bytes, which must outlive it.
 class Utf8Text {
 public:
     Utf8Text(const char* text, std::size_t size)
@@ -21,10 +21,11 @@ public:
 
     std::size_t size() const { return m_size; }
 
-    // All that is decoded of it does, or ends with a code that leads nowhere.
+    // Always true: a text that is not legal up to its end is given a code that leads nowhere.
     bool spans(const char*) const { return true; }
 
-    // The code at byte `place`, which moves after it; at the end, EncodedText::kEnd.
+    // Returns the code at byte `place`, and moves `place` after it. At the end, returns
+    // EncodedText::kEnd.
     std::int32_t next(std::size_t& place) const {
         if (place == m_size) return EncodedText::kEnd;
         if (m_bytes[place] < 0x80) return m_bytes[place++];
@@ -40,7 +41,7 @@ public:
     // No place is between two labels of one character.
     bool isInsidePair(std::size_t) const { return false; }
 
-    // The bytes from `from` up to, but without, `end`.
+    // The bytes `from` to `end` - 1.
     SPOS span(std::size_t from, std::size_t end, std::int32_t feature) const {
         return {static_cast<std::int32_t>(from), static_cast<std::int32_t>(end) - 1, feature};
     }
@@ -50,8 +51,8 @@ protected:
     std::size_t m_size;
 };
 
-// The same with a character above U+FFFF as its two surrogates; the place between them is that of
-// the character's last byte. Each character is what `Map` makes of its code.
+// The same, but a character above U+FFFF is its two surrogates, and the place between them is that
+// of the character's last byte. The code of each character is mapped by `Map`.
 template <class Map>
 class MappedLabelText : public Utf8Text {
 public:
@@ -81,7 +82,7 @@ private:
 using Utf8LabelText = MappedLabelText<SameCode>;
 
 // Calls `use(text)` with the first `length` bytes of `text`, as ICoderInterface::encodeString
-// counts them, in the form that a lookup reads best which does not walk from every character.
+// counts them, in the form that is best for a lookup that does not walk from every character.
 template <class Use>
 void readOnce(ICoderInterface& coder, const char* text, int length, bool reverse, const Use& use) {
     if (!reverse && isPlainUtf8(coder)) return use(Utf8Text(text, encodedSize(text, length)));

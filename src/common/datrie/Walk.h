@@ -19,8 +19,9 @@ namespace Dictionary {
 constexpr std::int64_t kNoAlphabet = std::numeric_limits<std::int64_t>::max();
 
 // Follows the text at `place` from `cell` as far as the trie goes, and calls `found(end, cell)` for
-// every cell that ends a key on the way, the first one included: `end` is where its characters end.
-// Kept: a code at or beyond `alphabet` ends the walk before the key in front of it is looked at.
+// every cell on the way that ends a key, including the first one. `end` is where the key ends in
+// the text.
+// Kept: a code at or beyond `alphabet` ends the walk, and a key right before it is not found.
 template <class Text, class Found>
 void walkOn(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
             std::int64_t alphabet, Found found) {
@@ -57,8 +58,8 @@ struct LongestKey {
     std::uint32_t cell;
 };
 
-// Follows the text as walkOn does and puts the longest key of those for which `mayEnd(end)` holds
-// in the place of `longest`. It does so without a branch, which would be guessed badly.
+// Follows the text as walkOn does. If keys for which `mayEnd(end)` holds are on the way, stores the
+// longest of them in `longest`. It does so without a branch, which would often be mispredicted.
 template <class Text, class MayEnd>
 void goOnToLongest(const CellView& cells, std::uint32_t cell, const Text& text, std::size_t place,
                    std::int64_t alphabet, const MayEnd& mayEnd, LongestKey& longest) {
@@ -72,7 +73,7 @@ void goOnToLongest(const CellView& cells, std::uint32_t cell, const Text& text, 
     } while (code < alphabet && cells.descend(cell, code));
 }
 
-// The longest key that begins at `place`, where the text must not end.
+// The longest key that begins at `place`, which must not be the end of the text.
 template <class Text, class MayEnd>
 LongestKey longestFrom(const CellView& cells, const Text& text, std::size_t place,
                        std::int64_t alphabet, const MayEnd& mayEnd) {
@@ -99,7 +100,7 @@ void segment(const CellView& cells, const Text& text, const IsOpen& isOpen, Foun
     }
 }
 
-// Calls `found(from, end, feature)` for every key that begins at the first character of the
+// Calls `found(from, end, feature)` for every key that begins at the first character that is in the
 // alphabet, shortest first.
 template <class Text, class Found>
 void forEachKeyAtFirst(const CellView& cells, const Text& text, std::int64_t alphabet,
@@ -111,9 +112,9 @@ void forEachKeyAtFirst(const CellView& cells, const Text& text, std::int64_t alp
     }
 }
 
-// Calls `found(feature)` if the whole text is a key whose first character is of the alphabet. Of
-// the branches on the way, only the one out of it depends on what a cell holds, so that the next
-// lookup need not wait for one that succeeds.
+// Calls `found(feature)` if the whole text is a key whose first character is in the alphabet. The
+// only branches that depend on what a cell holds are those taken when the text is no key. So the
+// processor can begin with the next lookup before one that succeeds is over.
 template <class Text, class Found>
 void findWholeKey(const CellView& cells, const Text& text, std::int64_t alphabet, Found found) {
     std::size_t place = 0;

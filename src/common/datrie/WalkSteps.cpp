@@ -9,7 +9,7 @@ namespace Dictionary {
 
 namespace {
 
-// The bytes of so many walks are read at once.
+// The bytes of this many walks are read at once.
 constexpr std::uint32_t kWordWalks = sizeof(std::uint64_t);
 
 std::uint64_t wordOf(const WalkSteps& steps, std::uint32_t walk) {
@@ -37,8 +37,8 @@ template <int kQuarter>
     return _mm512_add_epi32(first, _mm512_maskz_cvtepu8_epi32(0xFFFF, quarter));
 }
 
-// Writes the places of all keys in order and returns how many there are. A word that has many more
-// than others is guessed wrong; no other branch depends on the bits.
+// Writes the places of all keys in order and returns how many there are. The only branch that
+// depends on the bits is for words with unusually many keys.
 [[gnu::target("avx512f,avx512bw,avx512vbmi2,popcnt")]] std::uint32_t listPlaces(
     const WalkSteps& steps, std::uint32_t* places) {
     constexpr std::size_t kUsual = 2 * kLanes;
@@ -78,7 +78,7 @@ template <int kQuarter>
 
 }  // namespace
 
-// The bits of eight walks at a time are their keys in order, the lowest bit first.
+// Takes eight walks at a time. Their bits, from the lowest one on, are their keys in order.
 void listByBits(const WalkSteps& steps, WalkGroup& group) {
     WalkGroup::Key* key = group.keys;
     for (std::uint32_t first = 0; first < WalkGroup::kWalks; first += kWordWalks) {
@@ -100,7 +100,7 @@ void listByBits(const WalkSteps& steps, WalkGroup& group) {
     const __m512i low = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
     const __m512i high = _mm512_add_epi32(low, all16(kLanes / 2));
     for (std::size_t i = 0; i < group.count; i += kLanes) {
-        // After the last place there may be anything; it is made a place.
+        // After the last place there may be any value; the mask makes it a valid place.
         const __m512i place = _mm512_and_si512(_mm512_load_si512(places + i), all16(kMostKeys - 1));
         const __m512i cells = cellsAt(steps, place);
         _mm512_storeu_si512(group.keys + i, _mm512_permutex2var_epi32(place, low, cells));

@@ -11,9 +11,9 @@ namespace Dictionary {
 
 namespace {
 
-// Walks one by one, by a loop so short that the processor has all that it needs in registers. It
-// guesses where walks end, and is several of them ahead while it waits for a cell. But it does not
-// guess well which cells end keys: each is written down as a key, and overwritten when it is none.
+// Walks one by one, in a loop so short that everything it needs is in registers. The processor
+// predicts where walks end, and is several walks ahead while it waits for a cell. But it predicts
+// badly which cells end keys. So each cell is written down as a key, and overwritten if it is none.
 void walkOneByOne(const CellView& cells, const GroupStart& start, WalkGroup& group) {
     const CellView image = cells;
     WalkGroup::Key* key = group.keys;
@@ -38,7 +38,7 @@ void walkOneByOne(const CellView& cells, const GroupStart& start, WalkGroup& gro
 
 #ifdef __x86_64__
 
-// Codes below it, as numbers without a sign, begin a walk.
+// Codes that are below it as unsigned numbers begin a walk.
 std::uint32_t firstLimit(const CellView& cells, std::int32_t alphabet) {
     return std::min(cells.firstLimit(), static_cast<std::uint32_t>(std::max(alphabet, 0)));
 }
@@ -49,7 +49,7 @@ constexpr unsigned kIsLeft = 1u << WalkGroup::kMaxSteps;
 struct Walks8 {
     static constexpr std::uint32_t kLanes = 8;
 
-    // All bits of a lane mean yes.
+    // A lane with all bits set means yes.
     __m256i areOn;
     __m256i cells;
     __m256i keys;
@@ -177,8 +177,8 @@ private:
     }
 };
 
-// Inlined into a caller for each width, which sets the instructions that may be used.
-// The image and the start are copies, which no write to the steps may have changed.
+// Inlined into one caller per width, which sets the instructions that may be used. The image and
+// the start are copies, so that the compiler knows that no write to the steps changes them.
 template <class Walks>
 [[gnu::always_inline]] inline void walk(const CellView image, const GroupStart start,
                                         WalkSteps& found) {
@@ -190,7 +190,7 @@ template <class Walks>
         left = 0;
 #pragma GCC unroll 8
         for (std::uint32_t i = 0; i < kRegisters; ++i) {
-            if (walks[i].left() == 0) continue;  // as beyond the end of a short text
+            if (walks[i].left() == 0) continue;  // for example after the end of a short text
             walks[i].storeCells(found.cells[steps] + i * Walks::kLanes);
             walks[i].step(image, start, i * Walks::kLanes, steps);
             left += walks[i].left();

@@ -2,7 +2,7 @@
 //
 // Each step of a walk waits for the cell that the step before leads to, but neighbouring walks do
 // not wait for each other. Where the machine has registers for it, all walks of a group take their
-// first step, then their second one, and so on, and many cells are on their way from memory at any
+// first step, then their second one, and so on. So many cells are on their way from memory at any
 // time.
 
 #ifndef DICTIONARY_WALK_TOGETHER_H
@@ -13,12 +13,12 @@
 
 namespace Dictionary {
 
-// Begins a walk at each character whose code is below the alphabet and the number of a cell, and
-// takes up to kMaxSteps steps with all of them. A walk ends at a code that is not below the
-// alphabet before the key in front of it is looked at.
+// Begins a walk at each character whose code is in the alphabet and is the number of a cell, and
+// takes up to kMaxSteps steps with each. A code outside the alphabet ends a walk, and a key right
+// before it is not found.
 using WalkTogether = void (*)(const CellView& cells, const GroupStart& start, WalkGroup& group);
 
-// That of the kernel in use. All of them find the same.
+// The function of the kernel in use. All kernels find the same.
 WalkTogether walkTogether();
 
 }  // namespace Dictionary
