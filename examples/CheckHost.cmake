@@ -1,5 +1,5 @@
 # Runs HOST SOURCE TEXT IMAGE and fails unless it ends with STATUS and its output, on both streams,
-# holds every one of EXPECTED.
+# contains each of EXPECTED.
 
 execute_process(COMMAND ${HOST} ${SOURCE} ${TEXT} ${IMAGE}
     RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)

@@ -1,4 +1,5 @@
-/* A host in C: builds an image, opens it, and shows every key in a text with its place and data. */
+/* A host in C: builds an image, opens it, and shows the longest key at every position of a text,
+ * with the position and its data. */
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -42,7 +43,8 @@ static char* readFile(const char* name, size_t* size) {
     return bytes;
 }
 
-/* The fields of a data text, those of one record separated by blanks, records by ";". */
+/* Prints the fields of a data text. Blanks separate the fields of a record, ";" separates
+ * records. */
 static void printFields(DictionaryText data) {
     DictionaryField field = {{NULL, 0}, false};
     const char* separator = "";

@@ -1,4 +1,4 @@
-/* A host on the five functions of the classic interface: builds an image, loads it and searches a
+/* A host of the five functions of the classic interface: builds an image, loads it and searches a
  * text. */
 
 #include <stdio.h>

@@ -20,7 +20,7 @@ void printWords(const dictionary::Image& image, const std::string& line) {
     std::cout << "\n";
 }
 
-// Blanks that fill a word up to a column. East Asian characters take two columns.
+// Blanks that pad a word to a column. East Asian characters take two columns.
 std::string padding(std::string_view word) {
     constexpr std::size_t kColumn = 18;
     std::size_t width = 0;

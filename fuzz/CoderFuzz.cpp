@@ -1,5 +1,5 @@
-// The coder and the conversions against a reader of one character at a time, and against each other
-// there and back.
+// Compares the coder and the conversions with a reader of one character at a time, and the
+// conversions with each other, there and back.
 
 #include <cstring>
 
@@ -21,7 +21,7 @@ struct Converted {
     std::vector<Unit> units;
 };
 
-// Converts as much of a source as can be, whatever one call does of it.
+// Converts as much of a source as possible, however much one call converts.
 template <class Source, class Target>
 Converted<Target> convert(ConversionResult (*conversion)(const Source**, const Source*, Target**,
                                                          Target*, ConversionFlags),
@@ -38,7 +38,7 @@ Converted<Target> convert(ConversionResult (*conversion)(const Source**, const S
     return {result, static_cast<std::size_t>(from - source.data()), room};
 }
 
-// The characters that `text` begins with; drops the rest of it.
+// The legal characters that `text` begins with. Drops the rest of `text`.
 Codes readLegal(std::string& text) {
     Codes codes;
     std::size_t at = 0;
@@ -68,7 +68,7 @@ void requireConversions(const std::string& text, ConversionFlags flags) {
     require(convert(ConvertUTF32toUTF8, codes, flags).units == prefix, "straight, too");
 }
 
-// Anything goes into UTF-16 and UTF-32.
+// Takes any bytes as UTF-16 and as UTF-32.
 void requireAgreement(const std::string& bytes, ConversionFlags flags) {
     Wide wide(bytes.size() / sizeof(std::uint16_t));
     Codes values(bytes.size() / sizeof(std::uint32_t));

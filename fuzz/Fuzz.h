@@ -14,7 +14,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-// Ends the process, which is how a target reports what it found.
+// Ends the process if a promise is broken, which is how a target reports what it found.
 inline void require(bool holds, const char* promise) {
     if (holds) return;
     std::fprintf(stderr, "broken: %s\n", promise);
@@ -38,7 +38,7 @@ inline std::vector<std::string> split(const std::string& text, const std::string
     return pieces;
 }
 
-// An input, taken piece by piece from its front; after its end all is zero.
+// An input that is taken piece by piece from its front. After its end, byte() returns 0.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size)

@@ -1,5 +1,6 @@
-// Images that are accepted, followed by a page that cannot be read: no lookup reaches it. An
-// input is the size of a text in one byte, the text, and the image. The corpus holds sound images.
+// Searches images that are accepted, followed by a page that cannot be read: no lookup may reach
+// it. An input is the size of a text in one byte, the text, and the image. The corpus holds sound
+// images.
 
 #include "BoundaryText.h"
 #include "DATInterface.h"

@@ -1,5 +1,5 @@
-// The check of sources: what it reports is in order, and what it accepts is built to the bytes of
-// the plain build.
+// The check of sources: its reports are in order, and what it accepts is built to the same bytes as
+// by the plain build.
 
 #include "DATDictionarySample.h"
 #include "Dictionary.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-// A build takes far longer than a check, so only one source in so many is built.
+// A build takes far longer than a check, so only one source in this many is built.
 constexpr std::size_t kBuilds = 16;
 
 struct Reported {
@@ -50,7 +50,7 @@ bool isUtf8(std::string text) {
     return true;
 }
 
-// Whether the strict check is to find no error.
+// Whether the strict check should find no error.
 bool isSound(const std::string& source, const Separators& separators) {
     const std::string recordEnd = Dictionary::getEscapeSeparator(separators.record);
     std::vector<std::string> records = split(source, recordEnd);
@@ -76,7 +76,7 @@ int build(const std::string& text, const char* image, const DictionaryBuildOptio
     return dictionaryBuildFrom(&source, &target, &options, report, nullptr);
 }
 
-// Checks a source and returns whether an image can be made of it.
+// Checks a source. Returns DICTIONARY_OK if an image can be made of it.
 int check(const std::string& source, const Separators& separators, bool lenient) {
     Reported reported;
     const DictionaryBuildOptions options = optionsFor(separators, lenient, reported);
@@ -93,7 +93,7 @@ int check(const std::string& source, const Separators& separators, bool lenient)
     return result;
 }
 
-// Whether the plain build takes all keys, which it does not when one has a character of four bytes.
+// Whether the plain build takes all keys. It refuses keys with a character of four bytes.
 bool isPlain(const std::string& source) {
     return source.find_first_of("\xF0\xF1\xF2\xF3\xF4") == source.npos;
 }

@@ -1,5 +1,5 @@
-// Builds and lookups against the map and the literal trie: lines of keys, the last one the text to
-// search. The letters are few, so that keys meet.
+// Compares builds and lookups with the map and the literal trie. An input is lines of keys; the
+// last one is the text to search. There are few letters, so that keys overlap.
 
 #include "Fuzz.h"
 #include "LetterCoder.h"

@@ -1,5 +1,5 @@
-// The record reader against a splitter of the whole file, with separators of one to four bytes,
-// while the file comes in small pieces.
+// Compares the record reader, to which a file comes in small pieces, with a splitter of the whole
+// file. Separators have one to four bytes.
 
 #include <unistd.h>
 
@@ -18,7 +18,7 @@ std::size_t position = 0;
 std::size_t piece = 0;
 std::size_t longest = 0;  // bytes of the buffer that were ever written
 
-// The notation in which a separator of any bytes can be written.
+// A separator of any bytes in the notation that the reader takes.
 std::string notationOf(const std::string& separator) {
     std::string notation;
     for (const char byte : separator) {
@@ -34,8 +34,8 @@ std::string separatorFrom(Input& input) {
     return separator.empty() ? "\n" : separator;
 }
 
-// The reader counts a carried text shorter than the separator as if it were longer, so no piece
-// ends with an unfinished record of that size.
+// The reader counts a carried text that is shorter than the separator as if it were as long. So no
+// piece ends with such a short unfinished record.
 std::size_t nextEnd(std::size_t wanted, const std::vector<std::string>& records,
                     std::size_t separatorSize) {
     std::size_t start = 0;
@@ -59,8 +59,8 @@ void cutIntoPieces(std::size_t most, std::size_t step, const std::vector<std::st
 
 }  // namespace
 
-// Takes the place of `read` in the library. Behind a piece nothing of the one before it is left,
-// as in a file the size of one buffer.
+// Replaces `read` in the library. After a piece, nothing of the previous one is left, as with a
+// file that fits one buffer.
 extern "C" ssize_t __wrap_read(int, char* buffer, std::size_t);
 ssize_t __wrap_read(int, char* buffer, std::size_t) {
     if (piece == pieceEnds.size()) return 0;
@@ -83,14 +83,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     content.erase(std::remove(content.begin(), content.end(), '\0'), content.end());
     std::vector<std::string> expected = split(content, recordSeparator);
     cutIntoPieces(longestPiece, step, expected, recordSeparator.size());
-    expected.pop_back();  // it has no separator behind it
+    expected.pop_back();  // it has no separator after it
     position = piece = longest = 0;
 
     Dictionary::CRecordReader reader;
     const int next = dup(STDERR_FILENO);
     close(next);
     reader.init("/dev/null", notationOf(recordSeparator), notationOf(fieldSeparator));
-    close(next);  // the reader does not
+    close(next);  // the reader leaves it open
     std::vector<char*> fields;
     for (const std::string& record : expected) {
         char* const read = reader.next();

@@ -1,4 +1,4 @@
-// Runs a target once with every file of the folders named.
+// Runs a target once on each file in the given folders.
 
 #include <filesystem>
 #include <fstream>

@@ -1,5 +1,5 @@
-// Segmentation by weight, against the slow way to do it: lines of a cost and a key, the last one
-// the text. The letters are few, so that keys meet.
+// Compares segmentation by weight with the slow way to do it. An input is lines of a cost and a
+// key; the last one is the text. There are few letters, so that keys overlap.
 
 #include "Dictionary.h"
 #include "Fuzz.h"
@@ -11,7 +11,7 @@ constexpr std::size_t kMostKeys = 20;
 constexpr std::size_t kMostLetters = 12;
 constexpr std::size_t kMostText = 400;
 
-// Bytes that are no text are taken for letters; any others are themselves.
+// Bytes below the number of letters stand for letters; the others stand for themselves.
 std::string textOf(const std::string& bytes) {
     std::string text;
     for (const char byte : bytes) {

@@ -1,4 +1,4 @@
-// The string utilities against slow and obvious ways to do the same.
+// Compares the string utilities with slow and obvious ways to do the same.
 
 #include "StringUtil.h"
 

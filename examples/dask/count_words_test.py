@@ -30,7 +30,7 @@ SECONDS = 90
 OPTIONS = {"scheduler": ("--port", "0", "--no-show", "--idle-timeout", "90"),
          "worker": ("--nthreads", "1", "--no-nanny", "--death-timeout", "90")}
 OTHER_VERSION = "0.9.0"
-# The same path for all processes, and a file of its own for each.
+# The same path in all processes, but a different file in each.
 OWN_IMAGE = "/proc/self/cwd/words.bin"
 
 
