@@ -1,4 +1,4 @@
-// What the functions for C say to arguments that are null or do not go together.
+// How the functions for C refuse arguments that are null or do not go together.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ Options sized() {
     return options;
 }
 
-// An item with one field, which is null, or with one field and no list of them.
+// Items that have one field, which is null, or for which the list of fields is null.
 bool nextNullField(void*, const DictionaryText** fields, size_t* count) {
     static constexpr DictionaryText kNull = {nullptr, 1};
     *fields = &kNull;

@@ -47,7 +47,8 @@ private:
     char* m_bytes;
 };
 
-// Copies `text` to the end of a page whose successor cannot be read. The next call overwrites it.
+// Copies `text` to the end of a page that is followed by one that cannot be read. The next call
+// overwrites it.
 inline const char* placeAtPageEnd(const std::string& text) {
     static char* const end = [] {
         const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));

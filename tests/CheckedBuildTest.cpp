@@ -28,10 +28,10 @@ namespace fs = std::filesystem;
 
 constexpr char kGood[] = "a\tx\nab\ty\nac\tz\nb\tw\n", kOther[] = "c\tother\ncd\tdata\n";
 constexpr int kNotBuilt = -1;
-constexpr char kNoImage[] = "no image";  // for a source to be checked only
+constexpr char kNoImage[] = "no image";  // for a source that is only checked
 
-// A build, its progress and what it says: "LINE:COLUMN SEVERITY NAME" of each problem. Builds
-// return DICTIONARY_OK, DICTIONARY_STOPPED or kNotBuilt.
+// A build with its progress and its problems, each as "LINE:COLUMN SEVERITY NAME". Builds return
+// DICTIONARY_OK, DICTIONARY_STOPPED or kNotBuilt.
 struct Build {
     explicit Build(bool lenient = false) {
         options.size = sizeof options;
@@ -64,7 +64,7 @@ struct Build {
         to.path = image == kNoImage ? nullptr : image.c_str();
         return run();
     }
-    // Into `made`.
+    // Builds into `made`.
     int bytesOut(const std::string& source) {
         from.bytes = {source.data(), source.size()};
         DictionaryImageBuffer buffer = {};
@@ -130,7 +130,7 @@ std::string contentOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A folder of its own with an image in it.
+// A new folder with an image in it.
 struct Folder {
     ~Folder() { fs::remove_all(path); }
     void expectAsBefore() const {
@@ -144,8 +144,8 @@ struct Folder {
 };
 
 TEST(CheckedBuild, TellsEveryProblemInOrder) {
-    // L is an error, or a warning when the build is lenient; W is a warning when no image
-    // is made.
+    // L is an error, or a warning when the build is lenient. W is a warning that is reported only
+    // when no image is made.
     const std::pair<std::string, std::string> cases[] = {
         {kGood, ""},
         {"", "0:0 E no-records\n"},
@@ -284,7 +284,7 @@ TEST(CheckedBuild, TakesKeysOfAllPlanes) {
         const std::string found(isKey ? data.bytes : "", data.size);
         ASSERT_EQ(found, isKey ? word->second + '\t' : "");
     }
-    // What the plain lookups find are the keys that have no such characters.
+    // Plain lookups find only the keys without characters above U+FFFF.
     for (const auto& [key, data] : words) {
         char* const found = search(key.c_str(), handle.get(), false);
         const bool isPlain = key.find_first_of("\xF0\xF4") == key.npos;
@@ -360,7 +360,7 @@ TEST(CheckedBuild, RefusesWhatIsNoRequest) {
     make();
 }
 
-// Checks bytes, a file of them and a pipe.
+// Checks a source as bytes, as a file and through a pipe.
 void checkAllWays(const std::string& source, const std::string& problems) {
     Build builds[3];
     for (Build& build : builds) build.options.recordSeparator = "\\013\\010";
@@ -385,8 +385,8 @@ TEST(CheckedBuild, CutsRecordsWhereverTheirEndsFall) {
     checkAllWays(std::string(5 * kStretch, 'x'), "1:1 E unfinished\n" + tooLong);
 }
 
-// Calls `action` while no file may grow beyond a few thousand bytes. The signal that this brings
-// would end the process.
+// Calls `action` while no file may grow beyond a few thousand bytes. The signal that the system
+// sends for that would end the process.
 template <typename Action>
 int onFullDisk(Action action) {
     rlimit before;
@@ -445,7 +445,7 @@ TEST(CheckedBuild, LeavesTheOldImageWhereItCannotReadOrWrite) {
     expectFailure(unreadable, unreadable.file(folder.path, image), "cannot-read", EISDIR);
 }
 
-// The rights of the unfinished image, or 0.
+// The permissions of the unfinished image, or 0 if there is none.
 mode_t unfinishedAccess(const std::string& folder) {
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
         struct stat status;
@@ -481,8 +481,8 @@ TEST(CheckedBuild, KeepsLinksAndAccess) {
     umask(mask);
 }
 
-// Where users may be other ones: a link of somebody else's among everybody's files is followed only
-// if the system follows it, and a folder need not be readable.
+// With several users: another user's link in a folder that everybody may write to is followed only
+// if the system follows it. And a folder need not be readable.
 TEST(CheckedBuild, GoesWhereTheSystemLetsTheUserGo) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can be two users";
     constexpr uid_t kUser = 65534;
@@ -513,7 +513,7 @@ TEST(CheckedBuild, TakesDescriptorsOfNamedFilesAlone) {
     int pipe[2];
     ASSERT_EQ(::pipe(pipe), 0);
     const Dictionary::Descriptor end(pipe[0]), otherEnd(pipe[1]);
-    // The file that is open has no name now.
+    // The open file no longer has a name.
     for (const auto& [number, error] :
          {std::pair{pipe[1], EOPNOTSUPP}, std::pair{file.number(), ENOENT}}) {
         Build build;
@@ -552,7 +552,7 @@ TEST(CheckedBuild, StopsAtEveryStep) {
     }
     EXPECT_EQ(ended, (std::vector<int>{0, 1, 2}));
     EXPECT_GT(whole.steps.size(), 10u);
-    // How many there are depends on the time that passes.
+    // How many steps there are depends on the time that passes.
     int result = DICTIONARY_STOPPED;
     for (std::size_t last = 1; result == DICTIONARY_STOPPED; ++last) {
         Build stopped;
@@ -562,7 +562,7 @@ TEST(CheckedBuild, StopsAtEveryStep) {
             if (last % 3 == 1) pthread_exit(nullptr);
             return false;
         };
-        // It stays stopped where the callback ends the thread.
+        // The result stays DICTIONARY_STOPPED if the callback ends the thread.
         std::thread([&] { result = stopped.bytes(source, folder.image); }).join();
         if (result == DICTIONARY_OK) break;
         EXPECT_EQ(stopped.steps.size(), last);

@@ -1,5 +1,5 @@
-// The verification of images: what builds make is accepted, what is accepted is safe, and what is
-// wrong is named.
+// The verification of images: what builds make is accepted, what is accepted is safe, and faults
+// are named.
 
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -53,7 +53,8 @@ const Keys kKeySets[] = {
     {{"CAT", "animal"}, {"CUT", "verb"}, {"CUTE", "verb"}, {"ABACAD", "x"}, {"\x7F\x7F", "y"}},
 };
 
-// Counts images that are accepted, over which no lookup may reach the page after them.
+// Returns 1 if an image is accepted, otherwise 0. In an accepted image no lookup may reach the page
+// after it.
 int tryOut(const std::string& image) {
     if (check(image).code != DICTIONARY_OK) return 0;
     LetterCoder coder;
@@ -92,7 +93,7 @@ TEST(CheckedImage, AcceptsWhatWritersMakeAndElseOnlyWhatIsSafe) {
     EXPECT_GT(accepted, 0);  // the numbers of keys and their data may be anything
 }
 
-// Words are counted from the image's start, three a cell.
+// Words are counted from the image's start, three per cell.
 constexpr std::size_t word(std::size_t cell, std::size_t word) {
     return 3 * cell + word;
 }
@@ -106,7 +107,7 @@ struct Wrong {
 
 TEST(CheckedImage, NamesWhatIsWrong) {
     constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
-    // Cells 1, 65 and 66 in use, of 67; records at bytes 0 and 5 of 11.
+    // Of 67 cells, 1, 65 and 66 are in use. Records begin at bytes 0 and 5 of 11.
     const std::string image = imageOf({{"A", "1"}, {"AB", "22"}, {"ABC", "1"}});
     const Wrong rows[] = {
         {{{word(0, 2), 803}}, DICTIONARY_IMAGE_HEADER, 0, 8},
@@ -149,7 +150,7 @@ TEST(CheckedImage, NamesWhatIsWrong) {
     }
 }
 
-// The faults of an image by all kernels, which are the same.
+// Checks an image with every kernel. All must find the same fault.
 Dictionary::ImageFault checkByAll(const std::string& image) {
     const Dictionary::ImageFault fault = check(image);
     forEachKernel([&] {
@@ -163,7 +164,7 @@ Dictionary::ImageFault checkByAll(const std::string& image) {
 
 TEST(CheckedImage, EachKernelNamesTheSameFault) {
     constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
-    constexpr std::size_t kFirst = 65;  // cell that no first character has
+    constexpr std::size_t kFirst = 65;  // first cell after those of first characters
     std::mt19937 random(7);
     std::vector<std::string> texts(150);
     for (std::string& text : texts) {
@@ -190,7 +191,7 @@ TEST(CheckedImage, EachKernelNamesTheSameFault) {
         }
         *at(changed, place) = before;
     }
-    // Each cell as the parent of its own one.
+    // Makes each cell the parent of its own parent.
     for (std::size_t cell = kFirst; cell < cells; ++cell) {
         const auto parent = static_cast<std::size_t>(*at(changed, word(cell, 1)));
         if (parent < kFirst || parent >= cells) continue;
@@ -259,7 +260,7 @@ TEST(CheckedOpen, GivesHandlesToSearch) {
         for (const int mode : {DICTIONARY_OPEN_MAP, DICTIONARY_OPEN_SHARE, DICTIONARY_OPEN_COPY}) {
             DictionaryHandle* const handle = dictionaryOpenFile(image.path(), mode, &error);
             EXPECT_EQ(error.code, DICTIONARY_OK) << error.text;
-            // A copy stays, whatever becomes of the file.
+            // A copy stays, whatever happens to the file.
             if (mode == DICTIONARY_OPEN_COPY) std::ofstream(image.path(), std::ios::trunc);
             expectFound(handle);
         }

@@ -75,7 +75,7 @@ TEST(CppInterface, TakesItemsOfManyShapes) {
     EXPECT_EQ(checkItems(Words{{"a", "1"}, {"b\t", "2"}}).problems.at(0).record().line, 2u);
 }
 
-// Items that are made as they are asked for, of which the second cannot be.
+// Items that are made on demand. The second one fails.
 struct FailingItems {
     struct Iterator {
         int number;

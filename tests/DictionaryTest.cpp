@@ -56,8 +56,8 @@ bool isProgress(const std::string& text, int total) {
     return testing::internal::RE::FullMatch(text, lines);
 }
 
-// A source, what a build says, the total of its progress lines, the image's size and data of keys,
-// empty for a key that is not there.
+// A source, what a build says, the total of its progress lines, the image's size, and the data of
+// keys, which is empty for a key that is not there.
 using Build = std::tuple<std::string, std::string, int, std::size_t, Data>;
 constexpr std::size_t kCell = 12, kTwoDeepCells = 65539 * kCell;
 const Build kBuilds[] = {
@@ -89,7 +89,7 @@ TEST(Dictionary, BuildsSaysAndFinds) {
     }
 }
 
-// A source that comes slowly: what was read is shown before the rest is there.
+// A source that arrives slowly: what has been read is shown before the rest is there.
 TEST(Dictionary, ShowsRecordsAsTheyComeIn) {
     const TemporaryFile file;
     const std::string source = file.path() + std::string(".source");
@@ -169,7 +169,8 @@ TEST(Dictionary, SaysWhyAnImageIsNotLoaded) {
     printedBy([&] { buildTree(empty.path(), nullptr); });
 }
 
-// A file that is shorter than its header says is loaded without a word, but nothing is in it.
+// A file that is shorter than its header says is loaded without a message, but nothing is found in
+// it.
 TEST(Dictionary, FindsNothingInFilesThatAreTooShort) {
     const Image image("text\tx\n");
     const std::string whole = image.file.content();

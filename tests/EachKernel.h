@@ -1,4 +1,4 @@
-// Tests by every kernel that this machine has.
+// Runs tests with every kernel that this machine has.
 
 #ifndef TESTS_EACH_KERNEL_H
 #define TESTS_EACH_KERNEL_H
@@ -7,7 +7,7 @@
 
 #include "Kernel.h"
 
-// Calls `use()` with each in use in turn, and names it where an assertion in it fails.
+// Calls `use()` once with each kernel in use. A failed assertion names the kernel.
 template <class Use>
 void forEachKernel(const Use& use) {
     for (int i = 0; i < Dictionary::kKernelCount; ++i) {

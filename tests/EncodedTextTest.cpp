@@ -1,4 +1,4 @@
-// Texts in arrays against the decoder, character by character, for every kind of machine.
+// Compares texts in arrays with the decoder, character by character, for every kind of machine.
 
 #include "EncodedText.h"
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-// What a record that held something before reads at `offset`.
+// Reads at `offset` into a record that already held a text, and returns its text.
 std::string read(CFeatureDataContainer& area, int offset) {
     CFeatureData data;
     data.text = "before";

@@ -28,7 +28,7 @@ TEST(KeyedHash, DependsOnEveryByteAndOnItsKey) {
         alike += hash(text) == other(text);
         EXPECT_EQ(hash(text), hash(std::string(text)));
     }
-    // By chance, two of so few are equal once in thousands of runs.
+    // By chance, two of so few hashes are equal once in thousands of runs.
     EXPECT_GE(hashes.size() + 2, texts.size());
     EXPECT_LE(alike, 2u);
 }

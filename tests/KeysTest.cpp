@@ -1,4 +1,4 @@
-// Lists of keys and lookups of many, against std::map.
+// Compares lists of keys, and lookups of many keys, with std::map.
 
 #include <algorithm>
 #include <optional>
@@ -31,7 +31,7 @@ void add(const DictionaryKey& key, Listed& keys) {
                       std::string(key.data.bytes, key.data.size), key.image);
 }
 
-// The keys up to the end of the cursor, behind which there is nothing.
+// The keys up to the end of the cursor. After it there is nothing.
 Listed listed(DictionaryCursor* cursor) {
     Listed keys;
     DictionaryKey key;
@@ -41,7 +41,7 @@ Listed listed(DictionaryCursor* cursor) {
     return keys;
 }
 
-// The same by calls for many at once, of which the first asks for fewer.
+// The same by calls for many keys at once. The first call asks for a few.
 Listed listedAtOnce(DictionaryCursor* cursor) {
     Listed keys;
     std::vector<DictionaryKey> some(1000);
@@ -68,7 +68,8 @@ bool isLegal(const std::string& text) {
     return std::count(kIllegal.begin(), kIllegal.end(), text) == 0;
 }
 
-// Several images by their numbers; the last with a key wins. No key begins with illegal UTF-8.
+// The keys of several images, with the number of their image; the last image that has a key wins.
+// No key begins with illegal UTF-8.
 Listed expected(const std::vector<Source>& images, const std::string& prefix) {
     std::map<std::string, std::pair<std::string, std::uint32_t>> all;
     for (std::uint32_t image = 0; image < images.size(); ++image) {
@@ -97,7 +98,7 @@ std::optional<std::string> answerOf(const DictionaryText& data) {
     return std::string(data.bytes, data.size);
 }
 
-// Every list and every lookup of `texts` in the handle equals that in the maps.
+// Expects that every list and every lookup of `texts` in the handle equals that in the maps.
 void expectModel(const Handle& handle, const std::vector<Source>& images, const Texts& texts) {
     const Cursor cursor = cursorOf(handle);
     const Listed all = expected(images, "");
@@ -133,7 +134,7 @@ const Texts kCharacters = {"a", "\u00e9", "\uffff", "\U00010000", "\U0010FFFF",
                            "A", "\u00c9", "\u212a", "\u023a",     "\U00010400"};
 
 TEST(Keys, SmallDictionariesEqualAMap) {
-    // All texts of one character and many of two, and what is none.
+    // All texts of one character and many of two. Queries are these, and texts that are no keys.
     Texts texts = kCharacters;
     for (const std::string& first : kCharacters) {
         for (const char* second : {"a", "\uffff", "\U00010000", "\u023a"}) {

@@ -1,4 +1,4 @@
-// Images in memory, built of words, and what folding makes of these.
+// Images in memory that are built from words, and how words are folded.
 
 #ifndef TESTS_LABEL_IMAGE_H
 #define TESTS_LABEL_IMAGE_H
@@ -17,7 +17,7 @@
 using Words = std::map<std::string, std::string>;
 using Handle = std::unique_ptr<DictionaryHandle, decltype(&dictionaryClose)>;
 
-// Some letters, and what they are when they are folded: of as many bytes, of fewer and of more.
+// Some letters and their folded forms, which have as many bytes, fewer or more.
 inline const std::pair<std::string, std::string> kFoldings[] = {{"A", "a"},
                                                                 {"\u00c9", "\u00e9"},
                                                                 {"\uff21", "a"},
@@ -35,14 +35,15 @@ inline std::string foldedSlowly(std::string text) {
     return text;
 }
 
-// What an image is made of.
+// What an image is built from.
 struct Source {
     Words words;
     bool isFolded = false;
 
     std::string key(const std::string& text) const { return isFolded ? foldedSlowly(text) : text; }
 
-    // Each key with its data text. Keys that folding makes one have the data of both.
+    // Each key with its data text. Keys that are equal when folded become one key with the data of
+    // both.
     Words content() const {
         Words all;
         for (const auto& [word, data] : words) {

@@ -1,4 +1,4 @@
-// A coder over 64 letters, '@' to DEL: images stay below two kilobytes, so that a great many
+// A coder over 64 letters, '@' to DEL: images stay below two kilobytes, so that very many
 // dictionaries can be built.
 
 #ifndef TESTS_LETTER_CODER_H

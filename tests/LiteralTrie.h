@@ -1,5 +1,5 @@
-// The double array by the letter of its rules: sets of nodes, and a search that tries one cell
-// after the other. Slow and obvious, it is what the library's fast build is held against.
+// The double array, built literally by its rules: sets of nodes, and a search that tries one cell
+// after the other. It is slow and obvious, and the library's fast build is compared with it.
 
 #ifndef TESTS_LITERAL_TRIE_H
 #define TESTS_LITERAL_TRIE_H
@@ -32,7 +32,7 @@ public:
         m_features[feature].insert(static_cast<int>(m_keys.size()) - 1);
     }
 
-    // Keys that do not exist yet come to it later.
+    // The key may be added later.
     void put(const std::string& feature, int key) { m_features[feature].insert(key); }
 
     void build() {
@@ -56,7 +56,7 @@ public:
         }
     }
 
-    // Progress lines of the last build, the closing one left out.
+    // The number of progress lines of the last build, without the closing one.
     int reports() const { return m_reports; }
     int cellCount() const { return m_highest + 1; }
     int firstFreeFrom(int position) {

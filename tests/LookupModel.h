@@ -1,4 +1,4 @@
-// All lookups twice: by a map from key to data, slow and obvious, and by an image.
+// All lookups twice: with a map from key to data, which is slow and obvious, and with an image.
 
 #ifndef TESTS_LOOKUP_MODEL_H
 #define TESTS_LOOKUP_MODEL_H
@@ -84,7 +84,7 @@ private:
         return found;
     }
 
-    // Greedy segmentation; a reversed one runs from the end and is turned round.
+    // Greedy segmentation. In reverse it runs from the end, and the result is reversed.
     std::vector<Found> segments(const std::string& text) const {
         std::vector<Found> result;
         const std::vector<int> cuts = boundaries(text);
@@ -108,7 +108,7 @@ private:
         return result;
     }
 
-    // A key that starts before the one before it holds back all that follow.
+    // A key that starts before the previous one is left out, and so are all keys after it.
     static decltype(Answers::groups) grouped(const std::vector<Found>& every, std::size_t size) {
         decltype(Answers::groups) groups(size);
         int least = 0;
@@ -125,7 +125,7 @@ private:
     bool m_reverse;
 };
 
-// An image made of pairs of key and data, at the end of readable memory. Building it prints the
+// An image built from pairs of key and data, at the end of readable memory. Building prints the
 // progress line.
 class LookupImage {
 public:

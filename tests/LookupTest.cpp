@@ -1,4 +1,4 @@
-// All lookups against a model that is a map from key to feature text.
+// Compares all lookups with a model, which is a map from key to feature text.
 
 #include <gtest/gtest.h>
 
@@ -80,13 +80,14 @@ public:
     }
 };
 
-// The longest texts to look into; DICTIONARY_SCOPE sets another size for long runs.
+// The length of the longest texts that are searched; DICTIONARY_SCOPE sets another one for long
+// runs.
 int scope() {
     const char* const given = std::getenv("DICTIONARY_SCOPE");
     return given == nullptr ? 7 : std::atoi(given);
 }
 
-// All dictionaries of up to three keys over two letters, times all texts of the scope.
+// Searches all texts of the scope in all dictionaries of up to three keys over two letters.
 void checkAllSmallDictionaries(ICoderInterface& coder, const std::vector<std::string>& letters) {
     std::vector<std::string> keys;
     std::vector<std::string> texts;
@@ -159,7 +160,7 @@ TEST(Lookup, KeepsItsRulesOnTheEdges) {
     writer.buildDAT();
     testing::internal::GetCapturedStdout();
     const std::unique_ptr<char[]> image(writer.write());
-    // Copies in a vector, which do what the first one does.
+    // Copies in a vector, which work like the original.
     std::vector<CDATReader> readers(2, CDATReader(&coder, image.get(), false));
     readers[0] = CDATReader(&coder, nullptr, false);
     readers[0] = readers[1];
@@ -205,13 +206,13 @@ TEST(Lookup, KeepsItsRulesOnTheEdges) {
     }
     EXPECT_TRUE(untouched.empty() && feature.empty());
     std::vector<int> codes = {'a', 'b'};
-    for (int to = 0; to < 4; ++to) {  // never behind the codes
+    for (int to = 0; to < 4; ++to) {  // never reads after the codes
         reader.printVec(codes, 0, to);
         reader.printVec(codes, to, 0);
     }
 }
 
-// Images of few cells, at the end of readable memory: no text leads outside.
+// Images of few cells, at the end of readable memory: no text leads out of them.
 TEST(Lookup, StaysInsideSmallImages) {
     Dictionary::CUTF8Coder coder;
     LetterCoder letters;

@@ -1,4 +1,5 @@
-// The matches of a text, slow and obvious: the text is a list of characters, and images are maps.
+// Finds the matches of a text in a slow and obvious way: the text is a list of characters, and
+// images are maps.
 
 #ifndef TESTS_MATCH_MODEL_H
 #define TESTS_MATCH_MODEL_H
@@ -17,7 +18,7 @@
 
 using Characters = std::vector<std::string>;
 
-// Of the characters that tests use, what words are made of.
+// The characters in these tests that words are made of.
 const Characters kWordLetters = {"a",      "A",      "b",          "k",         "z",
                                  "\u00e9", "\u00c9", "\uff21",     "\u212a",    "\u023a",
                                  "\u2c65", "\u03b9", "\U00010400", "\U00010428"};
@@ -96,7 +97,7 @@ public:
         return keys;
     }
 
-    // Those of them that the options choose.
+    // The keys of `all` that the options choose.
     Found find(const Text& text, const ModelKeys& all, const DictionaryFindOptions& options) const {
         Found found;
         const ModelKeys keys = candidates(all, options);
@@ -115,7 +116,7 @@ public:
         return found;
     }
 
-    // How a segmenter weighs keys by counts in their first field, or by costs.
+    // Weighs keys as a segmenter does, by the counts or the costs in their first field.
     void weighCounts() {
         double total = 0;
         for (const auto& [key, data] : m_union) total += std::stod(data);
@@ -156,7 +157,7 @@ private:
         }
     }
 
-    // Without what the options leave out, however the keys are chosen.
+    // The keys without those that the options leave out in every mode.
     static ModelKeys candidates(const ModelKeys& all, const DictionaryFindOptions& options) {
         ModelKeys candidates(all.size());
         for (std::size_t from = 0; from < all.size(); ++from) {
@@ -176,7 +177,7 @@ private:
         return m_areCounts ? std::log(number) - m_logTotal : -number;
     }
 
-    // By place, the key that begins there on the cheapest way from there to the end.
+    // For each place, the key that begins there on the cheapest way to the end.
     std::vector<const ModelKey*> cheapest(const ModelKeys& keys) const {
         std::vector<const ModelKey*> chosen(keys.size());
         std::vector<double> best(keys.size() + 1);
@@ -193,7 +194,7 @@ private:
     }
 
     std::vector<Image> m_images;
-    Words m_union;  // a key of several images as the last of them has it
+    Words m_union;  // a key of several images has the data of the last one
     double m_logTotal = 0;
     double m_unknown = 0;
     bool m_areCounts = false;

@@ -1,4 +1,4 @@
-// Matches, against a model that knows a text as characters and the keys as a map.
+// Compares matches with a model, in which a text is a list of characters and the keys are in a map.
 
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ bool add(void* found, const DictionaryMatch* match) {
     return true;
 }
 
-// The same by columns.
+// The same in columns.
 Found inColumns(const Handle& handle, const DictionaryFindOptions& options, DictionaryText text) {
     Found found;
     DictionaryColumns columns = {};
@@ -52,7 +52,7 @@ Found inColumns(const Handle& handle, const DictionaryFindOptions& options, Dict
     return found;
 }
 
-// Matches of a text, found once as a list, once one by one and once in columns.
+// The matches of a text, found in three ways: as a list, one by one and in columns.
 Found found(const Handle& handle, const DictionaryFindOptions& options, const std::string& text) {
     DictionaryMatches matches = {};
     DictionaryError error;
@@ -87,7 +87,8 @@ std::string replaced(const Handle& handle, const DictionaryFindOptions& options,
     return answer;
 }
 
-// The text with the first field of each of its segments, which are measured in bytes.
+// The text with each segment replaced by the first field of its data. Segments are measured in
+// bytes.
 std::string replacedSlowly(const Found& segments, const std::string& text) {
     std::string result;
     std::size_t done = 0;
@@ -98,7 +99,7 @@ std::string replacedSlowly(const Found& segments, const std::string& text) {
     return result + text.substr(done);
 }
 
-// One image or a set of several, twice: as they are and as maps.
+// One image or a set of several, and the same as maps.
 class World {
 public:
     explicit World(const std::vector<Source>& sources) : m_model(sources) {
@@ -121,7 +122,7 @@ public:
                                              : m_model.weighCosts(unknownCost);
     }
 
-    // What is found and replaced, by any options, equals what the model finds.
+    // Expects that, with any options, what is found and replaced equals what the model finds.
     void expectModel(const Text& text, int unit) const {
         const std::string bytes = text.bytes(0, text.size());
         const ModelKeys keys = m_model.keysIn(text, kLongest);
@@ -140,7 +141,7 @@ public:
         }
     }
 
-    static constexpr std::size_t kLongest = 4;  // key, in characters
+    static constexpr std::size_t kLongest = 4;  // longest key, in characters
 
 private:
     static bool isSegmentation(int mode) {
@@ -230,7 +231,7 @@ TEST(Match, EqualsTheModelInLongTexts) {
     Dice dice;
     for (int round = 0; round < 4 && !testing::Test::HasFailure(); ++round) {
         std::vector<Source> sources = dice.sources();
-        // Words do not end at the same places in both.
+        // Words end at different places in plain and in folded text.
         for (const bool isFolded : {false, true}) sources.push_back({{{"a", "1"}}, isFolded});
         World world(sources);
         world.weigh(DICTIONARY_WEIGHTS_COSTS, 7);
@@ -308,7 +309,7 @@ TEST(Match, SeveralTextsShareAList) {
 
 TEST(Match, AVisitorStopsWhereItWantsTo) {
     const Handle image = imageOf({{"a", "1"}, {"ab", "2"}});
-    // What is behind it is not even read.
+    // What comes after it is not even read.
     const std::string text = "ab";
     const DictionaryText longer = {text.data(), std::size_t{1} << 30};
     DictionaryError error;

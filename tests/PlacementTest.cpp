@@ -1,4 +1,4 @@
-// The fast build against the literal one: identical cells, whatever the keys.
+// Compares the fast build with the literal one: the cells are identical, whatever the keys.
 
 #include <gtest/gtest.h>
 
@@ -65,7 +65,7 @@ std::vector<std::string> randomKeys(const KeySet& set, std::mt19937& random) {
     return keys;
 }
 
-// Compares the raw cells, which show free ones apart from used ones.
+// Compares the raw cells, in which free cells differ from used ones.
 void expectSameCells(CDATWriter& writer, LiteralTrie& literal, const KeySet& set) {
     const int count = literal.cellCount();
     std::vector<std::array<int, 3>> cells(static_cast<std::size_t>(count) + 1, {9, 9, 9});
@@ -79,7 +79,7 @@ void expectSameCells(CDATWriter& writer, LiteralTrie& literal, const KeySet& set
     }
 }
 
-// The operations that take one node go on where a whole build ended.
+// The operations that take one node continue where a whole build ended.
 void expectSameBases(CDATWriter& writer, LiteralTrie& literal) {
     writer.reallocBC(2 * literal.cellCount());
     for (int start = 0; start < literal.cellCount(); start += 1 + literal.cellCount() / 3) {
@@ -102,7 +102,7 @@ void buildBothWays(const KeySet& set) {
     LiteralTrie literal(coder.getNumOfSingleWord());
     const auto add = [&](const std::string& key) {
         std::string feature = std::to_string(random() % 5);
-        // Texts are ordered whole, but written up to their first NUL.
+        // Feature strings are ordered as a whole, but written up to their first NUL.
         if (random() % 2 == 0) feature += '\0' + std::to_string(random() % 999);
         std::vector<int> codes;
         for (const char letter : key) {
@@ -126,7 +126,8 @@ void buildBothWays(const KeySet& set) {
     };
     for (const std::string& key : randomKeys(set, random)) add(key);
     build();
-    // A writer's dump makes its array one cell longer; a second build starts from a fresh one.
+    // A second build starts with fresh cells. Cells are compared only after it, as a dump makes the
+    // array one cell longer.
     if (set.seed % 3 == 0) {
         for (const std::string& key : randomKeys(set, random)) add(key);
         build();
@@ -146,7 +147,7 @@ TEST(Placement, EqualsTheLiteralRules) {
     }
 }
 
-// Places a random trie node by node, through the operations that take one node.
+// Places a trie node by node, with the operations that take one node.
 TEST(Placement, NodeByNodeEqualsAWholeBuild) {
     const Quiet quiet;
     LetterCoder coder;
@@ -192,7 +193,7 @@ TEST(Placement, NodeByNodeEqualsAWholeBuild) {
     EXPECT_EQ(0, std::memcmp(wholeImage.get(), singleImage.get(),
                              static_cast<std::size_t>(whole.imageSize())));
 
-    // Without a clear, features are appended once more.
+    // Without a clear, features are appended again.
     single.writeFeature();
     const std::unique_ptr<char[]> longer(single.write());
     EXPECT_EQ(single.imageSize(), whole.imageSize() + 12 + static_cast<int>(sizeof "same" - 1 + 4));
@@ -242,8 +243,8 @@ public:
     }
 };
 
-// A node whose labels have all differences up to the square of kSide shares that many cells with no
-// other of its kind.
+// The labels of a node have all differences up to the square of kSide. So two such nodes must be at
+// least that many cells apart.
 TEST(Placement, KnowsWhatCannotFit) {
     constexpr int kSide = 2000;
     NumberCoder coder;
@@ -298,7 +299,7 @@ TEST(Placement, GivesOutCellsBelowTheLimitOnly) {
             EXPECT_EQ(cells.findBase(leading, {1, 3}), limit > last ? last - 3 : -1) << leading;
             if (limit == last) continue;
             cells.takeChild(last, 1);
-            // What counts cells stops where an image would not hold them.
+            // The count of cells stops where an image could not hold more.
             for (const int count : {limit, limit + 1, limit + 1}) {
                 EXPECT_EQ(cells.countOneMore(), count);
             }
@@ -321,7 +322,7 @@ TEST(Placement, CanBeStoppedWhereNothingIsReported) {
     builder.storeFeatures();
     builder.makeTrie();
     EXPECT_EQ(builder.place(calls), Dictionary::Placement::kPlaced);
-    // Four nodes that 49 keys pass each.
+    // Four nodes, each passed by 49 keys.
     EXPECT_EQ(calls.pauses, (std::vector<std::uint64_t>{49, 147}));
     EXPECT_TRUE(calls.reports.empty());
 }

@@ -1,6 +1,7 @@
-// Whole dictionaries. A real one, the word list of the Debian package edict, is held against a
-// plain map: every key with its data, and everything found in a real text; where the library marisa
-// is installed, against that, too. Its image and the sample's are pinned to the byte.
+// Whole dictionaries. A real one, the word list of the Debian package edict, is compared with a
+// plain map: every key with its data, and everything found in a real text. Where the library marisa
+// is installed, what is found is compared with that, too. The images of this dictionary and of the
+// sample are pinned to the byte.
 
 #if __has_include(<marisa.h>)
 #include <marisa.h>
@@ -24,7 +25,7 @@ constexpr std::size_t kTextBytes = 300000;
 using Words = std::map<std::string, std::string>;  // key to feature text
 using Groups = std::vector<std::vector<std::pair<int, std::string>>>;
 
-// Takes headword, blank and data from each line and puts them into `source`.
+// Takes a headword and data, with a blank between them, from each line and writes them to `source`.
 Words wordsOf(const std::string& text, const TemporaryFile& source) {
     Words words;
     std::ofstream records(source.path(), std::ios::binary);
@@ -40,11 +41,11 @@ Words wordsOf(const std::string& text, const TemporaryFile& source) {
     return words;
 }
 
-// Every key by its start, first and last byte of the longest words one after the other, and the two
-// results of search.
+// The keys by their start, the first and last byte of the longest words one after the other, and
+// the two results of search.
 using Findings = std::tuple<Groups, std::vector<std::pair<int, int>>, std::string, std::string>;
 
-// Looks every piece of `text` up that is a key or begins one.
+// Looks up every piece of `text` that is a key or begins one.
 Findings findingsOf(const Words& words, const std::string& text) {
     Findings findings;
     auto& [groups, longest, keys, keysWithData] = findings;

@@ -43,7 +43,7 @@ TEST(RecordReader, CutsAWholeFile) {
         {full + "y\nz\n", "\n", {"y", "z"}, tooLong},
         {"\n" + most + y + "b\nz\n", "\n", {"", most + "b", "z"}, tooLong + most}};
     for (const auto& [content, separator, records, message] : cases) {
-        // Named anew, as a lambda cannot capture what a structured binding names.
+        // Renamed, as a lambda cannot capture structured bindings.
         const auto cut = [&, &file = content, &by = separator, &expected = records] {
             EXPECT_TRUE(recordsOf(file, by) == expected);
         };

@@ -35,9 +35,9 @@ inline std::string joined(const Characters& text, std::size_t from, std::size_t 
 
 constexpr double kUnknownCost = 7;
 
-// The pieces of the cheapest way to cut a text, keys in brackets; no key has more than `longest`
-// characters, or begins or ends at a character of `closed`. Costs are whole numbers, so that sums
-// are exact.
+// The pieces of the cheapest way to cut a text, with keys in brackets. No key has more than
+// `longest` characters. No piece that is a key begins or ends at a place that is set in `closed`.
+// Costs are whole numbers, so that sums are exact.
 inline std::string cheapestPieces(const Words& costs, const Characters& text, std::size_t longest,
                                   std::vector<bool> closed = {}) {
     closed.resize(text.size() + 1);

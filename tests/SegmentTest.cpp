@@ -1,4 +1,4 @@
-// Segmentation by weight and replacement, against slow ways to do both.
+// Compares segmentation by weight, and replacement, with slow ways to do both.
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ DictionaryText textOf(const std::string& text) {
     return {text.data(), text.size()};
 }
 
-// An open dictionary with what a test wants of it.
+// An open dictionary with what tests ask of it.
 class Subject {
 public:
     explicit Subject(const Words& words) : m_handle(imageOf(words)) {}
@@ -30,7 +30,7 @@ public:
         dictionaryFreeReplacement(&m_replacement);
     }
 
-    // Makes the segmenter; returns the error.
+    // Makes the segmenter. Returns the error.
     DictionaryError weigh(int weights, unsigned field, double unknownCost = 0) {
         const DictionarySegmenterOptions options = {sizeof options, weights, field, unknownCost};
         DictionaryError error;
@@ -64,7 +64,7 @@ public:
         return Pieces(found.items, found.items + found.count);
     }
 
-    // The pieces, keys in brackets.
+    // The pieces, with keys in brackets.
     std::string pieces(const std::string& text, bool joinedRuns = false) {
         const DictionaryMatches& found = find(text, DICTIONARY_UNIT_BYTE, joinedRuns);
         std::string pieces;
@@ -98,14 +98,14 @@ private:
     DictionaryReplacement m_replacement = {};
 };
 
-// The cheapest way to cut what follows a place, with costs that are whole numbers, and so exact.
+// The cheapest way to cut the rest of a text. Costs are whole numbers, so that sums are exact.
 struct Cut {
     double cost = std::numeric_limits<double>::infinity();
     std::string pieces;
 };
 
-// Of all ways to cut the text from character `from` on, in the order of their first words, the
-// longest first.
+// The cheapest of all ways to cut the text from character `from` on. Ways with longer first words
+// are tried first, and win among equals.
 Cut cheapestOfAll(const Words& costs, const Characters& text, std::size_t from) {
     if (from == text.size()) return {0, ""};
     Cut best;
@@ -180,13 +180,13 @@ TEST(Segment, CutsLongTextsAsOne) {
     subject.weigh(DICTIONARY_WEIGHTS_COSTS, 1, kUnknownCost);
     const Characters text = random.text(60'000);
     EXPECT_EQ(subject.pieces(joined(text, 0, text.size())), cheapestPieces(costs, text, 3));
-    // Sequences that never begin leave no place to cut a text in two but between any of them.
+    // In a text of continuation bytes alone no character begins, so it may be cut between any two.
     const std::string rubbish(100'000, '\x80');
     EXPECT_EQ(subject.find(rubbish, DICTIONARY_UNIT_BYTE).count, rubbish.size());
 }
 
-// Long texts are cut in two so many bytes before their end. If that cut a character, what follows
-// it would be weighed wrongly.
+// Long texts are cut in two this many bytes before their end. If that cut a character, what follows
+// would be weighed wrongly.
 TEST(Segment, CutsNoCharacterOfALongText) {
     constexpr std::size_t kWindowBytes = 1 << 15;
     Subject subject({{"😀", "0"}, {"😀a", "3"}, {"ab", "0"}, {"x", "1"}});
@@ -197,7 +197,7 @@ TEST(Segment, CutsNoCharacterOfALongText) {
     }
 }
 
-// Words, some with more marks than a piece of the text, go on from one piece to the next.
+// Words go on from one piece of the text to the next. Some have more marks than fit into a piece.
 TEST(Segment, CutsLongTextsAtWholeWordsAsOne) {
     const Characters letters = {"a", "é", "\u0301", "中", "-"};
     Random random;
@@ -240,12 +240,12 @@ TEST(Segment, FindsKeysLongerThanAnyPiece) {
     }
 }
 
-// A rare long word against two frequent ones, by count: 2 of 100, and 50 and 20 of 100.
+// By count, "a" and "bc" with 50 and 28 of 100 win against the rare "ab" and "c" with 2 and 20.
 TEST(Segment, ReadsCounts) {
     Subject subject({{"ab", "x\t2"}, {"a", "x\t50\na\ty\t1"}, {"bc", "x\t28"}, {"c", "x\t20"}});
     ASSERT_EQ(subject.weigh(DICTIONARY_WEIGHTS_COUNTS, 2).code, DICTIONARY_OK);
     EXPECT_EQ(subject.pieces("abc"), "[a][bc]");
-    // No key begins with b alone; an unknown character counts 1.
+    // The second b is no key; an unknown character counts 1.
     EXPECT_EQ(subject.pieces("abb"), "[ab]b/");
     EXPECT_EQ(subject.pieces(""), "");
 }
@@ -272,7 +272,7 @@ TEST(Segment, RefusesWhatIsNoWeight) {
         {"n\t1x", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_BAD_WEIGHT, "\"1x\" in field 2"},
         {"n\tnan", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_BAD_WEIGHT, "\"nan\" in field 2"},
         {"n\t1e999", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_BAD_WEIGHT, "\"1e999\" in field 2"},
-        // No more of a long one than 80 bytes, in whole characters.
+        // Of a long one, at most 80 bytes are shown, in whole characters.
         {"n\t中中中中中中中中中中中中中中中中中中中中中中中中中中中中", DICTIONARY_WEIGHTS_COSTS,
          DICTIONARY_BAD_WEIGHT, "\"中中中中中中中中中中中中中中中中中中中中中中中中中中\" in"},
         {"n\t-1e3", DICTIONARY_WEIGHTS_COSTS, DICTIONARY_OK, ""},
@@ -330,7 +330,7 @@ Edits editsOf(const DictionaryReplacement& result) {
     return edits;
 }
 
-// What is legal in UTF-8 measured in a unit.
+// The length of legal UTF-8 in a unit.
 std::size_t lengthOf(const std::string& text, int unit) {
     std::size_t units = 0;
     for (const char byte : text) {
@@ -342,7 +342,7 @@ std::size_t lengthOf(const std::string& text, int unit) {
     return units;
 }
 
-// The replacement of a text as its pieces in bytes and in another unit have it.
+// Puts the replacement of a text together from its pieces, in bytes and in another unit.
 TEST(Replace, SaysWhatBecameOfWhat) {
     Random random;
     const Words words = random.words(20, [&] { return random.key(4) + "\t3"; });

@@ -1,4 +1,4 @@
-// Slow and obvious twins of what the library does with texts.
+// Slow and obvious ways to do what the library does with texts.
 
 #ifndef TESTS_SLOW_TEXT_H
 #define TESTS_SLOW_TEXT_H
@@ -11,7 +11,7 @@
 #include "StringUtil.h"
 #include "UnicodeConversion.h"
 
-// Reads the first character of `bytes` by its bits.
+// Reads the first character of `bytes` bit by bit.
 inline ConversionResult readSlowly(const std::string& bytes, uint32_t& value, long& length) {
     static const uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
     const auto lead = static_cast<uint8_t>(bytes[0]);

@@ -106,7 +106,7 @@ TEST(StringUtil, CountsSelectedItems) {
     }
 }
 
-// The result, then daylight saving, date and time of day, each 7 where it is left alone.
+// The result, then daylight saving, date and time of day. Each is 7 if it was left alone.
 using Fields = std::vector<int>;
 
 Fields readTime(const char* text) {

@@ -12,7 +12,7 @@
 #include <iterator>
 #include <string>
 
-// A file of its own name with the given bytes, removed at the end.
+// A file with a unique name and the given bytes. The destructor removes it.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const std::string& content = "") {
@@ -44,7 +44,7 @@ Printed printedBy(Action action) {
     return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
 
-// The descriptor that the next file to be opened gets.
+// The descriptor that the next file to be opened will get.
 inline int nextDescriptor() {
     const int descriptor = open("/dev/null", O_RDONLY);
     close(descriptor);
@@ -55,7 +55,7 @@ inline long openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-// Closes at the end the source that the plain build in its scope leaves open.
+// Closes, at the end of a scope, the source that the plain build in it leaves open.
 class SourceCloser {
 public:
     ~SourceCloser() { close(m_source); }

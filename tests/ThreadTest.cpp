@@ -29,7 +29,7 @@ std::string answer(void* handle, const DictionaryHandle* image, const std::strin
     char* const found = search(text.c_str(), handle, true);
     std::string all = found;
     freeResult(found);
-    // What loadBin returns is for search alone.
+    // What loadBin returns is only for search.
     if (image == nullptr) return all;
     DictionaryFindOptions options = {};
     options.size = sizeof options;

@@ -28,7 +28,7 @@ Encoding encode(const char* text, int length) {
     return encoding;
 }
 
-// The same, a character at a time.
+// The same, one character at a time.
 Encoding encodeSlowly(const char* text, int length) {
     const auto size = static_cast<int>(std::strlen(text));
     const auto* const start = reinterpret_cast<const uint8_t*>(text);

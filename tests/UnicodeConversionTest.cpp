@@ -31,7 +31,7 @@ Outcome<Target> convert(Conversion<Source, Target> conversion, const std::vector
     return {result, from - source.data(), output};
 }
 
-// Makes a conversion of the whole source out of one that takes a character a call.
+// Makes a conversion of the whole source out of one that converts one character per call.
 template <auto kConvertOne, typename Source, typename Target>
 ConversionResult repeated(const Source** source, const Source* sourceEnd, Target** target,
                           Target* targetEnd, ConversionFlags flags) {
@@ -42,7 +42,8 @@ ConversionResult repeated(const Source** source, const Source* sourceEnd, Target
     return result;
 }
 
-// Whether `source` is converted to `target`, and with less room the conversion can be continued.
+// Checks that `source` is converted to `target`, and that with less room the conversion can be
+// continued.
 template <typename Source, typename Target>
 void checkRooms(Conversion<Source, Target> conversion, const std::vector<Source>& source,
                 const std::vector<Target>& target, std::size_t room) {

@@ -1,4 +1,4 @@
-// Walks that advance together against walks one by one, for every kind of machine.
+// Compares walks that advance together with walks one by one, for every kind of machine.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ using Dictionary::TextSearch;
 
 using Found = std::vector<std::tuple<std::size_t, std::size_t, std::int32_t>>;
 
-// By place, whether keys may neither begin nor end there.
+// For each place, whether it is closed: no key may begin or end there.
 using Closed = std::vector<std::uint8_t>;
 
 Found oneByOne(const Dictionary::CellView& cells, const EncodedText& text, std::int32_t alphabet,
@@ -75,7 +75,7 @@ TEST(WalkGroup, FindsWhatWalksOneByOneFind) {
         const unsigned letters = 1 + random() % 4;
         std::vector<std::string> keys;
         for (int i = 0; i < 40; ++i) keys.push_back(text(1 + random() % 6, letters));
-        // In a text of one letter these go on after the steps of a group.
+        // In a text of one letter, walks to these keys take more steps than a group does.
         for (std::size_t size = 1; round % 10 == 0 && size < 90; ++size)
             keys.push_back(text(size, 1));
         const std::unique_ptr<char[]> image = imageOf(coder, keys);

@@ -1,5 +1,5 @@
-// Where words begin and end, and what folding makes of letters: the rules by examples. That the
-// rules hold over all of Unicode and over real texts is shown by tests/words.
+// Where words begin and end, and how letters are folded: the rules by examples. tests/words shows
+// that they hold for all of Unicode and for real texts.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ namespace {
 
 using namespace Dictionary;
 
-// The words of a text as they are cut: "|" at each place that is inside of none.
+// The text with "|" at each place that is not inside a word.
 std::string cut(const std::string& text) {
     const EncodedText encoded(text.data(), text.size(), EncodedText::kPassOver);
     const Words<EncodedText> words(encoded);
