@@ -109,7 +109,7 @@ int CDictionayApp::writeBinaryDic(const char* fileName) {
         fileName == nullptr ? nullptr : std::fopen(fileName, "wb"));
     if (file == nullptr) return 0;
     // A buffer would cut up the pieces.
-    std::setvbuf(file.get(), nullptr, _IONBF, 0);
+    std::setbuf(file.get(), nullptr);
     // The image goes to the file piece by piece, so that it is never in memory twice.
     m_writer->m_imageSize = m_writer->m_builder->writeImage(
         [](std::int32_t size) {
