@@ -1,14 +1,13 @@
 /// @file
 /// The dictionary for hosts in C++17: owners instead of handles, exceptions instead of codes,
-/// ranges and views instead of lists. All of it is inline, over Dictionary.h, which says of each
-/// call what it does, what it takes and which threads may make it.
+/// ranges and views instead of lists. Everything is inline and calls Dictionary.h. That header says
+/// what each call does, what it takes and which threads may make it.
 ///
 ///     const auto words = dictionary::Image::open("words.bin");
 ///     for (const dictionary::Match& match : words.find(text)) { ... match.data ... }
 ///
-/// Views of data texts last as long as the image. Whatever goes wrong is thrown as
-/// dictionary::Error with its record, or as std::bad_alloc; what a callback of the caller's throws
-/// passes through.
+/// Views of data texts last as long as the image. Errors are thrown as dictionary::Error, which has
+/// the error record, or as std::bad_alloc. What the caller's callback throws passes through.
 
 #ifndef DICTIONARY_DICTIONARY_HPP
 #define DICTIONARY_DICTIONARY_HPP
@@ -47,10 +46,10 @@ public:
         m_record.path = m_path->c_str();
     }
 
-    /// Lasts as long as this error and its copies; so does the path in it.
+    /// The record, which lasts as long as this object. The path in it lasts as long as any copy.
     const DictionaryError& record() const noexcept { return m_record; }
     int code() const noexcept { return m_record.code; }  ///< one of DictionaryCode
-    /// Whether what was asked for was done nevertheless.
+    /// Whether what was asked for was done anyway.
     bool isWarning() const noexcept { return m_record.severity == DICTIONARY_WARNING; }
 
 private:
@@ -108,8 +107,8 @@ private:
 
 /// A field of a data text.
 struct Field {
-    std::string_view text;  ///< in the data text
-    bool beginsRecord;      ///< a repeated key has several records
+    std::string_view text;  ///< part of the data text
+    bool beginsRecord;      ///< the first of a record; a repeated key has several records
 };
 
 /// The fields of a data text.
@@ -123,7 +122,7 @@ inline std::vector<Field> fieldsOf(std::string_view data) {
     return fields;
 }
 
-/// The same as records of fields: one for each time that the key was in the source.
+/// The same fields, by record: one record for each time that the key was in the source.
 inline std::vector<std::vector<std::string_view>> recordsOf(std::string_view data) {
     std::vector<std::vector<std::string_view>> records;
     for (const Field& field : fieldsOf(data)) {
@@ -166,14 +165,14 @@ class Segmenter;
 struct FindOptions {
     FindMode mode = FindMode::all;         ///< which keys are found
     Unit unit = Unit::byte;                ///< what offsets count
-    const Segmenter* segmenter = nullptr;  ///< for FindMode::weighted alone
+    const Segmenter* segmenter = nullptr;  ///< only for FindMode::weighted, which needs one
     bool wholeWords = false;               ///< no match begins or ends inside a word
-    bool everyImage = false;               ///< of a set: the same key in each image that has it
-    bool unknownPieces = false;            ///< also the pieces that are no key
-    bool joinedRuns = false;               ///< ASCII letters and digits in a row are one such piece
+    bool everyImage = false;               ///< in a set, find a key in each image that has it
+    bool unknownPieces = false;            ///< also find the pieces that are not keys
+    bool joinedRuns = false;               ///< a run of ASCII letters and digits is one such piece
 
     FindOptions() = default;
-    /// A mode alone, where nothing else is asked for.
+    /// Only a mode and a unit, so that these can be passed in place of options.
     FindOptions(FindMode findMode, Unit findUnit = Unit::byte) : mode(findMode), unit(findUnit) {}
 };
 
@@ -181,12 +180,12 @@ struct FindOptions {
 struct Match {
     std::size_t start;         ///< in the unit
     std::size_t length;        ///< in the unit
-    std::string_view data;     ///< of the key
+    std::string_view data;     ///< the key's data text
     std::uint32_t dataNumber;  ///< the data text's number in its image
     std::uint32_t image;       ///< number of the image in a set, else 0
-    bool isKey;                ///< false of a piece that is none
+    bool isKey;                ///< false for a piece that is not a key
 
-    /// What a function of Dictionary.h found.
+    /// Takes over what a function of Dictionary.h found.
     explicit Match(const DictionaryMatch& match)
         : start(match.start),
           length(match.length),
@@ -201,9 +200,9 @@ struct Match {
 class Columns {
 public:
     Columns() = default;
-    /// Takes the matches of `other`, which has none after it.
+    /// Takes the matches of `other`, which is empty afterwards.
     Columns(Columns&& other) noexcept : m_columns(std::exchange(other.m_columns, {})) {}
-    /// Exchanges the matches of both.
+    /// Swaps the matches of both.
     Columns& operator=(Columns&& other) noexcept {
         std::swap(m_columns, other.m_columns);
         return *this;
@@ -218,7 +217,7 @@ public:
     const std::uint32_t* start() const { return m_columns.start; }
     /// Where they end, in the unit, exclusive.
     const std::uint32_t* end() const { return m_columns.end; }
-    /// Numbers of the data texts; UINT32_MAX of no key.
+    /// Numbers of the data texts; UINT32_MAX for a piece that is not a key.
     const std::uint32_t* dataNumber() const { return m_columns.dataNumber; }
     /// Numbers of the images in a set, else 0.
     const std::uint32_t* image() const { return m_columns.image; }
@@ -233,7 +232,7 @@ private:
 /// What takes the place of a key; see DictionaryReplaceOptions.
 struct ReplaceOptions {
     unsigned field = 1;        ///< number of the data field, from 1
-    std::string alternatives;  ///< what separates alternatives; empty: the field is one text
+    std::string alternatives;  ///< what separates alternatives; empty if the field is one text
     bool removeEmpty = false;  ///< an empty or missing field removes the key
 };
 
@@ -246,7 +245,8 @@ struct Key {
     std::uint32_t image;    ///< number of the image in a set, else 0
 };
 
-/// The keys that begin with a prefix, in order, to be gone through once.
+/// The keys that begin with a prefix, in order. They can be iterated over once, while the image is
+/// open.
 class Keys {
 public:
     class iterator {
@@ -309,9 +309,9 @@ private:
 
 // ---- Images ----
 
-/// An open dictionary, which can be moved but not copied. Any number of threads may use it at once;
-/// moving and destroying must not overlap with any other use. One that was moved from may only be
-/// destroyed and assigned to.
+/// An open dictionary, which can be moved but not copied. Any number of threads may use it at once,
+/// but nothing else may use it while it is moved or destroyed. After it was moved from, it may only
+/// be destroyed or assigned to.
 class Image {
 public:
     /// Verifies and opens an image file.
@@ -321,7 +321,7 @@ public:
         });
     }
 
-    /// Verifies and opens an image in memory, by OpenMode::copy or OpenMode::borrow.
+    /// Verifies and opens an image in memory, with OpenMode::copy or OpenMode::borrow.
     static Image openBytes(std::string_view bytes, OpenMode mode = OpenMode::copy) {
         return make([&](DictionaryError* error) {
             return dictionaryOpenBytes(detail::textOf(bytes), static_cast<int>(mode), error);
@@ -338,7 +338,7 @@ public:
         });
     }
 
-    /// For the functions of Dictionary.h. It stays the image's.
+    /// For the functions of Dictionary.h. The image still owns it.
     DictionaryHandle* handle() const noexcept { return m_handle.get(); }
 
     /// What the image holds.
@@ -358,7 +358,7 @@ public:
         return detail::viewOf(dictionaryImageBytes(handle(), image));
     }
 
-    /// The data text of `key`; none when it is no key.
+    /// The data text of `key`; std::nullopt if it is not a key.
     std::optional<std::string_view> lookup(std::string_view key) const {
         DictionaryText data;
         if (!dictionaryLookupKey(handle(), detail::textOf(key), &data)) return std::nullopt;
@@ -370,8 +370,8 @@ public:
         return dictionaryLookupKey(handle(), detail::textOf(key), nullptr);
     }
 
-    /// The data texts of many keys, in their order, which takes less time than one by one. `keys`
-    /// is a range of what becomes a std::string_view.
+    /// The data texts of many keys, in their order, in less time than one by one. `keys` is a range
+    /// of elements that convert to std::string_view.
     template <class Range>
     std::vector<std::optional<std::string_view>> lookupEach(const Range& keys) const {
         const std::vector<DictionaryText> texts = textsOf(keys);
@@ -387,7 +387,7 @@ public:
     /// The keys that begin with `prefix`, in order.
     Keys keys(std::string_view prefix = {}) const { return {handle(), prefix}; }
 
-    /// The matches of `text`, by start.
+    /// The matches of `text`, in the order of their starts.
     std::vector<Match> find(std::string_view text, const FindOptions& options = {}) const {
         List list;
         const DictionaryFindOptions given = optionsOf(options);
@@ -432,13 +432,13 @@ public:
         return found;
     }
 
-    /// The data text with that number; empty when there is none.
+    /// The data text with that number; empty if there is none.
     std::string_view dataAt(std::uint32_t dataNumber, std::uint32_t image = 0) const {
         return detail::viewOf(dictionaryDataAt(handle(), image, dataNumber));
     }
 
-    /// Calls `visit(match)` for each match of `text`, by start, until it returns false; false then.
-    /// A `visit` that returns nothing sees them all.
+    /// Calls `visit(match)` for each match of `text`, in the order of their starts, until it
+    /// returns false. Returns false if it did. A `visit` that returns void sees all matches.
     template <class Visit>
     bool visit(std::string_view text, const FindOptions& options, Visit&& visit) const {
         using Visitor = std::remove_reference_t<Visit>;
@@ -537,7 +537,7 @@ private:
     std::unique_ptr<DictionaryHandle, Close> m_handle;
 };
 
-/// Throws Error unless the file is an image over which every lookup stays inside.
+/// Throws Error unless the file is an image and no lookup reads outside it.
 inline void verifyImage(const std::string& path) {
     DictionaryError error;
     detail::require(dictionaryVerifyImage(path.c_str(), &error), error);
@@ -557,8 +557,8 @@ enum class Weights { counts = DICTIONARY_WEIGHTS_COUNTS, costs = DICTIONARY_WEIG
 /// Weights for FindMode::weighted. The image must stay open, but may be moved.
 class Segmenter {
 public:
-    /// Reads the weights of all keys from the data field of that number, from 1. `unknownCost` is
-    /// what an unknown character costs, with Weights::costs alone.
+    /// Reads the weight of every key from data field number `field`, counted from 1. `unknownCost`
+    /// is what an unknown character costs; it is used only with Weights::costs.
     explicit Segmenter(const Image& image, Weights weights = Weights::counts, unsigned field = 1,
                        double unknownCost = 0) {
         DictionarySegmenterOptions options = {};
@@ -571,7 +571,7 @@ public:
         if (m_segmenter == nullptr) detail::require(error.code, error);
     }
 
-    /// For the functions of Dictionary.h. It stays the segmenter's.
+    /// For the functions of Dictionary.h. This object still owns it.
     const DictionarySegmenter* segmenter() const noexcept { return m_segmenter.get(); }
 
 private:
@@ -609,10 +609,10 @@ enum class Stage {
 /// How a source is read; see DictionaryBuildOptions.
 struct BuildOptions {
     std::string fieldSeparator = "\t";   ///< in the notation of getEscapeSeparator
-    std::string recordSeparator = "\n";  ///< likewise
-    unsigned problemLimit = 0;           ///< 0 for 100
-    bool lenient = false;                ///< some errors are warnings
-    bool fromWindows = false;            ///< carriage returns and a byte-order mark are no data
+    std::string recordSeparator = "\n";  ///< in the same notation
+    unsigned problemLimit = 0;           ///< how many problems to report at most; 0 means 100
+    bool lenient = false;                ///< some errors are only warnings
+    bool fromWindows = false;            ///< carriage returns and a byte-order mark are not data
     bool allowEmpty = false;             ///< a source without records makes an empty image
     bool folded = false;                 ///< letters are folded; see docs/words.md
     /// Returns false to stop the build. May be empty.
@@ -621,7 +621,7 @@ struct BuildOptions {
 
 /// What a build did: what it counted, and its problems in the order of the source.
 struct Built {
-    DictionaryBuildReport report;  ///< how many of what
+    DictionaryBuildReport report;  ///< what it counted
     std::vector<Error> problems;   ///< as many as the options allow
 
     /// Whether any problem is more than a warning.
@@ -633,17 +633,17 @@ struct Built {
     }
 };
 
-/// A build that made no image; the error is the first one.
+/// Thrown when a build made no image. It is the build's first error.
 class BuildError : public Error {
 public:
-    /// The first error, and all that the build did.
+    /// `first` is the first error, `built` everything that the build did.
     BuildError(const DictionaryError& first, Built built)
         : Error(first), m_built(std::make_shared<const Built>(std::move(built))) {}
 
-    /// Of every severity, in the order of the source. Empty where the build was called wrongly, or
-    /// stopped before there were any.
+    /// Problems of every severity, in the order of the source. There are none if the build was
+    /// called wrongly, or was stopped before it found any.
     const std::vector<Error>& problems() const noexcept { return m_built->problems; }
-    /// How many of what the build read before it ended.
+    /// What the build counted before it ended.
     const DictionaryBuildReport& report() const noexcept { return m_built->report; }
 
 private:
@@ -654,9 +654,9 @@ private:
 class ImageBuffer {
 public:
     ImageBuffer() = default;
-    /// Takes the image of `other`, which has none after it.
+    /// Takes the image of `other`, which is empty afterwards.
     ImageBuffer(ImageBuffer&& other) noexcept : m_buffer(std::exchange(other.m_buffer, {})) {}
-    /// Exchanges the images of both.
+    /// Swaps the images of both.
     ImageBuffer& operator=(ImageBuffer&& other) noexcept {
         std::swap(m_buffer, other.m_buffer);
         return *this;
@@ -674,8 +674,8 @@ private:
 
 namespace detail {
 
-/// A range of items, handed out one by one. An item is a pair of a key and its data: one field, or
-/// a range of fields; each becomes a std::string_view.
+/// A range of items, handed out one by one. An item is a pair of a key and its data. The data is
+/// one field or a range of fields. Key and fields convert to std::string_view.
 template <class Range>
 class Items {
 public:
@@ -688,7 +688,7 @@ public:
             isItem = items.take(*fields, *count);
             return true;
         });
-        if (!isTaken) throw std::bad_alloc();  // it stops the build, and goes no further
+        if (!isTaken) throw std::bad_alloc();  // stops the build; the library catches it
         return isItem;
     }
 
@@ -698,7 +698,7 @@ private:
     using Iterator = decltype(std::begin(std::declval<const Range&>()));
     using End = decltype(std::end(std::declval<const Range&>()));
     using Item = decltype(*std::declval<Iterator&>());
-    /// An item that the iterator makes lasts until the next one is asked for.
+    /// An item that the iterator returns by value is kept until the next one is asked for.
     using Kept =
         std::conditional_t<std::is_lvalue_reference_v<Item>, std::remove_reference_t<Item>*,
                            std::optional<std::decay_t<Item>>>;
@@ -756,7 +756,7 @@ public:
     }
     Build(const Build&) = delete;
 
-    /// Returns the code of the first error, with what a callback threw thrown again.
+    /// Returns the code of the first error. Rethrows what a callback threw.
     int run(const DictionarySource& source, const DictionaryTarget& target) {
         const int code = dictionaryBuildFrom(&source, &target, &m_given, &m_built.report, &m_error);
         m_thrown.rethrow();
@@ -769,7 +769,7 @@ public:
         return std::move(m_built);
     }
 
-    /// The same when the source is only checked: what is wrong with it is no exception.
+    /// The same if the source is only checked: errors in it are not thrown.
     Built finishCheck(int code) {
         return finish(code != DICTIONARY_NO_MEMORY && m_built.hasErrors() ? DICTIONARY_OK : code);
     }
@@ -781,7 +781,7 @@ private:
             build.m_built.problems.emplace_back(*problem);
             return true;
         });
-        if (!collected) throw std::bad_alloc();  // it stops the build, and goes no further
+        if (!collected) throw std::bad_alloc();  // stops the build; the library catches it
     }
 
     static bool goOn(void* self, int stage, std::uint64_t done, std::uint64_t total) {
@@ -863,8 +863,8 @@ Built checkItems(const Range& range, const BuildOptions& options) {
 
 }  // namespace detail
 
-/// Builds the image file `image` from the source file `source`. Throws BuildError when there is no
-/// new image.
+/// Builds the image file `image` from the source file `source`. Throws BuildError if no image was
+/// made.
 inline Built buildFile(const std::string& source, const std::string& image,
                        const BuildOptions& options = {}) {
     return detail::build(detail::fileSource(source), detail::fileTarget(image), options);
@@ -876,14 +876,14 @@ inline Built buildBytes(std::string_view source, const std::string& image,
     return detail::build(detail::bytesSource(source), detail::fileTarget(image), options);
 }
 
-/// The same from a range of items. An item is a pair, or another type that a structured binding
-/// takes apart in two, of a key and its data, which is one field or a range of fields.
+/// The same from a range of items. An item is a key and its data, in a pair or another type that a
+/// structured binding takes apart in two. The data is one field or a range of fields.
 template <class Range>
 Built buildItems(const Range& items, const std::string& image, const BuildOptions& options = {}) {
     return detail::buildItems(items, detail::fileTarget(image), options);
 }
 
-/// Builds an image in memory from a source file, in place of what `image` held.
+/// Builds an image in memory from a source file. It replaces what `image` held.
 inline Built buildFile(const std::string& source, ImageBuffer& image,
                        const BuildOptions& options = {}) {
     image = ImageBuffer();
@@ -904,7 +904,7 @@ Built buildItems(const Range& items, ImageBuffer& image, const BuildOptions& opt
     return detail::buildItems(items, detail::bufferTarget(image), options);
 }
 
-/// Only checks a source file. Its problems are returned, errors among them.
+/// Only checks a source file. Returns its problems, including errors.
 inline Built checkFile(const std::string& source, const BuildOptions& options = {}) {
     return detail::check(detail::fileSource(source), options);
 }
