@@ -43,7 +43,7 @@ struct BuildRequest {
     const DictionarySource source;
     const DictionaryTarget target;
     const DictionaryBuildOptions options;
-    DictionaryBuildReport own;  // where the caller has none
+    DictionaryBuildReport own;  // if the caller passes none
     DictionaryBuildReport& report;
 };
 
@@ -79,7 +79,7 @@ void build(BuildRequest& request) {
     } catch (const SystemFailure& failure) {
         log.add(failure);
     } catch (const std::exception&) {
-        // The standard library throws nothing else here than that memory runs out.
+        // Here the standard library throws only when memory runs out.
         log.add(errorOf(DICTIONARY_NO_MEMORY));
     }
     if (log.hasErrors()) throw Failure{log.firstError()};

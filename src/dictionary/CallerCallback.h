@@ -7,8 +7,8 @@
 
 namespace Dictionary {
 
-// What `call` returns; false when it throws, as no exception of the caller's passes through the
-// library. The end of a thread has no object, which sanitizers take for a fault.
+// Returns what `call` returns, or false if it throws: no exception of the caller's may pass through
+// the library. The exception that ends a thread has no object, which sanitizers take for a fault.
 template <class Call>
 __attribute__((no_sanitize("null"))) bool callBack(const Call& call) {
     try {

@@ -10,7 +10,7 @@
 
 namespace Dictionary {
 
-// Field `number`, from 1, of the first record in a data text; none when that has fewer.
+// Field `number`, counted from 1, of the first record in a data text; none if it has fewer fields.
 inline std::optional<std::string_view> fieldOfFirstRecord(std::string_view data, unsigned number) {
     DictionaryText rest = {data.data(), data.size()};
     DictionaryField field = {};

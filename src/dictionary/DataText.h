@@ -9,10 +9,10 @@
 
 namespace Dictionary {
 
-// The data of what is no key.
+// The data of anything that is not a key.
 constexpr DictionaryText kNoText = {nullptr, 0};
 
-// A data text, empty or not, is never null.
+// The bytes of a data text are never null, even if it is empty.
 inline DictionaryText dataText(std::string_view data) {
     return {data.empty() ? "" : data.data(), data.size()};
 }

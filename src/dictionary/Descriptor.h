@@ -22,7 +22,7 @@ auto callUninterrupted(Call call) {
 
 class Descriptor {
 public:
-    // Takes over what open returned, which may be a failure.
+    // Takes over what open returned, even if that is a failure.
     explicit Descriptor(int number = kNone) : m_number(number) {}
     Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, kNone)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
@@ -34,7 +34,8 @@ public:
     bool isOpen() const { return m_number >= 0; }
     int number() const { return m_number; }
 
-    // False, with errno set, when closing failed. After a signal the file is closed, too, on Linux.
+    // Returns false, with errno set, if closing failed. On Linux, the file is closed even if a
+    // signal came.
     bool close() {
         return !isOpen() || ::close(std::exchange(m_number, kNone)) == 0 || errno == EINTR;
     }

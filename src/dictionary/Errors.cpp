@@ -122,7 +122,7 @@ void failOnFile(int code, DictionaryFile file, const char* path, int systemError
     throw Failure{error};
 }
 
-// The end of a thread has no object, which sanitizers take for a fault.
+// The exception that ends a thread has no object, which sanitizers take for a fault.
 __attribute__((no_sanitize("null"))) DictionaryError errorInFlight() {
     try {
         throw;
@@ -131,7 +131,7 @@ __attribute__((no_sanitize("null"))) DictionaryError errorInFlight() {
     } catch (const abi::__forced_unwind&) {
         throw;  // the thread ends here
     } catch (const std::exception&) {
-        // The library throws nothing else, and the standard library when memory runs out.
+        // Only the standard library throws these, and only when memory runs out.
         return errorOf(DICTIONARY_NO_MEMORY);
     } catch (...) {
         return errorOf(DICTIONARY_STOPPED);

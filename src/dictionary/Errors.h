@@ -7,16 +7,16 @@
 
 namespace Dictionary {
 
-// A code, in a table of all codes.
+// A row of the table of all codes.
 struct CodeKind {
     int code;
     const char* name;
     DictionarySeverity severity;
-    DictionarySeverity lenientSeverity;  // in a build that is lenient
+    DictionarySeverity lenientSeverity;  // in a lenient build
     const char* text;                    // what is wrong and what to do about it
 };
 
-// The row of a code; of an unknown code, a row for all of these.
+// The row of a code. All unknown codes have the same row.
 const CodeKind& codeKindOf(int code);
 
 // Thrown inside the library; `guarded` makes it the error of a call.
@@ -24,7 +24,7 @@ struct Failure {
     DictionaryError error;
 };
 
-// An error without file and place, with the text of the code or with another one.
+// An error without a file and a place, with the text of its code or with `text`.
 DictionaryError errorOf(int code);
 DictionaryError errorOf(int code, const char* text);
 
@@ -34,13 +34,13 @@ inline void requireArgument(bool isRight, const char* text) {
     if (!isRight) refuseArgument(text);
 }
 
-// Throws `code` with the system's error for a file; ENOMEM is DICTIONARY_NO_MEMORY.
+// Throws `code` with the system's error for a file, but DICTIONARY_NO_MEMORY for ENOMEM.
 [[noreturn]] void failOnFile(int code, DictionaryFile file, const char* path, int systemError);
 
 // The record of the exception that is being handled.
 DictionaryError errorInFlight();
 
-// Makes `error`, which may be null, the record of a call that went well.
+// Makes `error`, which may be null, the record of a call that succeeded.
 void setNoError(DictionaryError* error);
 
 // Calls `action` and returns DICTIONARY_OK, or the code of what it throws. Fills `error`, which may

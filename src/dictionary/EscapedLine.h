@@ -34,7 +34,7 @@ public:
         add(digits);
     }
 
-    // What is not printable becomes \x and two digits.
+    // Each byte that is not part of a printable character becomes \x and two digits.
     void addEscaped(std::string_view text) {
         decodeAllUtf8(text.data(), text.size(), kIllegal,
                       [&](std::int32_t code, std::size_t start, std::uint32_t length) {
@@ -43,7 +43,7 @@ public:
                       });
     }
 
-    // Ends the line with a NUL, not inside a character, and returns its whole length.
+    // Ends the line with a NUL, but not inside a character. Returns the length of the whole line.
     std::size_t finish() {
         if (m_size == 0) return m_length;
         std::size_t end = std::min(m_length, m_size - 1);

@@ -9,12 +9,13 @@
 
 namespace Dictionary {
 
-// Throws DICTIONARY_BAD_ARGUMENT for options that do not go with each other or with the handle.
-// They may be null.
+// Throws DICTIONARY_BAD_ARGUMENT if the options, which may be null, do not fit each other or the
+// handle.
 DictionaryFindOptions readFindOptions(const DictionaryHandle* handle,
                                       const DictionaryFindOptions* options);
 
-// Throws DICTIONARY_BAD_ARGUMENT for null with a size, and DICTIONARY_TEXT_TOO_LONG.
+// Throws DICTIONARY_BAD_ARGUMENT for null with a size, and DICTIONARY_TEXT_TOO_LONG for a text that
+// is too long.
 std::string_view readText(DictionaryText text);
 
 }  // namespace Dictionary

@@ -21,7 +21,7 @@ using Images = std::vector<std::shared_ptr<const OpenImage>>;
 
 }  // namespace Dictionary
 
-// Several handles may share an image; what is learnt of it is kept with it.
+// Several handles may share an image. What is learnt about an image is kept with it.
 struct DictionaryHandle final : Dictionary::LoadedImage {
     // A handle to one image.
     explicit DictionaryHandle(std::shared_ptr<const Dictionary::OpenImage> image)
@@ -30,14 +30,14 @@ struct DictionaryHandle final : Dictionary::LoadedImage {
     explicit DictionaryHandle(Dictionary::Images several)
         : LoadedImage(nullptr, close), images(std::move(several)), isSet(true) {}
 
-    // Null when there is none.
+    // Null if there is no such image.
     const Dictionary::OpenImage* imageAt(std::uint32_t number) const {
         return number < images.size() ? images[number].get() : nullptr;
     }
 
     const Dictionary::Images images;
     const bool isSet = false;
-    const bool folded = isAnyFolded();  // keys and texts, of some image at least
+    const bool folded = isAnyFolded();  // keys and texts of at least one image
 
 private:
     bool isAnyFolded() const {

@@ -142,7 +142,7 @@ void ImageBuild::run(SourceItems& items) {
     build();
 }
 
-// A problem of the source. Numbers count from 1; 0 where none is meant.
+// Reports a problem of the source. Numbers count from 1; 0 means none.
 void ImageBuild::report(int code, std::uint64_t number, std::uint64_t column) {
     const char* const words = m_hasItems ? wordsForItem(code) : nullptr;
     DictionaryError problem = words == nullptr ? errorOf(code) : errorOf(code, words);
@@ -189,7 +189,7 @@ void ImageBuild::readRecords(SourceText& source, SourceRecords& records) {
 void ImageBuild::reportReading(const SourceText& source) const {
     const std::uint64_t done = source.position();
     if (done > 0 && done == source.size()) return;
-    // A file that has grown since is of no known size.
+    // If the file has grown since it was opened, its size is not known.
     const std::uint64_t total = done < source.size() ? source.size() : 0;
     m_callbacks.progress(DICTIONARY_STAGE_READ, done, total);
 }
@@ -212,8 +212,8 @@ void ImageBuild::take(SourceRecord& record) {
     m_table->add(m_fields);
 }
 
-// Cuts a record into its fields. In an image, tabs separate them: data that has tabs already need
-// not be cut.
+// Cuts a record into its fields. An image separates them by tabs, so data that already has tabs
+// need not be cut.
 void ImageBuild::cutFields(std::string_view text, std::size_t keySize) {
     m_fields.assign(1, keyOf(text.substr(0, keySize)));
     std::string_view data = text.substr(keySize + m_fieldSeparator.size());
@@ -225,7 +225,7 @@ void ImageBuild::cutFields(std::string_view text, std::size_t keySize) {
     m_fields.push_back(data);
 }
 
-// The key as the table is to have it, valid until the next call.
+// The key as it goes into the table, valid until the next call.
 std::string_view ImageBuild::keyOf(std::string_view text) {
     if (!m_isFolded) return text;
     foldUtf8(m_hasItems ? text : trieKeyOf(text), m_foldedKey);
@@ -242,9 +242,9 @@ void ImageBuild::build() {
     }
 }
 
-// Whether no key has more data than an image has room for. Later stages count lengths in 32 bits.
+// Whether the data of every key has room in an image. Later stages count lengths in 32 bits.
 bool ImageBuild::dataFits() const {
-    // A record's data is at most as long as the record, with a byte for joining it.
+    // A record's data is no longer than the record and one byte that joins it.
     constexpr auto kRoom = static_cast<std::uint64_t>(kMaxImageBytes);
     if (m_sourceBytes + m_report.records <= kRoom) return true;
     bool fits = true;
@@ -254,7 +254,7 @@ bool ImageBuild::dataFits() const {
     return fits;
 }
 
-// False when the image would be too large.
+// Returns false if the image would be too large.
 bool ImageBuild::place() {
     m_builder.expectOneBuild();
     addKeys();
@@ -289,7 +289,7 @@ void ImageBuild::write() {
     m_report.imageBytes = writer.total();
 }
 
-// Keys that are cut off may be one key in the image, and an empty one is none.
+// Keys that were cut off may be equal in the image, and an empty key is not in it.
 std::uint64_t ImageBuild::countKeys() const {
     const CellArray& cells = m_builder.cells();
     std::uint64_t count = 0;

@@ -27,13 +27,13 @@ namespace Dictionary {
 // Failure are thrown.
 class ImageBuild {
 public:
-    // Counts into `report`. Without a target the source is only checked. All arguments but the
+    // Counts into `report`. Without a target the source is only checked. All arguments except the
     // options must outlive the object.
     ImageBuild(const DictionaryBuildOptions& options, const BuildCallbacks& callbacks,
                ProblemLog& log, DictionaryBuildReport& report, ImageTarget* target);
 
     void run(SourceText& source);
-    // The separators of the options count for nothing here.
+    // The separators of the options have no effect here.
     void run(SourceItems& items);
 
 private:
@@ -65,7 +65,7 @@ private:
     const bool m_isFolded;
     std::string m_foldedKey;
     SourceCheck m_check;
-    bool m_hasItems = false;             // in their keys, a backslash and an n are no newline
+    bool m_hasItems = false;             // in their keys, a backslash and an n are not a newline
     std::uint64_t m_sourceBytes = 0;     // of the records read so far
     std::optional<SourceTable> m_table;  // none when no image will be made
     std::vector<std::string_view> m_fields;

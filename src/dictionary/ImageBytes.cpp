@@ -21,7 +21,7 @@ void readAll(const Descriptor& file, char* bytes, std::size_t size) {
         const ssize_t got =
             callUninterrupted([&] { return read(file.number(), bytes + filled, size - filled); });
         if (got < 0) throw ImageBytes::SystemRefusal{errno};
-        // The file has become shorter meanwhile.
+        // The file has become shorter in the meantime.
         if (got == 0) throw ImageBytes::SystemRefusal{EIO};
         filled += static_cast<std::size_t>(got);
     }
@@ -47,7 +47,7 @@ ImageBytes ImageBytes::copyBy(std::size_t size, Fill fill) {
     constexpr int kFlags = MAP_PRIVATE | MAP_ANONYMOUS;
     char* const bytes = pages(PROT_READ | PROT_WRITE, kFlags, -1, size);
     ImageBytes copied(bytes, size, true);
-    // Lookups branch all over it; where the system has no larger pages, these will do.
+    // Lookups read all over the image, so large pages help. If the system has none, these will do.
     madvise(bytes, size, MADV_HUGEPAGE);
     fill(bytes);
     if (mprotect(bytes, size, PROT_READ) != 0) throw SystemRefusal{errno};

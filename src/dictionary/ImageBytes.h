@@ -11,8 +11,8 @@
 
 namespace Dictionary {
 
-// Bytes to read: pages of the object's own, or the caller's memory. Throws a SystemRefusal with the
-// errno when the system refuses pages.
+// Bytes to read: the object's own pages, or the caller's memory. Throws a SystemRefusal with the
+// errno if the system refuses pages or a read.
 class ImageBytes {
 public:
     struct SystemRefusal {
@@ -37,7 +37,7 @@ private:
     ImageBytes(const char* bytes, std::size_t size, bool isOwner)
         : m_bytes(bytes), m_size(size), m_isOwner(isOwner) {}
 
-    // Empty pages, which `fill(bytes)` fills before they can no longer be written.
+    // New pages. They are filled by `fill(bytes)` and can no longer be written after that.
     template <class Fill>
     static ImageBytes copyBy(std::size_t size, Fill fill);
 

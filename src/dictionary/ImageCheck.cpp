@@ -40,14 +40,14 @@ private:
     std::vector<std::uint64_t> m_words;
 };
 
-// A word of a cell, by its byte.
+// The words of a cell, by their offsets in bytes.
 enum Word : std::int64_t {
     kBase = offsetof(Cell, base),
     kCheck = offsetof(Cell, check),
     kFeature = offsetof(Cell, feature)
 };
 
-// Finds out that a cell is wrong with few branches, and only then what is wrong with it: a sound
+// Finds out with few branches that a cell is wrong, and only then what is wrong with it. So a sound
 // image is checked about as fast as memory is read.
 class ImageCheck {
 public:
@@ -86,7 +86,7 @@ private:
     static bool isBlank(const Cell& cell) {
         return (cell.base == kFreeCell.base) & (cell.feature == kFreeCell.feature);
     }
-    // A base leads to another cell, or is the number of the key that a leaf ends, negated.
+    // A base leads to another cell. In a leaf it is the negated number of the key that ends there.
     bool isBase(std::int32_t base) const {
         return base != 0 && base != std::numeric_limits<std::int32_t>::min() && base < m_count;
     }
@@ -94,7 +94,8 @@ private:
         const std::int64_t bit = std::int64_t{feature} - kNoFeature;
         return bit >= 0 && bit <= featureBytesOf(m_header) && m_references[bit];
     }
-    // A key ends in the cell, or it has no feature: one of the two words is negative, at least.
+    // Either a key ends in the cell, or the cell has no feature. So at least one of the two words
+    // is negative.
     bool isFilled(const Cell& cell) const {
         return isBase(cell.base) && isReference(cell.feature) && (cell.base | cell.feature) < 0;
     }
@@ -170,8 +171,8 @@ bool ImageCheck::recordsFillTheArea() {
     return true;
 }
 
-// A text's first character leads to the cell of its code, whatever the check there, so that these
-// cells may hold nothing but children of the root.
+// A text's first character leads to the cell of its code, whatever the check there. So these cells
+// may hold only children of the root.
 bool ImageCheck::reservedCellsAreRight() {
     for (std::int32_t index = 1; index <= std::min(m_alphabetSize, m_count - 1); ++index) {
         const Cell cell = m_cells[index];
@@ -204,19 +205,20 @@ bool ImageCheck::isRight(std::int32_t index) {
     prefetchParentOf(std::min(index + kAhead, m_count - 1));
     const Cell cell = m_cells[index];
     if (!isCell(cell.check)) return refuseCell(index);
-    // Of a free cell this is the header, which is itself free.
+    // For a free cell this is the header, which is itself free.
     const Cell parent = m_cells[cell.check];
     const std::int64_t label = distance(index, parent);
     const bool isChild = isLabel(label) && !isFree(parent);
     if (!(isFree(cell) ? isBlank(cell) : isChild && isFilled(cell))) return refuseCell(index);
     m_hasHalves |= isSurrogate(label) && !isFree(cell);
-    // In a cycle of parents, the two above its lowest cell are not below that.
+    // In a cycle of parents, one cell has the lowest index: neither its parent nor its parent's
+    // parent has a lower one.
     const bool mayBeLowest = (cell.check >= index) & (parent.check >= index);
     return !mayBeLowest || wayUpEnds(index);
 }
 
-// The two labels of a character above U+FFFF come together: a key does not end between them, a high
-// surrogate is followed by low ones alone, and nothing else is followed by a low one.
+// Checks that the two labels of a character above U+FFFF always come together: no key ends between
+// them, only low surrogates follow a high one, and low surrogates follow nothing else.
 bool ImageCheck::pairsAreWhole() {
     if (!m_hasHalves) return true;
     Bits highs, lows;
@@ -255,7 +257,7 @@ std::int64_t ImageCheck::labelOf(std::int64_t index, const Cell& cell) const {
     return cell.check == kRootCheck ? index : distance(index, m_cells[cell.check]);
 }
 
-// Climbs past cells that were not looked at yet, and leaves it to their turn to refuse them.
+// Also climbs past cells that were not checked yet. They are refused, if wrong, in their turn.
 bool ImageCheck::wayUpEnds(std::int64_t from) {
     const auto goesOn = [&](std::int64_t index) {
         return index > 0 && index < m_count && !m_climbed[index];

@@ -1,4 +1,5 @@
-// Helper, not installed: whether bytes in memory are a dictionary image that no lookup leaves.
+// Helper, not installed: checks that bytes in memory are a dictionary image and that no lookup
+// reads outside it.
 
 #ifndef DICTIONARY_IMAGE_CHECK_H
 #define DICTIONARY_IMAGE_CHECK_H
@@ -8,7 +9,7 @@
 
 namespace Dictionary {
 
-// The first reason against an image.
+// The first thing that is wrong with an image.
 struct ImageFault {
     int code;             // a DictionaryCode
     std::int64_t cell;    // the cell at fault, or -1
@@ -16,11 +17,11 @@ struct ImageFault {
     const char* text;     // in words
 };
 
-// Whether there are images of `size` bytes.
+// Whether an image can have `size` bytes.
 bool canBeImageSize(std::size_t size);
 
-// The first fault of the `size` bytes at `image`, built over codes from 1 to below `alphabetSize`,
-// or one of DICTIONARY_OK. Throws nothing but the allocator's exception.
+// The first fault of the `size` bytes at `image`, or a fault of code DICTIONARY_OK. Codes are from
+// 1 to below `alphabetSize`. Throws only what the allocator throws.
 ImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize);
 
 }  // namespace Dictionary

@@ -32,8 +32,8 @@ void require(bool done) {
     if (!done) failToWrite(errno);
 }
 
-// What the system finds under a name. It judges whether a link is to be followed: one that another
-// user planted may not be.
+// What the system finds under a name. The system decides whether to follow a link: it may refuse
+// one that another user planted.
 FileStatus statusOf(int folder, const char* name, int flags) {
     struct stat status;
     if (fstatat(folder, name, &status, flags) == 0) return status;
@@ -41,7 +41,7 @@ FileStatus statusOf(int folder, const char* name, int flags) {
     return std::nullopt;
 }
 
-// A device or a pipe would be replaced by a file, and a folder cannot be.
+// A file would take the place of a device or a pipe, and it cannot take that of a folder.
 void refuseWhatIsNoImage(const FileStatus& file) {
     if (!file.has_value()) return;
     if (S_ISDIR(file->st_mode)) failToWrite(EISDIR);
@@ -57,7 +57,7 @@ std::string folderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
-// Where a path leads when its last part is a symbolic link, which need not lead to a file.
+// Where a path leads if its last part is a symbolic link. The link need not lead to a file.
 std::string followLinks(std::string path) {
     constexpr int kMaxLinks = 40;
     for (int links = 0; links < kMaxLinks; ++links) {
@@ -95,10 +95,11 @@ ImageFile::ImageFile(const char* name) : m_old(statusOf(AT_FDCWD, name, kFollow)
     m_name = path.substr(folder.size());
     if (m_name.empty()) failToWrite(path.empty() ? ENOENT : EISDIR);
     openFolder(folder);
-    // A file without a name, as a descriptor's may be, or a link that was changed just now.
+    // Refuses a file without a name, to which a descriptor's link may lead, and a link that was
+    // changed just now.
     const FileStatus found = statusOf(m_folder.number(), m_name.c_str(), AT_SYMLINK_NOFOLLOW);
     if (!areSame(found, m_old)) failToWrite(ENOENT);
-    // A file protected from writing would not be protected from a rename.
+    // A rename would replace even a file that may not be written.
     if (m_old.has_value()) requireAccess(m_folder, m_name.c_str(), W_OK);
 }
 
@@ -166,7 +167,7 @@ void ImageFile::commit() {
     syncFolder();
 }
 
-// Who may use the old image may use the new one, as far as the system lets us say so.
+// Whoever may use the old image may use the new one, as far as the system allows us to arrange it.
 void ImageFile::giveAccess() const {
     const int file = m_file.number();
     const FileStatus old = statusOf(m_folder.number(), m_name.c_str(), AT_SYMLINK_NOFOLLOW);
@@ -180,7 +181,8 @@ void ImageFile::giveAccess() const {
     fchmod(file, old->st_mode & (sameGroup ? kAccessBits : kAccessBitsButGroup));
 }
 
-// The image is complete already. Some folders cannot be synced, or not by this process.
+// Ignores errors. The image is already complete, and some folders cannot be synced, or not by this
+// process.
 void ImageFile::syncFolder() const {
     constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
     const Descriptor folder(

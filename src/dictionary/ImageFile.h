@@ -11,13 +11,13 @@
 
 namespace Dictionary {
 
-// All functions throw a SystemFailure. What is under the name changes in commit() alone, at once.
+// All functions throw a SystemFailure. Only commit() changes what is under the name, in one step.
 // The folder is held open, so that the image goes there even if the working directory changes or
 // the folder is renamed.
 class ImageFile {
 public:
-    // Checks whether an image can be written under `name`. A symbolic link is followed where the
-    // system follows it: the file that it leads to is the one to replace.
+    // Checks that an image can be written under `name`. A symbolic link is followed if the system
+    // follows it; then the file that it leads to is the one to replace.
     explicit ImageFile(const char* name);
     // Removes what was written, unless it was committed.
     ~ImageFile();
@@ -25,7 +25,7 @@ public:
     ImageFile(const ImageFile&) = delete;
     ImageFile& operator=(const ImageFile&) = delete;
 
-    // Whether that is the file to replace.
+    // Whether `file` is the one to replace.
     bool replaces(const FileStatus& file) const {
         return m_old.has_value() && areSame(m_old, file);
     }
@@ -43,11 +43,11 @@ private:
     void syncFolder() const;
 
     FileStatus m_old;
-    Descriptor m_folder;      // for its place alone: it need not be readable
+    Descriptor m_folder;      // only to find files in it; it need not be readable
     std::string m_name;       // in the folder
-    std::string m_temporary;  // likewise; empty when there is none
+    std::string m_temporary;  // in the folder; empty if there is none
     Descriptor m_file;
-    mode_t m_newFileAccess = 0;  // as the umask or the folder has it
+    mode_t m_newFileAccess = 0;  // as the umask or the folder sets it
 };
 
 }  // namespace Dictionary

@@ -18,7 +18,7 @@ class ImageTarget {
 public:
     virtual ~ImageTarget() = default;
 
-    // Whether that is the file to replace.
+    // Whether `file` is the one to replace.
     virtual bool replaces(const FileStatus& file) const = 0;
 
     // The stages, in order.

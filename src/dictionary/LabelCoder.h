@@ -11,8 +11,8 @@
 
 namespace Dictionary {
 
-// A character above U+FFFF is two labels, its surrogates in UTF-16; every other is its code point.
-// The positions of labels are not recorded.
+// A character above U+FFFF is two labels, its UTF-16 surrogates. Any other is one label, its code
+// point. The positions of labels are not recorded.
 class LabelCoder final : public CUTF8Coder {
 public:
     int encodeString(const char* text, std::vector<int>& codes, std::vector<SPOS>&,

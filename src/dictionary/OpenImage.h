@@ -1,4 +1,4 @@
-// Helper, not installed: an image that was found sound, and what is learnt of it at first need.
+// Helper, not installed: a verified image, and what is learnt about it when that is first needed.
 
 #ifndef DICTIONARY_OPEN_IMAGE_H
 #define DICTIONARY_OPEN_IMAGE_H
@@ -20,8 +20,8 @@ namespace Dictionary {
 // Any number of handles, on any number of threads, may share one.
 class OpenImage {
 public:
-    // Throws a Failure, without a file's name, unless the bytes are an image over which lookups
-    // stay inside.
+    // Throws a Failure, without a file name, unless the bytes are an image and no lookup reads
+    // outside it.
     explicit OpenImage(ImageBytes bytes);
 
     const ImageView& view() const { return m_view; }
@@ -33,7 +33,7 @@ public:
     bool isFolded() const { return m_isFolded; }
     // The first call takes one pass over the cells.
     std::uint64_t keyCount() const;
-    // The first call makes it; see KeyIndex.h for what that takes.
+    // The first call makes the index; see KeyIndex.h for what that takes.
     const KeyIndex& keyIndex() const;
     // Whether a feature record begins at byte `offset` of the feature area. The first call takes
     // one pass over the area, and memory for one bit per byte of it.
@@ -55,7 +55,7 @@ private:
     mutable std::vector<bool> m_isRecord;  // by byte of the area
 };
 
-// Throws a Failure unless the bytes are an image over which lookups stay inside.
+// Throws a Failure unless the bytes are an image and no lookup reads outside it.
 void requireSoundImage(std::string_view bytes);
 
 }  // namespace Dictionary

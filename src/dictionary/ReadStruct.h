@@ -1,4 +1,4 @@
-// Helper, not installed: structs of the caller's that begin with their size.
+// Helper, not installed: reads the caller's structs that begin with their size.
 
 #ifndef DICTIONARY_READ_STRUCT_H
 #define DICTIONARY_READ_STRUCT_H
@@ -7,8 +7,8 @@
 
 namespace Dictionary {
 
-// The struct that was given; for null one with all else zero. Throws DICTIONARY_BAD_ARGUMENT with
-// the text `wrongSize` for any other size.
+// A copy of the struct; for null, one with all other members zero. Throws DICTIONARY_BAD_ARGUMENT
+// with the text `wrongSize` if it has another size.
 template <class Struct>
 Struct readStruct(const Struct* given, const char* wrongSize) {
     Struct read = {};

@@ -26,7 +26,7 @@ FileMark markOf(const struct stat& status) {
             status.st_ctim.tv_nsec};
 }
 
-// Its lock is held for the table alone, never while a file is read or an image verified.
+// The lock protects only the table. It is never held while a file is read or an image is verified.
 class Table {
 public:
     Table() { pthread_atfork(lockForFork, unlockAfterFork, unlockAfterFork); }

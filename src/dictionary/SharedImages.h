@@ -16,8 +16,8 @@ using SharedImage = std::shared_ptr<const OpenImage>;
 // The image of the file with that status if it is open and the file is unchanged; null otherwise.
 SharedImage findShared(const struct stat& status);
 
-// Offers an image of the file to later calls. Returns the one to use, which is another if a thread
-// was faster.
+// Offers an image of the file to later calls. Returns the one to use, which is a different one if
+// another thread was faster.
 SharedImage share(const struct stat& status, SharedImage image);
 
 }  // namespace Dictionary

@@ -1,4 +1,4 @@
-// Helper, not installed: lets a write beyond the limit of a file's size fail like any other.
+// Helper, not installed: makes a write beyond the file size limit fail like any other write.
 
 #ifndef DICTIONARY_SIZE_SIGNAL_H
 #define DICTIONARY_SIZE_SIGNAL_H
@@ -9,8 +9,8 @@
 
 namespace Dictionary {
 
-// While it lives, such a write of this thread returns EFBIG, and the signal SIGXFSZ that comes with
-// it, and would end the process, is dropped. One that was pending before stays pending.
+// While it exists, such a write by this thread fails with EFBIG. The signal SIGXFSZ comes with it
+// and would end the process; it is dropped. A signal that was pending before stays pending.
 class SizeSignalHeld {
 public:
     SizeSignalHeld() {

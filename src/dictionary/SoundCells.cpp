@@ -31,7 +31,7 @@ struct Cells16 {
     return _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
 }
 
-// One word of each of sixteen cells, which are three registers of words.
+// One word of each of sixteen cells, whose words fill three registers.
 [[gnu::target("avx512f")]] inline __m512i wordsOf(const __m512i* cells, std::size_t offset) {
     constexpr std::uint32_t kWordsOfTwo = 32;
     const auto word = static_cast<std::uint32_t>(offset / kWordBytes);
@@ -61,7 +61,7 @@ struct Cells16 {
            _mm512_cmplt_epi32_mask(bases, all16(rules.cells.firstLimit()));
 }
 
-// Of the lanes in `which`, those whose feature may be: its bit is set.
+// Of the lanes in `which`, those with a possible feature: its bit is set.
 [[gnu::target("avx512f")]] inline __mmask16 areReferences(const CellRules& rules, __m512i features,
                                                           __mmask16 which) {
     constexpr unsigned kBitsOfNumber = 5;  // of a bit in its word
@@ -76,7 +76,7 @@ struct Cells16 {
                                        all16(1));
 }
 
-// Of the cells in `which`, those that hold what a node does: a base or the end of a key, or both.
+// Of the cells in `which`, those that hold what a node holds: a base, the end of a key, or both.
 [[gnu::target("avx512f")]] inline __mmask16 areFilled(const CellRules& rules, const Cells16& cells,
                                                       __mmask16 which) {
     const __m512i either = _mm512_or_si512(cells.bases, cells.features);
@@ -84,7 +84,8 @@ struct Cells16 {
     return areReferences(rules, cells.features, which & areNegative & areBases(rules, cells.bases));
 }
 
-// Of the cells in `which`, whose checks are cells, those that are surely children of these.
+// Of the cells in `which`, those that are certainly children of the cells in their checks. All of
+// these exist.
 [[gnu::target("avx512f")]] inline __mmask16 areChildren(const CellRules& rules,
                                                         const Cells16& cells, __mmask16 which) {
     constexpr unsigned kBitsOfHalf = kSurrogateBits + 1;
@@ -110,7 +111,8 @@ struct Cells16 {
     return ((areFree & areBlank(cells)) | areFilledChildren) == kAll;
 }
 
-// Parents are anywhere. Asks for those of the sixteen cells from `index` on, which may be wrong.
+// Prefetches the parents, which may be anywhere, of the sixteen cells from `index` on. The cells
+// may be wrong.
 [[gnu::target("avx512f")]] inline void prefetchParents(const CellView& cells, std::uint32_t index) {
     const __m512i last = all16(cells.firstLimit() - 1);
     const __m512i parents = _mm512_maskz_min_epu32(kAll, loadCells(cells, index).checks, last);

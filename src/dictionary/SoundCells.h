@@ -1,4 +1,4 @@
-// Helper, not installed: passes the cells of an image that are surely right, many at a time where
+// Helper, not installed: skips the cells of an image that are certainly right, many at a time if
 // the machine has registers for it.
 
 #ifndef DICTIONARY_SOUND_CELLS_H
@@ -18,15 +18,16 @@ struct CellRules {
     std::uint32_t lastReference;      // the number of the last bit
 };
 
-// So many cells are looked at together.
+// How many cells are checked together.
 constexpr std::int32_t kSoundGroup = 16;
 
-// Passes groups of cells that are right, from `index` on, which is not a first character's. Returns
-// where the group begins that needs a closer look: one of its cells may be wrong, has a surrogate
-// for a label, or may be the lowest of a cycle of parents; or the array ends in the group.
+// Skips groups of cells that are right. Begins at `index`, which is not a first character's cell.
+// Returns where the first group begins that needs a closer look: one of its cells may be wrong, may
+// have a surrogate as its label, or may be the lowest of a cycle of parents; or the array ends in
+// the group.
 using PassSoundCells = std::int32_t (*)(const CellRules& rules, std::int32_t index);
 
-// That of the kernel in use.
+// The function for the kernel in use.
 PassSoundCells passSoundCells();
 
 }  // namespace Dictionary

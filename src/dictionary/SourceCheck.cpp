@@ -88,15 +88,15 @@ void SourceCheck::examineText(const SourceRecord& record, std::size_t keySize) {
     if (nul != kNone) add(DICTIONARY_NUL, nul);
 }
 
-// The data of a key that comes more than once is joined by ";", which is then where a field could
-// begin.
+// The data of a repeated key is joined with ";", so a field that begins with ";" looks like the
+// beginning of a record.
 void SourceCheck::examineFields(std::string_view text, std::size_t keySize) {
     const std::size_t separatorSize = m_join.size() - 1;
     const std::size_t join = text.find(m_join, keySize + separatorSize);
     if (join != kNone) add(DICTIONARY_FIELD_MARK, join + separatorSize);
 }
 
-// Judges as the coder will, which stops where UTF-8 does.
+// Judges like the coder, which stops at the first byte that is not legal UTF-8.
 void SourceCheck::examineKey(std::string_view key) {
     if (key.empty()) return add(DICTIONARY_EMPTY_KEY, 0);
     const std::size_t legal =

@@ -19,7 +19,7 @@ struct Finding {
     std::uint64_t column;
 };
 
-// In words, what a file is that begins like this and is no source; null when it may be one.
+// Says in words what a file is that begins like this and is not a source; null if it may be one.
 const char* foreignKind(std::string_view beginning);
 
 class SourceCheck {
@@ -27,14 +27,14 @@ public:
     // Whether records are lines, which may end in a carriage return by mistake.
     explicit SourceCheck(bool recordsAreLines) : m_recordsAreLines(recordsAreLines) {}
 
-    // Makes findings of fields that begin with ";" after another one, too.
+    // Also finds fields after the first data field that begin with ";".
     void lookForJoins(std::string fieldSeparator) { m_join = std::move(fieldSeparator) + ';'; }
 
     // Takes off what Windows puts before the first record and after each line.
     void takeOffWindowsMarks(SourceRecord& record) const;
 
-    // Examines a record whose field separator is at `keySize`, npos when there is none. Returns
-    // what is wrong by columns, each kind at most once; valid until the next call.
+    // Examines a record whose field separator is at `keySize`; npos if there is none. Returns what
+    // is wrong, in the order of columns, each kind at most once. Valid until the next call.
     const std::vector<Finding>& examine(const SourceRecord& record, std::size_t keySize);
 
 private:
@@ -47,7 +47,7 @@ private:
     void add(int code, std::size_t index) { m_found.push_back({code, index + 1}); }
 
     bool m_recordsAreLines;
-    std::string m_join;  // empty when it is not looked for
+    std::string m_join;  // empty if it is not looked for
     std::vector<Finding> m_found;
 };
 

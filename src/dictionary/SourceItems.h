@@ -14,7 +14,7 @@
 
 namespace Dictionary {
 
-// What is wrong with an item, in words; null where those for the records of a text fit.
+// What is wrong with an item, in words; null if the words for the records of a text fit.
 const char* wordsForItem(int code);
 
 // An item is a record whose fields are joined by tabs, and its number is that of the record.
@@ -25,11 +25,11 @@ public:
     explicit SourceItems(const DictionarySource& source)
         : m_nextItem(source.nextItem), m_context(source.context) {}
 
-    // Makes `record` the next one, valid until the next call; false after the last. Throws
-    // DICTIONARY_STOPPED when the caller's function throws.
+    // Makes `record` the next one, valid until the next call. Returns false after the last one.
+    // Throws DICTIONARY_STOPPED if the caller's function throws.
     bool next(SourceRecord& record);
 
-    // The bytes of the current record that are tabs in its fields, from 1.
+    // Where the current record has tabs inside its fields, in bytes from 1.
     const std::vector<std::uint64_t>& strayTabs() const { return m_strayTabs; }
 
 private:

@@ -51,7 +51,7 @@ std::size_t SourceRecords::findEnd() {
     }
 }
 
-// Skips the rest of a record, however long, and its separator. False when there is none.
+// Skips the rest of a record, however long, and its separator. Returns false if it has none.
 bool SourceRecords::skipRest() {
     do {
         const std::size_t end = m_unread.find(m_separator);

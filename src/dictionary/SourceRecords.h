@@ -14,26 +14,26 @@
 namespace Dictionary {
 
 struct SourceRecord {
-    std::string_view text;     // without the separator; empty of a record that is too long
+    std::string_view text;     // without the separator; empty if the record is too long
     std::uint64_t number = 0;  // from 1
-    std::size_t skipped = 0;   // bytes before the text that are no part of it
+    std::size_t skipped = 0;   // bytes before the text that are not part of it
     bool tooLong = false;
     bool finished = false;  // a separator follows
 };
 
 class SourceRecords {
 public:
-    // The longest record that CRecordReader reads whole, too.
+    // The longest record. CRecordReader, too, reads none whole that are longer.
     static constexpr std::size_t kMaxRecordBytes = 4194298;
 
     // `source` must outlive the object; `separator` is not empty.
     SourceRecords(SourceText& source, std::string separator)
         : m_source(source), m_separator(std::move(separator)) {}
 
-    // What the source begins with, as far as it is read at once. To be called before next().
+    // The beginning of the source, as much of it as is read at once. Must be called before next().
     std::string_view beginning();
 
-    // Makes `record` the next one, valid until the next call; false at the source's end.
+    // Makes `record` the next one, valid until the next call. Returns false at the source's end.
     bool next(SourceRecord& record);
 
 private:

@@ -39,7 +39,7 @@ std::string_view FileText::more(std::size_t unread) {
 
 void FileText::open() {
     if (m_fileName == nullptr) failToRead(EFAULT);
-    // Opening does not wait for a pipe's writer, which waitForBytes does.
+    // Opening does not wait for a pipe's writer; waitForBytes does.
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
     m_file = Descriptor(callUninterrupted([&] { return ::open(m_fileName, kFlags); }));
     if (!m_file.isOpen()) failToRead(errno);

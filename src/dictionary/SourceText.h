@@ -22,20 +22,20 @@ public:
     // Called once, before the others. Throws a SystemFailure.
     virtual void open() {}
 
-    // None of bytes in memory.
+    // Empty for bytes in memory.
     virtual FileStatus file() const { return std::nullopt; }
 
     // `action` is called several times a second while more() waits for bytes, and may throw.
     void whileWaiting(std::function<void()> action) { m_wait = std::move(action); }
 
-    // The last `unread` of the bytes returned so far, and a stretch of new ones after them; none
-    // are new at the end of the source. What was returned before is no longer valid.
+    // Returns the last `unread` of the bytes returned so far, followed by a stretch of new ones. At
+    // the end of the source there are no new ones. What was returned before is no longer valid.
     virtual std::string_view more(std::size_t unread) = 0;
 
     // The number of bytes returned so far.
     std::uint64_t position() const { return m_position; }
 
-    // How many bytes there are; 0 when that is not known before they are read.
+    // How many bytes there are; 0 if that is not known before they are read.
     virtual std::uint64_t size() const = 0;
 
 protected:
@@ -58,7 +58,7 @@ private:
     std::size_t m_size;
 };
 
-// A file is read, not mapped: if another process truncates it meanwhile, no signal ends this one.
+// A file is read, not mapped. So no signal ends this process if another one truncates the file.
 class FileText : public SourceText {
 public:
     // A file, or whatever else has that name.
@@ -79,8 +79,8 @@ private:
     Descriptor m_file;
     FileStatus m_status;
     std::vector<char> m_buffer;
-    std::size_t m_filled = 0;  // bytes in the buffer, the last ones returned at its end
-    bool m_ended = false;      // a terminal can be read on after its end
+    std::size_t m_filled = 0;  // bytes in the buffer; they end with the last ones returned
+    bool m_ended = false;      // needed because a terminal can be read on after its end
 };
 
 }  // namespace Dictionary

@@ -1,4 +1,4 @@
-// Helper, not installed: what builds throw where the system refuses a file.
+// Helper, not installed: what builds throw if the system refuses a file.
 
 #ifndef DICTIONARY_SYSTEM_FAILURE_H
 #define DICTIONARY_SYSTEM_FAILURE_H
