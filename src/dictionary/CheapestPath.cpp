@@ -11,15 +11,15 @@ namespace Dictionary {
 
 namespace {
 
-// A text is cut from its end, window by window, so that no more than a window is in memory as
-// labels. The walks of a window may read on after it, as far as the longest key goes.
+// A text is cut from its end, window by window, so that only one window at a time is in memory as
+// labels. The walks of a window may read on after it, as far as the longest key reaches.
 constexpr std::size_t kWindowBytes = 1 << 15;
 constexpr std::size_t kMostLabelBytes = 3;
 
-// For so many bytes of a text it is known which keys begin there.
+// For how many bytes of a text, from its beginning, the sources of keys are kept.
 constexpr std::size_t kSourceBytes = 1 << 15;
 
-// Whether surely no legal sequence goes on across `place`.
+// Whether certainly no legal sequence goes across `place`.
 bool isBetweenSequences(std::string_view text, std::size_t place) {
     constexpr std::size_t kMostContinuations = 3;
     const auto continues = [&](std::size_t at) {
@@ -38,7 +38,7 @@ std::size_t nextBetweenSequences(std::string_view text, std::size_t place) {
     return std::min(place, text.size());
 }
 
-// How many labels are before byte `place` of what was encoded, where a character begins.
+// How many labels are before byte `place` of the encoded text, where a character begins.
 std::size_t labelsBefore(const EncodedText& labels, std::size_t place) {
     std::size_t low = 0;
     for (std::size_t high = labels.size(); low < high;) {
@@ -53,7 +53,7 @@ std::size_t labelsBefore(const EncodedText& labels, std::size_t place) {
     return labels.isInsidePair(low) ? low + 1 : low;
 }
 
-// What is beside the bytes from `start` up to, but without, `end`.
+// What is next to the bytes from `start` up to, not including, `end`.
 template <class Text>
 InsideWords::Neighbours neighboursOf(const Text& text, std::size_t start, std::size_t end) {
     const WordClass next =
@@ -71,7 +71,7 @@ bool CheapestPath::formsDiffer() const {
     return std::any_of(images.begin(), images.end(), differs);
 }
 
-// In bytes, how far keys reach at most.
+// How far keys reach at most, in bytes.
 std::size_t CheapestPath::lookahead() const {
     std::size_t labels = 0;
     for (const WeightedImage& weighted : m_images.images) {
@@ -92,7 +92,7 @@ void CheapestPath::cut(std::string_view text) {
     }
 }
 
-// A window is no shorter than the lookahead, so that this ends in the window after it.
+// A window is no shorter than the lookahead, so that the lookahead ends in the next window.
 std::size_t CheapestPath::windowStart(std::size_t end) const {
     const std::size_t most = std::max(kWindowBytes, 2 * m_lookahead);
     return end <= most ? 0 : nextBetweenSequences(m_text, end - most);
@@ -119,7 +119,7 @@ void CheapestPath::cutWindow(std::size_t start, std::size_t end) {
     }
 }
 
-// Finds the best paths from the labels from `first` up to, but without, `end` of the window that
+// Finds the best path from each of the labels from `first` up to, not including, `end`. The window
 // begins at byte `start`.
 void CheapestPath::cutBlock(const EncodedText& labels, std::size_t first, std::size_t end,
                             std::size_t start) {
@@ -134,8 +134,8 @@ void CheapestPath::cutBlock(const EncodedText& labels, std::size_t first, std::s
     }
 }
 
-// Chooses among the keys that begin at label `from`. Of paths that cost the same, the first that it
-// comes to has the longer word.
+// Chooses among the keys that begin at label `from`, longest first. So of paths that cost the same,
+// the one with the longer word stays.
 void CheapestPath::cutAt(const EncodedText& labels, std::size_t from, std::size_t start) {
     const FoundKey* chosen = &m_found[--m_left];
     double best = chosen->weight + m_scores[chosen->end];
@@ -158,7 +158,7 @@ void CheapestPath::note(std::size_t start, std::size_t bytes, Source source) {
     if (start < m_sources.size()) m_sources[start] = source;
 }
 
-// Of a window that has the bytes from `start` up to, but without, `end`.
+// For a window that has the bytes from `start` up to, not including, `end`.
 void CheapestPath::findInsideWords(Window& window, std::size_t start, std::size_t end) const {
     for (const WeightedImage& weighted : m_images.images) {
         InsideWords& inside = window.insideWords[weighted.isFolded];
@@ -169,7 +169,7 @@ void CheapestPath::findInsideWords(Window& window, std::size_t start, std::size_
     }
 }
 
-// Finds the keys that begin at the labels from `first` up to, but without, `end`.
+// Finds the keys that begin at the labels from `first` up to, not including, `end`.
 void CheapestPath::findKeys(const Window& window, std::size_t first, std::size_t end) {
     m_found.clear();
     for (std::uint32_t image = 0; image < m_images.images.size(); ++image) {
@@ -182,7 +182,7 @@ void CheapestPath::findKeys(const Window& window, std::size_t first, std::size_t
     }
 }
 
-// The weights are read here, and not while paths are compared, so that no comparison waits for one.
+// Reads the weights here, not while paths are compared, so that no comparison waits for one.
 void CheapestPath::findKeysOf(std::uint32_t image, const Window& window, std::size_t first,
                               std::size_t end) {
     m_ofImage.clear();
@@ -197,7 +197,8 @@ void CheapestPath::findKeysOf(std::uint32_t image, const Window& window, std::si
         });
 }
 
-// Puts the keys of an image among those of the images before it, or in their place.
+// Merges the keys of an image with those of the images before it. At the same stretch, its key
+// replaces theirs.
 void CheapestPath::mergeKeys() {
     m_merged.clear();
     std::set_union(m_ofImage.begin(), m_ofImage.end(), m_found.begin(), m_found.end(),
@@ -207,7 +208,7 @@ void CheapestPath::mergeKeys() {
     m_found.swap(m_merged);
 }
 
-// Whether byte `place` of the text is inside a word where that counts.
+// Whether byte `place` of the text is inside a word. False if keys need not be whole words.
 bool CheapestPath::isInsideWord(const WeightedImage& weighted, std::size_t place) const {
     if (!m_wholeWords) return false;
     if (!weighted.isFolded) return Words<LabelText>(LabelText(m_text)).isInside(place);

@@ -17,21 +17,21 @@
 
 namespace Dictionary {
 
-// The images to segment with and their weights. Where a stretch is a key of several, the last one
-// counts.
+// An image to segment with, and its weights.
 struct WeightedImage {
     ImageView image;
     bool isFolded;
     Weights weights;
     std::size_t longestKey = 0;  // in labels
 };
+// If a stretch is a key of several images, the last of them counts.
 struct WeightedImages {
     std::vector<WeightedImage> images;
     double unknownWeight = 0;  // of a character where no key begins
 };
 
-// Cuts texts, one after the other, with the same memory. Beside the text it takes one byte for each
-// of its bytes, and a constant.
+// Cuts texts one after the other and reuses its memory: one byte for each byte of the text, and a
+// constant.
 class CheapestPath {
 public:
     // With `wholeWords` no key begins or ends inside a word.
@@ -44,13 +44,13 @@ public:
     // Cuts `text`, which must last as long as its pieces are asked for.
     void cut(std::string_view text);
 
-    // Calls `found(start, end, image, feature)` for the keys of the path by their bytes, in their
-    // order, until it returns false; false then.
+    // Calls `found(start, end, image, feature)` for each key of the path, in order, until it
+    // returns false. Returns false if it did. `start` and `end` are in bytes.
     template <class Found>
     bool forEachKey(Found found) const;
 
 private:
-    // What begins at a byte: a key of so many bytes, or something else.
+    // What begins at a byte: a key of so many bytes, or one of these.
     static constexpr std::uint8_t kNoKey = 0;
     static constexpr std::uint8_t kLongKey = 255;
 
@@ -58,7 +58,7 @@ private:
         std::size_t start;
         std::size_t bytes;
     };
-    // What is known of a key in a text.
+    // Where a key in a text comes from.
     struct Source {
         std::uint32_t image;
         std::int32_t feature;
@@ -101,17 +101,18 @@ private:
     std::string_view m_text;
     std::vector<std::uint8_t> m_keys;  // by the byte at which they begin
     std::vector<LongKey> m_longKeys;   // from the last one to the first
-    // By the byte at which keys begin, near the text's beginning; others are looked up again.
+    // By the byte at which the key begins. Only for the beginning of the text; keys after that are
+    // looked up again.
     std::vector<Source> m_sources;
-    std::vector<double> m_scores;  // by label of the window, of the best path to the end
+    std::vector<double> m_scores;  // by label of the window: of the best path from it to the end
     std::vector<double> m_laterScores;
     std::vector<FoundKey> m_found;  // in a block of labels, by start, shortest first
     std::vector<FoundKey> m_ofImage, m_merged;
-    std::size_t m_left = 0;  // of them, where no path was chosen yet
+    std::size_t m_left = 0;  // how many of m_found are still to be chosen from
 };
 
-// Calls `found(image, feature)` for the key in the bytes from `start` up to, but without, `end`, as
-// the last of the images has it of which it is a key there.
+// Calls `found(image, feature)` for the key in the bytes from `start` up to, not including, `end`.
+// If several images have the key there, the last of them counts.
 template <class Found>
 bool CheapestPath::findKey(std::size_t start, std::size_t end, Found found) const {
     const std::string_view key = m_text.substr(start, end - start);
@@ -122,7 +123,7 @@ bool CheapestPath::findKey(std::size_t start, std::size_t end, Found found) cons
             done = i;
         };
         const WeightedImage& weighted = m_images.images[i];
-        // Of images that read the text alike, the one that has the key is known to be meant.
+        // If all images read the text in the same form, both ends are known not to be inside words.
         if (m_formsDiffer && (isInsideWord(weighted, start) || isInsideWord(weighted, end))) {
             continue;
         }

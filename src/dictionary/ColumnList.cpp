@@ -16,8 +16,8 @@ constexpr std::uint32_t* DictionaryColumns::*kColumns[] = {
     &DictionaryColumns::dataNumber, &DictionaryColumns::image};
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
-// Memory of malloc. Where it is large, the system is asked for huge pages: to get small ones takes
-// a third of the time of the search that fills them.
+// Memory from malloc. If it is large, asks the system for huge pages: getting small ones takes a
+// third of the time of the search that fills them.
 std::uint32_t* roomFor(std::size_t numbers) {
     const std::size_t size = numbers * sizeof(std::uint32_t);
     if (size < 2 * kHugePage) return static_cast<std::uint32_t*>(std::malloc(size));
@@ -34,8 +34,8 @@ void freeColumns(DictionaryColumns& columns) {
     columns = {};
 }
 
-// Room for as many entries as the texts before let expect, at least for twice as many as there are.
-// Memory that is never written to costs nothing.
+// Room for as many entries as must be expected after the texts so far, but for at least twice as
+// many as there are. Memory that is never written to costs nothing.
 std::size_t ColumnList::grownCapacity() const {
     constexpr std::size_t kLeast = 16, kTelling = 4096, kMostGrowth = 64;
     constexpr double kMargin = 1.125;

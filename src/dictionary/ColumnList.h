@@ -10,7 +10,7 @@
 
 namespace Dictionary {
 
-// An entry of all columns.
+// One entry of each column.
 struct ColumnEntry {
     std::uint32_t text;
     std::uint32_t start;
@@ -19,12 +19,12 @@ struct ColumnEntry {
     std::uint32_t image;
 };
 
-// The caller's columns, emptied. They are parts of one block of memory, that of the texts first.
+// The caller's columns, emptied. They are parts of one block of memory, in which `text` is first.
 class ColumnList {
 public:
     explicit ColumnList(DictionaryColumns& columns) : m_columns(columns) { m_columns.count = 0; }
 
-    // Says how long the texts are all together.
+    // Says how many bytes all texts have together.
     void expect(std::size_t bytes) { m_bytes = bytes; }
 
     void add(const ColumnEntry& entry) {
@@ -37,7 +37,7 @@ public:
         m_columns.image[place] = entry.image;
     }
 
-    // Comes after the last entry of a text.
+    // Must be called after the last entry of a text.
     void passText(std::size_t bytes) {
         m_bytesPassed += bytes;
         m_entriesPassed = m_columns.count;

@@ -24,7 +24,7 @@ namespace Dictionary {
 
 namespace {
 
-// A visitor of the caller's, whose exceptions go no further.
+// The caller's visitor. If it throws, it counts as returning false.
 struct Visitor {
     bool (*visit)(void* context, const DictionaryMatch* match);
     void* context;

@@ -20,8 +20,8 @@ struct ImageFault {
 // Whether an image can have `size` bytes.
 bool canBeImageSize(std::size_t size);
 
-// The first fault of the `size` bytes at `image`, or a fault of code DICTIONARY_OK. Codes are from
-// 1 to below `alphabetSize`. Throws only what the allocator throws.
+// The first fault of the `size` bytes at `image`, or a fault of code DICTIONARY_OK. Labels are
+// from 1 to below `alphabetSize`. Throws only what the allocator throws.
 ImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize);
 
 }  // namespace Dictionary

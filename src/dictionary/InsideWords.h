@@ -17,13 +17,13 @@ namespace Dictionary {
 // Short texts take no memory from the heap.
 class InsideWords {
 public:
-    // What is beside a text that is part of a longer one.
+    // What is next to a text that is part of a longer one.
     struct Neighbours {
         bool followsWord = false;
         WordClass next = WordClass::kNone;
     };
 
-    // Looks at each place of the text, that at the end included.
+    // Looks at each place of the text, including its end.
     void find(const EncodedText& text, const Neighbours& beside) {
         const std::size_t places = (text.size() + kBlock) / kBlock * kBlock;
         std::uint8_t* const bytes = roomFor(places + 1 + TextSearch::kClosedPadding);
@@ -40,7 +40,7 @@ public:
     }
     bool isFound() const { return m_isFound; }
 
-    // By place, not 0 inside a word; null where none is, or before anything was found.
+    // By place: not 0 if it is inside a word. Null if no place is, or before find().
     const std::uint8_t* closedPlaces() const { return m_inside; }
 
 private:
@@ -65,12 +65,12 @@ private:
         return hasMarks;
     }
 
-    // Without a table and without branches, so that registers of characters are classified at a
-    // time. False when a character is none of those that this knows.
+    // Needs no table and no branches, so that whole registers of characters are classified at once.
+    // Returns false if a character is not among those that this knows.
     static bool classifyByRanges(const std::int32_t* codes, std::uint8_t* classes) {
         std::uint16_t known = 1;
         for (std::size_t i = 0; i < kBlock; ++i) {
-            // Without pairs no bits are lost, but of codes that are no character.
+            // As there are no pairs, only codes that are not characters lose bits.
             const auto code = static_cast<std::uint16_t>(codes[i]);
             classes[i] =
                 isBetween(code, '0', '9') || isBetween(code, 'A', 'Z') || isBetween(code, 'a', 'z')
@@ -81,12 +81,12 @@ private:
         return known != 0;
     }
 
-    // 1 or 0, so that clang sees numbers joined by bits and no conditions.
+    // Returns 1 or 0, so that clang sees bits of numbers being joined, and no conditions.
     static int isBetween(std::uint16_t code, std::uint16_t first, std::uint16_t last) {
         return static_cast<std::uint16_t>(code - first) <= last - first;
     }
 
-    // Punctuation, Kana, Bopomofo and Han, not all of them.
+    // Whether it is ASCII, or in one of the ranges for most punctuation, Kana, Bopomofo and Han.
     static int isAsciiOrWordless(std::uint16_t code) {
         return isBetween(code, 0, 0x7F) | isBetween(code, 0x200E, 0x2070) |
                isBetween(code, 0x2E30, 0x3029) | isBetween(code, 0x3030, 0x3098) |
@@ -103,7 +103,7 @@ private:
         return hasMarks;
     }
 
-    // Where there are pairs, their second labels are marks.
+    // For texts with pairs. There are always marks: the second labels of the pairs.
     static bool classifyEach(const EncodedText& text, std::uint8_t* classes, std::size_t places) {
         for (std::size_t place = 0; place < text.size(); ++place) {
             classes[place] = static_cast<std::uint8_t>(classOf(text, place));
@@ -112,15 +112,15 @@ private:
         return true;
     }
 
-    // The second label of a pair is a mark: it goes on with what the first one is.
+    // The second label of a pair is a mark, so it continues what the first one is.
     static WordClass classOf(const EncodedText& text, std::size_t place) {
         if (text.isInsidePair(place)) return WordClass::kMark;
         return wordClassOf(text.characterAt(place));
     }
 
-    // ---- From the classes, each in the byte after its place, to what is inside ----
+    // ---- From classes, each in the byte after its place, to whether places are inside ----
 
-    // Returns whether any of the places is.
+    // Returns whether any place is inside a word.
     static bool join(std::uint8_t* bytes, std::size_t places) {
         std::uint8_t any = 0;
         for (std::size_t place = 0; place < places; ++place) {
@@ -130,7 +130,7 @@ private:
         return any != 0;
     }
 
-    // The same where there are marks.
+    // The same if there are marks.
     static bool joinMarked(std::uint8_t* bytes, std::size_t places) {
         bool followsWord = bytes[0] != 0, isAnyInside = false;
         for (std::size_t place = 0; place < places; ++place) {

@@ -9,7 +9,7 @@ namespace Dictionary {
 
 namespace {
 
-// Copies whole blocks; after both texts is room for one.
+// Copies whole blocks. After both texts there is room for one.
 void copyText(char* target, const char* text, std::size_t size) {
     std::size_t done = 0;
     do {
@@ -57,7 +57,7 @@ void KeyCursor::start(const char* entry, std::size_t prefixBytes) {
     for (int i = 0; i < kNear; ++i) lookAhead();
 }
 
-// Asks for the data of one more key.
+// Prefetches the data of one more key.
 void KeyCursor::lookAhead() {
     if (m_ahead == m_index->entriesEnd()) return;
     const KeyEntry entry = KeyIndex::entryAt(m_ahead);

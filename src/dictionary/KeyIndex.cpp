@@ -12,7 +12,7 @@ namespace Dictionary {
 
 namespace {
 
-constexpr std::uint32_t kRoot = 0;  // its children are kept as the header's
+constexpr std::uint32_t kRoot = 0;  // its children are kept as those of the header
 constexpr std::int32_t kSurrogatesEnd = 0xE000;
 constexpr std::uint32_t kNowhere = std::numeric_limits<std::uint32_t>::max();
 
@@ -22,11 +22,12 @@ struct Node {
     std::int32_t feature;
     std::uint32_t children;  // number of the first
     std::uint32_t childrenEnd;
-    std::uint16_t label;  // 0 where there is none
+    std::uint16_t label;  // 0 if it has no possible one
     bool isKey;
 };
 
-// The nodes of a trie, sorted by their parents' cells and then by their labels: one counting sort.
+// The nodes of a trie, sorted by their parents' cells and then by their labels, in one counting
+// sort.
 class Nodes {
 public:
     explicit Nodes(const CellView& cells);
@@ -53,7 +54,7 @@ Nodes::Nodes(const CellView& cells) : m_cells(cells), m_starts(cells.firstLimit(
     std::uint32_t sum = 0;
     for (std::uint32_t& start : m_starts) sum += std::exchange(start, sum);
     m_nodes.resize(sum);
-    // A start moves over the children as they come; at last it is that of the next cell.
+    // A start moves on with each child that comes. In the end it is the start for the next cell.
     forEachChild([this](std::uint32_t cell, std::uint32_t parent) {
         m_nodes[m_starts[parent + 1]++] = nodeOf(cell, parent);
     });
@@ -81,7 +82,7 @@ void Nodes::forEachChild(Use use) {
     }
 }
 
-// kNowhere when there is none that can be.
+// kNowhere if the cell has no possible parent.
 std::uint32_t Nodes::parentOf(std::uint32_t cell) const {
     const std::int32_t check = m_cells.checkOf(cell);
     if (check == kRootCheck) return cell < kBmpEnd ? kRoot : kNowhere;
@@ -98,7 +99,7 @@ Node Nodes::nodeOf(std::uint32_t cell, std::uint32_t parent) const {
             endsKey(here)};
 }
 
-// Returns where the length ends.
+// Returns where the written length ends.
 char* writeLength(char* place, std::size_t length) {
     const auto value = static_cast<std::uint32_t>(length);
     if (value < kLongLength) {
@@ -125,9 +126,9 @@ private:
     // A node on the way from the root to where the lister is.
     struct Step {
         std::uint32_t cell;
-        std::uint32_t child;  // number of the next
+        std::uint32_t child;  // number of the next one
         std::uint32_t childrenEnd;
-        std::int32_t high;  // the node's label if a character begins with it, else 0
+        std::int32_t high;  // the node's label if it is a high surrogate, else 0
         std::size_t bytes;  // of the text before the node's label
     };
 
@@ -140,7 +141,7 @@ private:
     KeyIndex& m_index;
     std::vector<Step> m_path;
     std::string m_text;
-    std::size_t m_shared = 0;  // bytes of the text that the last key listed has, too
+    std::size_t m_shared = 0;  // bytes that the text shares with the last key listed
 };
 
 void KeyLister::run() {
@@ -157,7 +158,7 @@ void KeyLister::run() {
     m_index.m_entries.shrink_to_fit();
 }
 
-// Passes by nodes whose labels cannot come here: below them is no key.
+// Skips nodes whose labels cannot come here. There is no key below them.
 void KeyLister::enter(const Node& node) {
     const std::int32_t high = m_path.back().high;
     if (node.label == 0 || isLowSurrogate(node.label) != (high != 0)) return;
@@ -169,7 +170,7 @@ void KeyLister::enter(const Node& node) {
     if (node.isKey) list(node.feature);
 }
 
-// Characters above U+FFFF come last, and so do the surrogates that they begin with.
+// Characters above U+FFFF come last, so the surrogates that they begin with are moved to the end.
 void KeyLister::addStep(const Node& node, std::int32_t high) {
     m_path.push_back({node.cell, node.children, node.childrenEnd, high, m_text.size()});
     if (node.children == node.childrenEnd) return;

@@ -15,7 +15,7 @@
 
 namespace Dictionary {
 
-// A text for walks, of the labels on the way from the root to a cell. Can be used again.
+// A text for walks: the labels on the way from the root to a cell. Can be reused.
 class KeyLabels {
 public:
     // Climbs from `cell`, which must be a node of a sound image.
@@ -47,7 +47,7 @@ public:
     std::int32_t next(std::size_t& place) const { return m_labels[place++]; }
 
 private:
-    std::vector<std::int32_t> m_labels;  // and kEnd
+    std::vector<std::int32_t> m_labels;  // the last one is kEnd
 };
 
 }  // namespace Dictionary

@@ -33,9 +33,9 @@ struct DictionaryCursor {
     std::size_t next(DictionaryKey* keys, std::size_t count);
 
 private:
-    // For the texts of many keys there is room for so many bytes and one key more.
+    // The texts of many keys have room for so many bytes and one more key.
     static constexpr std::size_t kTextBytes = 1 << 16;
-    // Folding takes a character of three bytes to one at most, and one of two bytes to three.
+    // At most, folding shrinks a character from three bytes to one, or grows it from two to three.
     static constexpr std::size_t kMostShrinking = 3;
     static constexpr std::size_t kMostGrowth = 2;
 
@@ -47,18 +47,18 @@ private:
     struct Source {
         Dictionary::KeyCursor cursor;
         bool isFolded;
-        bool mustMove = true;  // before it has a key that was not handed out
+        bool mustMove = true;  // before it has another key to hand out
         bool hasKey = false;
     };
 
     std::vector<Source> sources;  // by the numbers of their images
-    std::size_t longest = 0;      // key, in bytes
+    std::size_t longest = 0;      // size of the longest key, in bytes
     std::size_t longestFolded = 0;
     std::string foldedPrefix;
     std::unique_ptr<char[]> manyTexts;
 };
 
-// Takes no memory. Of a long prefix it folds as much as makes it longer than all keys.
+// Allocates no memory. Folds only so much of a long prefix that the result is longer than all keys.
 std::string_view DictionaryCursor::fold(std::string_view prefix) {
     Dictionary::foldUtf8(prefix.substr(0, kMostShrinking * (longestFolded + 1)), foldedPrefix);
     return foldedPrefix;
@@ -71,7 +71,8 @@ void DictionaryCursor::seek(std::string_view prefix) {
     }
 }
 
-// Of the images that have the least key left, the last one counts, and all of them move on.
+// Takes the least key that is left. If several images have it, the last one counts, and all of them
+// move on.
 bool DictionaryCursor::next(DictionaryKey& key) {
     Source* least = nullptr;
     for (Source& source : sources) {

@@ -1,7 +1,7 @@
 // Helper, not installed: searches that go through a text key by key and can stop at each.
 //
-// They read any class of keys like ImageKeys. `found(from, key)` returns false to stop; the
-// searches return false when it did.
+// They take any class of keys that is like ImageKeys. `found(from, key)` returns false to stop the
+// search, which then returns false, too.
 
 #ifndef DICTIONARY_KEY_SCAN_H
 #define DICTIONARY_KEY_SCAN_H
@@ -15,7 +15,7 @@
 
 namespace Dictionary {
 
-// The codes of the characters in keys are below it.
+// The codes of the characters in keys are below this.
 constexpr std::int32_t kAlphabet = 0x10000;
 
 // A key that begins at some place.
@@ -32,7 +32,7 @@ void passCharacter(const Text& text, std::size_t& place) {
     while (text.isInsidePair(place));
 }
 
-// The keys of image number 0 in a text of Walk.h.
+// The keys of image number 0 in a text that Walk.h can read.
 template <class Text>
 class ImageKeys {
 public:
@@ -52,7 +52,7 @@ public:
         return m_keys;
     }
 
-    // Whether a key begins at `place`; `key` becomes the longest.
+    // Whether a key begins at `place`. If so, `key` becomes the longest one.
     bool longestAt(std::size_t place, KeyAt& key) const {
         if (!mayBeginAt(place)) return false;
         const LongestKey longest = longestFrom(m_cells, m_text, place, m_alphabet, AnyPlace());
@@ -60,7 +60,7 @@ public:
         return longest.isFound();
     }
 
-    // Calls `found(key)` for the longest key at `place`. False when that did.
+    // Calls `found(key)` for the longest key at `place`. Returns false if `found` did.
     template <class Found>
     bool visitLongestAt(std::size_t place, const Found& found) const {
         KeyAt key;
@@ -104,7 +104,7 @@ bool scanLongestKeys(Keys& keys, const Found& found) {
     return true;
 }
 
-// The longest key at the first place that has one, then the same after it, and so on.
+// The longest key at the first place that has one, then the same after that key, and so on.
 template <class Keys, class Found>
 bool scanSegments(Keys& keys, const Found& found) {
     for (std::size_t from = 0; from < keys.size();) {

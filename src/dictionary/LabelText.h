@@ -14,9 +14,9 @@
 
 namespace Dictionary {
 
-// The labels that EncodedText encodes with `Map`. Its places are byte offsets; the one between the
-// two labels of a character is that of the character's last byte. Views the bytes, which must
-// outlive it.
+// The same labels that EncodedText makes with `Map`. Places are byte offsets. The place between the
+// two labels of a character is the offset of the character's last byte. The bytes must outlive the
+// object.
 template <class Map>
 class MappedText {
 public:
@@ -29,7 +29,7 @@ public:
         return place < m_size && isContinuation(m_bytes[place]) && wideEndingAt(place).length != 0;
     }
 
-    // The label at `place`, which moves after it; at the end, EncodedText::kEnd.
+    // The label at `place`; at the end, EncodedText::kEnd. Moves `place` after the label.
     std::int32_t next(std::size_t& place) const {
         if (place == m_size) return EncodedText::kEnd;
         if (m_bytes[place] < kMultiByteLead) return nextOfOneByte(place);
@@ -48,7 +48,7 @@ public:
         return isHighSurrogate(code) ? codeOfPair(code, next(place)) : code;
     }
 
-    // The character that ends at `place`, which moves to where it begins; not from 0.
+    // The character that ends at `place`, which is not 0. Moves `place` to where it begins.
     std::int32_t previous(std::size_t& place) const {
         const std::size_t end = place;
         const std::uint8_t last = m_bytes[end - 1];
@@ -69,7 +69,7 @@ private:
     static constexpr std::uint8_t kFourByteLead = 0xF0;
     static constexpr Utf8Character kNone = {0, 0};
 
-    // ASCII, or a byte inside a character, or one of none.
+    // For a byte that is ASCII, inside a character, or not part of any character.
     std::int32_t nextOfOneByte(std::size_t& place) const {
         const std::int32_t byte = m_bytes[place];
         const Utf8Character wide = isContinuation(m_bytes[place]) ? wideEndingAt(place) : kNone;
@@ -78,7 +78,7 @@ private:
         return byte > 0 && byte < 0x80 ? Map()(byte) : EncodedText::kNoCharacter;
     }
 
-    // The character above U+FFFF whose last byte is at `place`; of length 0 when there is none.
+    // The character above U+FFFF whose last byte is at `place`. Its length is 0 if there is none.
     Utf8Character wideEndingAt(std::size_t place) const {
         if (place < kLastByte || m_bytes[place - kLastByte] < kFourByteLead) return kNone;
         return decodeMultiByte(m_bytes + place - kLastByte, kLastByte + 1);

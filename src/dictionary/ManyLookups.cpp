@@ -11,9 +11,9 @@ namespace Dictionary {
 
 namespace {
 
-// A walk waits for one cell after the other. So many walks go in turn: each asks the memory for the
-// cell that it needs next and lets the others go on meanwhile; one that ends makes room for the
-// next key at once. Keys that are found wait in the same way for their data texts.
+// A walk waits for one cell after the other. So several walks take turns: each prefetches the cell
+// that it needs next and lets the others go on meanwhile. When a walk ends, the next key takes its
+// place at once. Keys that are found wait for their data texts in the same way.
 class ManyLookups {
 public:
     ManyLookups(const ImageView& image, const DictionaryText* keys, std::size_t count,
@@ -30,7 +30,7 @@ private:
         Utf8LabelText text{nullptr, 0};  // of the key
         std::size_t place;               // of its next label
         std::uint32_t cell;              // reached
-        std::uint32_t child;             // asked for
+        std::uint32_t child;             // prefetched
         std::size_t key;                 // number of the key
     };
     struct Found {
@@ -78,7 +78,7 @@ bool ManyLookups::isWanted(std::size_t key) const {
     return m_data[key].bytes == nullptr && m_keys[key].bytes != nullptr && m_keys[key].size > 0;
 }
 
-// Begins the walk of the next key that is wanted; false when there is none.
+// Begins the walk of the next key that is wanted. Returns false if there is none.
 bool ManyLookups::start(Walk& walk) {
     while (m_started < m_count && !isWanted(m_started)) ++m_started;
     if (m_started == m_count) return false;
@@ -89,14 +89,14 @@ bool ManyLookups::start(Walk& walk) {
     return true;
 }
 
-// Where there is no such cell, the walk goes to the header, which is no cell's child.
+// If there is no such cell, the walk goes to the header, which is not the child of any cell.
 void ManyLookups::askForChild(Walk& walk, std::int32_t base) {
     const std::uint32_t child = childCell(base, walk.text.next(walk.place));
     walk.child = child < m_cells.firstLimit() ? child : 0;
     __builtin_prefetch(m_cells.bytes() + std::size_t{walk.child} * kCellBytes);
 }
 
-// Takes one step; false when the walk has ended.
+// Takes one step. Returns false if the walk has ended.
 bool ManyLookups::advance(Walk& walk) {
     if (m_cells.checkOf(walk.child) != static_cast<std::int32_t>(walk.cell)) return false;
     walk.cell = walk.child;

@@ -10,8 +10,8 @@
 
 namespace Dictionary {
 
-// Sets data[i] to the data text of keys[i] if that is a key of the image, and leaves it as it is
-// if not. Keys whose data is there already, not null, are passed by. Returns how many were found.
+// Sets data[i] to the data text of keys[i] if that is a key of the image. If not, data[i] stays as
+// it is. Skips keys whose data is already there, not null. Returns how many keys it found.
 std::size_t lookUpEach(const ImageView& image, const DictionaryText* keys, std::size_t count,
                        DictionaryText* data);
 

@@ -12,7 +12,7 @@
 
 namespace Dictionary {
 
-// Room in `items`, memory of realloc, for at least one item more than `capacity`, which grows.
+// Makes room in `items`, memory from realloc, for at least one more item, and raises `capacity`.
 template <class Item>
 void growItems(Item*& items, std::size_t& capacity) {
     constexpr std::size_t kFirstCapacity = 16;

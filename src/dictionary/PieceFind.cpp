@@ -23,14 +23,15 @@ bool isAsciiLetterOrDigit(char byte) {
     return (byte >= '0' && byte <= '9') || (letter >= 'a' && letter <= 'z');
 }
 
-// Hands out the keys of a segmentation as matches and, where the options want them, the pieces
-// between them.
+// Hands out the keys of a segmentation as matches, and also the pieces between them if the options
+// say so.
 class Pieces {
 public:
     Pieces(const TextFind& find, const MatchTaker& taker)
         : m_find(find), m_taker(taker), m_text(find.text), m_units(m_text, find.options.unit) {}
 
-    // Of a key in the bytes from `start` up to, but without, `end`. False when that was enough.
+    // Takes a key in the bytes from `start` up to, not including, `end`. Returns false if that was
+    // enough.
     bool takeKey(std::size_t start, std::size_t end, const ImageView& image, std::uint32_t number,
                  std::int32_t feature) {
         if (!takeUnknown(start)) return false;
@@ -39,7 +40,7 @@ public:
                     static_cast<std::uint32_t>(feature), number);
     }
 
-    // What no key covers, from the last piece up to `end`. False when that was enough.
+    // Takes what no key covers, from the last piece up to `end`. Returns false if that was enough.
     bool takeUnknown(std::size_t end) {
         if (!m_find.options.unknownPieces) return true;
         while (m_end < end) {

@@ -62,7 +62,7 @@ private:
     DictionaryReplacement& m_result;
 };
 
-// Writes a text with its keys replaced. The keys come in their order, in bytes.
+// Writes a text with its keys replaced. The keys come in their order, with offsets in bytes.
 class Replacer {
 public:
     Replacer(std::string_view text, int unit, const DictionaryReplaceOptions& options,
@@ -116,11 +116,11 @@ private:
     const std::string_view m_text;
     const int m_unit;
     const DictionaryReplaceOptions& m_options;
-    const std::string_view m_alternatives;  // what separates them; empty when nothing does
+    const std::string_view m_alternatives;  // what separates them; empty if nothing does
     ReplacedText m_result;
     std::size_t m_copied = 0;       // bytes of the text that are done with
-    std::size_t m_units = 0;        // of those
-    std::size_t m_resultUnits = 0;  // of the result
+    std::size_t m_units = 0;        // units of those bytes
+    std::size_t m_resultUnits = 0;  // units of the result
 };
 
 DictionaryReplaceOptions readReplaceOptions(const DictionaryReplaceOptions* options) {

@@ -36,7 +36,7 @@ std::size_t labelsTo(const CellView& cells, std::int32_t cell) {
 // The weights of one image's keys, read from a field of their data.
 class WeightReader {
 public:
-    // Makes every weight the number in the field.
+    // Sets every weight to the number in the field.
     WeightReader(WeightedImage& weighted, const DictionarySegmenterOptions& options,
                  std::optional<std::int64_t> numberInSet)
         : m_image(weighted.image),
@@ -79,7 +79,7 @@ private:
     const unsigned m_field;
     Weights& m_weights;
     std::size_t& m_longestKey;
-    std::vector<std::uint32_t> m_keys;  // how many have each data text, by its number
+    std::vector<std::uint32_t> m_keys;  // how many keys have each data text, by its number
 };
 
 void WeightReader::countKeys() {
@@ -118,7 +118,7 @@ void WeightReader::refuseKeyOf(std::int32_t feature, int code, std::string_view 
     throw Failure{errorOf(code)};
 }
 
-// The text, or the characters of which its beginning consists when it is long.
+// The text; if it is long, only whole characters at its beginning.
 std::string_view shown(std::string_view text) {
     constexpr std::size_t kShown = 80;
     if (text.size() <= kShown) return text;
@@ -153,7 +153,7 @@ void WeightReader::refuse(std::int32_t cell, int code, std::string_view value) c
 
 using Readers = std::vector<WeightReader>;
 
-// Leaves a key out of the sum of the last image before number `later` that has it.
+// Leaves the key out of the sum of the last image before number `later` that has it.
 void leaveOutHidden(const KeyLabels& key, std::size_t later, Readers& readers) {
     for (std::size_t i = later; i-- > 0;) {
         bool isKey = false;
@@ -165,7 +165,7 @@ void leaveOutHidden(const KeyLabels& key, std::size_t later, Readers& readers) {
     }
 }
 
-// In a set, a key of several images counts once, as the last of them has it.
+// In a set, a key of several images counts once, with the weight in the last of them.
 void leaveOutHidden(Readers& readers) {
     KeyLabels key;
     for (std::size_t later = 1; later < readers.size(); ++later) {

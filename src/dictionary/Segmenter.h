@@ -7,7 +7,7 @@
 #include "Dictionary.h"
 
 struct DictionarySegmenter {
-    const DictionaryHandle* const handle;  // with no other one
+    const DictionaryHandle* const handle;  // the only one that it can be used with
     const Dictionary::WeightedImages weighted;
 };
 

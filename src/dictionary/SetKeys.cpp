@@ -35,7 +35,7 @@ const std::vector<KeyAt>& SetKeys::allAt(std::size_t place) {
     return m_keys;
 }
 
-// Of keys at the same stretch, the one added last comes last, or takes the other's place.
+// Of keys at the same stretch, the one added last comes last, or replaces the other.
 void SetKeys::add(const KeyAt& key) {
     const auto after =
         std::upper_bound(m_keys.begin(), m_keys.end(), key,

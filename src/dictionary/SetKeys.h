@@ -1,5 +1,5 @@
-// Helper, not installed: the keys of several images, of folded ones, and those that are whole
-// words, place by place.
+// Helper, not installed: the keys at each place of a text, in several images, in folded ones, and
+// for whole words.
 
 #ifndef DICTIONARY_SET_KEYS_H
 #define DICTIONARY_SET_KEYS_H
@@ -19,7 +19,7 @@ namespace Dictionary {
 // Which keys of a set of images are found.
 struct SetRules {
     bool wholeWords;
-    bool everyImage;  // of those at the same stretch; else that of the last image
+    bool everyImage;  // at the same stretch, the keys of all images; else only that of the last
 };
 
 // For the searches of KeyScan.h.
@@ -34,14 +34,14 @@ public:
     std::size_t size() const { return m_plain.size(); }
     void pass(std::size_t& place) const { passCharacter(m_plain, place); }
 
-    // All keys at `place`, shortest first and by image, valid until the next call.
+    // All keys at `place`, shortest first, then by image, valid until the next call.
     const std::vector<KeyAt>& allAt(std::size_t place);
 
-    // Whether a key begins at `place`; `key` becomes the longest.
+    // Whether a key begins at `place`. If so, `key` becomes the longest one.
     bool longestAt(std::size_t place, KeyAt& key) const;
 
-    // Calls `found(key)` for the longest key at `place`, or for each of several images. False when
-    // that did.
+    // Calls `found(key)` for the longest key at `place`; with everyImage, for that of each image
+    // that has it. Returns false if `found` did.
     template <class Found>
     bool visitLongestAt(std::size_t place, const Found& found);
 

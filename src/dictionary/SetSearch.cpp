@@ -46,7 +46,7 @@ void SetSearch::LaterKeys::list(std::uint32_t image, std::size_t first) {
     }
 }
 
-// Puts the keys of an image among those of the images before it.
+// Merges the keys of an image with those of the images before it.
 void SetSearch::LaterKeys::merge() {
     const bool longestAlone = m_counts == Counts::kLongest;
     m_merged.clear();
@@ -67,7 +67,7 @@ void SetSearch::LaterKeys::merge() {
     m_keys.swap(m_merged);
 }
 
-// Whether a key begins at `from`; `key` becomes the longest.
+// Whether a key begins at `from`. If so, `key` becomes the longest one.
 bool SetSearch::longestAt(std::size_t from, KeyAt& key) const {
     bool isFound = false;
     if (m_text.any().isInsidePair(from)) return isFound;

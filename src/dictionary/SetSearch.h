@@ -35,7 +35,7 @@ public:
     // `images` and `text` must outlive the object.
     SetSearch(const Images& images, const SetRules& rules, const SetText& text);
 
-    // Calls `found(key)` for every key by start, end and image.
+    // Calls `found(key)` for every key, in the order of start, end and image.
     template <class Found>
     void forEachKey(const Found& found) const;
 
@@ -43,7 +43,8 @@ public:
     template <class Found>
     void forEachLongestKey(const Found& found) const;
 
-    // Calls `found(key)` for the longest key at the first character that begins one, and so on.
+    // Calls `found(key)` for the longest key at the first character that begins one, then for the
+    // first after that key, and so on.
     template <class Found>
     void forEachSegment(const Found& found) const;
 
@@ -51,18 +52,18 @@ private:
     // Which of the keys at a character count.
     enum class Counts { kAll, kLongest };
 
-    // What is searched of one image.
+    // What is searched in one image.
     struct Part {
         const CellView& cells;
         const EncodedText& text;
-        const std::uint8_t* closed;  // by place, whether it is inside a word; null for none
+        const std::uint8_t* closed;  // by place: whether it is inside a word; null if none is
 
         bool isClosed(std::size_t place) const { return closed != nullptr && closed[place] != 0; }
         TextSearch search() const;
     };
 
-    // The keys of all images but the first, block by block. Of keys at the same stretch that of the
-    // last image counts, or each.
+    // The keys of all images except the first, block by block. Of keys at the same stretch, that of
+    // the last image counts; with everyImage, all of them do.
     class LaterKeys {
     public:
         using Keys = std::pmr::vector<SetKey>;
@@ -80,7 +81,7 @@ private:
 
         const SetSearch& m_search;
         const Counts m_counts;
-        // Few keys at a time take no memory from the heap.
+        // A few keys at a time take no memory from the heap.
         alignas(SetKey) char m_room[kRoom];
         std::pmr::monotonic_buffer_resource m_memory{m_room, sizeof m_room};
         Keys m_keys{&m_memory}, m_ofImage{&m_memory}, m_merged{&m_memory};  // of a block
@@ -134,8 +135,8 @@ void SetSearch::forEachSegment(const Found& found) const {
     }
 }
 
-// The first image, which tends to be the largest, is searched as it would be alone, but for blocks
-// in which there are keys of others.
+// The first image tends to be the largest. It is searched as if it were alone, except in blocks in
+// which other images have keys.
 template <SetSearch::Counts counts, class Found>
 void SetSearch::forEachMergedKey(const Found& found) const {
     LaterKeys later(*this, counts);
@@ -150,7 +151,7 @@ void SetSearch::forEachMergedKey(const Found& found) const {
     }
 }
 
-// Where the longest count alone, the later keys have one length at each start.
+// If only the longest keys count, the later keys at each start have the same length.
 template <SetSearch::Counts counts, class Found>
 void SetSearch::mergeBlock(const TextSearch& first, std::size_t block, const LaterKeys::Keys& later,
                            const Found& found) const {

@@ -13,7 +13,7 @@ namespace Dictionary {
 
 class SetText {
 public:
-    // `text` is read in the form of each image of `images`, of which `isFolded(image)` says which.
+    // Reads `text` in each form that the images need. `isFolded(image)` says which one that is.
     template <class Images, class IsFolded>
     SetText(const Images& images, std::string_view text, IsFolded isFolded) {
         for (const auto& image : images) addForm(isFolded(image), text);

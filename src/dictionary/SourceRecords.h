@@ -23,7 +23,7 @@ struct SourceRecord {
 
 class SourceRecords {
 public:
-    // The longest record. CRecordReader, too, reads none whole that are longer.
+    // The size of the longest record. CRecordReader has the same limit.
     static constexpr std::size_t kMaxRecordBytes = 4194298;
 
     // `source` must outlive the object; `separator` is not empty.

@@ -97,7 +97,7 @@ bool visitLongest(const TextFind& find, const Use& use) {
         find, [](auto& keys, const auto& found) { return scanLongestKeys(keys, found); }, use);
 }
 
-// Segmentations also have pieces that are no key.
+// Segmentations also have pieces that are not keys.
 template <bool (*visit)(const TextFind&, const MatchTaker&), class Use>
 bool visitPieces(const TextFind& find, const Use& use) {
     const auto take = [](void* context, const DictionaryMatch* match) {

@@ -19,7 +19,7 @@ struct TextFind {
     const DictionaryHandle& handle;
     const DictionaryFindOptions& options;
     std::string_view text;
-    CheapestPath* path = nullptr;  // that of the texts before, whose memory may be used again
+    CheapestPath* path = nullptr;  // that of the texts before, to reuse its memory; may be null
 };
 
 // Takes matches one by one, and returns false to stop.
@@ -36,7 +36,7 @@ void listMatches(const TextFind& find, MatchList& list);
 // Appends all matches to the columns, as those of text number `text`.
 void listColumns(const TextFind& find, std::uint32_t text, ColumnList& columns);
 
-// Hands out the matches until one is enough; false then.
+// Hands out the matches until the taker returns false. Returns false if it did.
 bool visitMatches(const TextFind& find, const MatchTaker& taker);
 
 // Whether any key is in the text.

@@ -14,7 +14,7 @@ inline const CellView& firstCells(const TextFind& find) {
     return find.handle.images.front()->view().cells();
 }
 
-// Whether nothing is asked for that takes more than walks in one image.
+// Whether plain walks in one image are enough.
 inline bool isPlain(const TextFind& find) {
     return find.handle.images.size() == 1 && !find.handle.folded && !find.options.wholeWords;
 }
@@ -23,8 +23,8 @@ inline SetRules rulesOf(const TextFind& find) {
     return {find.options.wholeWords, find.options.everyImage};
 }
 
-// Returns what `use(keys, text)` returns of the keys, as the options choose them, and of the text
-// in which their places are.
+// Calls `use(keys, text)` with the keys that the options ask for and the text to which their places
+// belong. Returns what it returns.
 template <class Use>
 bool withKeys(const TextFind& find, const Use& use) {
     if (isPlain(find)) {

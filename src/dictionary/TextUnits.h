@@ -1,4 +1,4 @@
-// Helper, not installed: where keys are in a text, in a unit.
+// Helper, not installed: where keys are in a text, in the unit that the caller asks for.
 
 #ifndef DICTIONARY_TEXT_UNITS_H
 #define DICTIONARY_TEXT_UNITS_H
@@ -33,12 +33,12 @@ inline Stretch byteStretch(const Utf8Text&, std::size_t from, std::size_t end) {
     return {from, end - from};
 }
 
-// Whether each place of a text is one unit after the one before it: then nothing needs to be
+// Whether each place of a text is one unit after the one before it. Then nothing needs to be
 // counted.
 inline bool placesAreUnits(const EncodedText& text, int unit) {
     if (unit == DICTIONARY_UNIT_BYTE) return false;
     const std::int32_t* const codes = text.codes();
-    // A text has characters above U+FFFF as two labels, or as one code.
+    // A character above U+FFFF is two labels in some texts, and one code in others.
     const auto isOne = [unit](std::int32_t code) {
         return unit == DICTIONARY_UNIT_UTF16 ? code < kBmpEnd : !isLowSurrogate(code);
     };
@@ -51,7 +51,7 @@ bool placesAreUnits(const Text&, int) {
     return false;
 }
 
-// Measures stretches of a text, which must come by their starts.
+// Measures stretches of a text, which must come in the order of their starts.
 template <class Text>
 class TextUnits {
 public:
@@ -82,7 +82,7 @@ private:
     const int m_unit;
     const bool m_placesAreUnits;
     std::size_t m_passed = 0;  // places
-    std::size_t m_units = 0;   // of those
+    std::size_t m_units = 0;   // units of those places
 };
 
 }  // namespace Dictionary

@@ -12,8 +12,8 @@
 
 namespace Dictionary {
 
-// Numbers the records of a feature area from 0, in their order. Takes two bits per slot, which is
-// the largest power of two of bytes that no record is smaller than.
+// Numbers the records of a feature area from 0, in their order. Takes two bits per slot. The size
+// of a slot is a power of two, the largest that no record is smaller than.
 class RecordNumbers {
 public:
     RecordNumbers() = default;
@@ -21,12 +21,11 @@ public:
 
     std::size_t count() const { return m_count; }
 
-    // By two to which power the offsets of records are divided, so that no two of them are the
-    // same.
+    // A slot has 2 to this power bytes. No two records begin in the same slot.
     unsigned shift() const { return m_shift; }
     std::size_t bytes() const { return m_blocks.size() * sizeof(Block); }
 
-    // Of the record that begins at byte `offset` of the area.
+    // The number of the record that begins at byte `offset` of the area.
     std::size_t of(std::int32_t offset) const {
         const std::uint32_t slot = static_cast<std::uint32_t>(offset) >> m_shift;
         const Block& block = m_blocks[slot / kSlots];
@@ -41,7 +40,7 @@ private:
     };
     static constexpr std::uint32_t kSlots = 32;
 
-    // In parallel, as the least of the processors has no instruction for it.
+    // Counts in parallel, as the baseline processor has no instruction for it.
     static std::uint32_t onesIn(std::uint32_t bits) {
         bits -= bits >> 1 & 0x55555555u;
         bits = (bits & 0x33333333u) + (bits >> 2 & 0x33333333u);
@@ -53,8 +52,8 @@ private:
     std::vector<Block> m_blocks;
 };
 
-// One weight per data text of an image. The sum of the weights on a path is its score, and the path
-// of the greatest score is the cheapest one.
+// One weight per data text of an image. The sum of the weights on a path is its score. The path
+// with the greatest score is the cheapest one.
 class Weights {
 public:
     // All weights are 0.
@@ -65,11 +64,11 @@ public:
         return m_values[m_slots[static_cast<std::uint32_t>(feature) >> m_shift]];
     }
 
-    // By number of the record, until they are packed.
+    // The values are by number of the record, until they are packed.
     const RecordNumbers& numbers() const { return m_numbers; }
     std::vector<double>& values() { return m_values; }
 
-    // Keeps each distinct weight once where that takes less memory, and finds it faster then.
+    // Keeps each distinct weight once if that takes less memory. Weights are found faster then.
     void pack(std::string_view area);
 
 private:
@@ -78,7 +77,7 @@ private:
 
     RecordNumbers m_numbers;
     std::vector<double> m_values;
-    // When packed: the number of the value by slot of the record, see RecordNumbers.
+    // When packed: the number of the value, by slot of the record; see RecordNumbers.
     std::vector<std::uint16_t> m_slots;
     unsigned m_shift = 0;
 };

@@ -17,7 +17,7 @@ namespace Dictionary {
 
 namespace {
 
-// The key's data text; null when it is no key.
+// The key's data text; null if it is not a key.
 template <class Text>
 DictionaryText lookUpText(const OpenImage& image, const Text& key) {
     DictionaryText data = kNoText;
@@ -31,7 +31,7 @@ DictionaryText lookUpKey(const OpenImage& image, DictionaryText key) {
                             : lookUpText(image, Utf8LabelText(key.bytes, key.size));
 }
 
-// Of a set, the last image that has the key decides.
+// In a set, the last image that has the key decides.
 DictionaryText lookUpKey(const Images& images, DictionaryText key) {
     for (auto image = images.rbegin(); image != images.rend(); ++image) {
         const DictionaryText data = lookUpKey(**image, key);
@@ -40,7 +40,7 @@ DictionaryText lookUpKey(const Images& images, DictionaryText key) {
     return kNoText;
 }
 
-// Looks up the keys that have no data yet; returns how many there are.
+// Looks up the keys that have no data yet. Returns how many it found.
 std::size_t lookUpInTurn(const OpenImage& image, const DictionaryText* keys, std::size_t count,
                          DictionaryText* data) {
     std::size_t found = 0;
@@ -52,7 +52,7 @@ std::size_t lookUpInTurn(const OpenImage& image, const DictionaryText* keys, std
     return found;
 }
 
-// The same for many. What the last image has not is looked up in the one before it.
+// The same for many. Keys that the last image does not have are looked up in the one before it.
 std::size_t lookUpKeys(const Images& images, const DictionaryText* keys, std::size_t count,
                        DictionaryText* data) {
     std::fill_n(data, count, kNoText);
@@ -64,7 +64,7 @@ std::size_t lookUpKeys(const Images& images, const DictionaryText* keys, std::si
     return found;
 }
 
-// Only counts, some keys at a time.
+// Only counts the keys that are found, some at a time.
 std::size_t countKeys(const Images& images, const DictionaryText* keys, std::size_t count) {
     constexpr std::size_t kAtATime = 256;
     DictionaryText data[kAtATime];

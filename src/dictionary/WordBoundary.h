@@ -20,7 +20,7 @@ inline WordClass wordClassOf(std::int32_t code) {
     constexpr std::uint32_t kRowShift = 5;
     constexpr std::uint32_t kBits = 2;
     const auto bits = static_cast<std::uint32_t>(code);
-    // Han, among others: the processor guesses this well.
+    // Han, among others. The processor predicts this branch well.
     if (bits - kFirstWordless <= kLastWordless - kFirstWordless) return WordClass::kNone;
     const std::uint32_t block = bits >> kWordClassShift;
     if (block >= kWordClassBlockCount) {
@@ -33,7 +33,7 @@ inline WordClass wordClassOf(std::int32_t code) {
     return static_cast<WordClass>(kWordClassRows[row] >> place & ((1u << kBits) - 1));
 }
 
-// The words of a text, which must outlive the object: a LabelText or an EncodedText.
+// The words of a text, which must outlive the object: a MappedText or an EncodedText.
 template <class Text>
 class Words {
 public:
