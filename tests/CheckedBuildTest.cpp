@@ -320,6 +320,7 @@ TEST(CheckedBuild, TakesItemsAsTheyAre) {
 }
 
 TEST(CheckedBuild, RefusesWhatIsNoRequest) {
+    char old = 0;
     DictionaryImageBuffer buffer = {};
     DictionarySource source = {};
     DictionaryTarget target = {};
@@ -333,31 +334,35 @@ TEST(CheckedBuild, RefusesWhatIsNoRequest) {
         target = {sizeof target, nullptr, &buffer};
         options.size = sizeof options;
         report.size = sizeof report;
-        dictionaryFreeBuffer(&buffer);
+        buffer = {&old, sizeof old};
+    };
+    const auto expectRefused = [&] {
+        EXPECT_EQ(result(), DICTIONARY_BAD_ARGUMENT);
+        EXPECT_EQ(buffer.bytes != nullptr, target.size != sizeof target);
     };
     make();
     EXPECT_EQ(result(), DICTIONARY_OK);
+    dictionaryFreeBuffer(&buffer);
     for (std::size_t* const size : {&source.size, &target.size, &options.size, &report.size}) {
         make();
         ++*size;
-        EXPECT_EQ(result(), DICTIONARY_BAD_ARGUMENT);
+        expectRefused();
     }
     make();
     source.path = "two sources";
-    EXPECT_EQ(result(), DICTIONARY_BAD_ARGUMENT);
+    expectRefused();
     make();
     source.bytes = {nullptr, 0};
-    EXPECT_EQ(result(), DICTIONARY_BAD_ARGUMENT);
+    expectRefused();
     make();
     target.path = "two targets";
-    EXPECT_EQ(result(), DICTIONARY_BAD_ARGUMENT);
+    expectRefused();
     EXPECT_EQ(dictionaryBuildFrom(nullptr, nullptr, nullptr, nullptr, nullptr),
               DICTIONARY_BAD_ARGUMENT);
     EXPECT_EQ(dictionaryBuildFile(nullptr, "image", nullptr, nullptr, nullptr),
               DICTIONARY_BAD_ARGUMENT);
     EXPECT_EQ(dictionaryBuildFile("source", nullptr, nullptr, nullptr, nullptr),
               DICTIONARY_BAD_ARGUMENT);
-    make();
 }
 
 // Checks a source as bytes, as a file and through a pipe.

@@ -75,26 +75,48 @@ TEST(CppInterface, TakesItemsOfManyShapes) {
     EXPECT_EQ(checkItems(Words{{"a", "1"}, {"b\t", "2"}}).problems.at(0).record().line, 2u);
 }
 
-// Items that are made on demand. The second one fails.
-struct FailingItems {
+// Two values that are made when they are asked for.
+template <class Make>
+struct MadePair {
     struct Iterator {
+        Make make;
         int number;
         bool operator!=(const Iterator& other) const { return number != other.number; }
         Iterator& operator++() {
-            if (++number == 1) throw 1;
+            ++number;
             return *this;
         }
-        std::pair<std::string, std::string> operator*() const { return {"a", "1"}; }
+        auto operator*() const { return make(number); }
     };
-    Iterator begin() const { return {0}; }
-    Iterator end() const { return {2}; }
+    Make make;
+    Iterator begin() const { return {make, 0}; }
+    Iterator end() const { return {make, 2}; }
 };
 
+template <class Make>
+MadePair<Make> madePair(Make make) {
+    return {make};
+}
+
 TEST(CppInterface, ItemsThatFailMakeNoImage) {
+    const auto failing = madePair([](int number) {
+        if (number == 1) throw 1;
+        return std::pair<std::string, std::string>("a", "1");
+    });
     const TemporaryFile image("old");
-    EXPECT_THROW(buildItems(FailingItems(), image.path()), int);
+    EXPECT_THROW(buildItems(failing, image.path()), int);
     EXPECT_EQ(image.content(), "old");
-    EXPECT_THROW(checkItems(FailingItems()), int);
+    EXPECT_THROW(checkItems(failing), int);
+}
+
+TEST(CppInterface, TakesTextsThatAreMadeOnDemand) {
+    const std::string keys[] = {std::string(40, 'a'), std::string(40, 'b')};
+    const Image image = imageOf({{keys[0], "1"}, {keys[1], "2"}});
+    const auto made = madePair([&](int number) { return keys[number]; });
+    const auto found = image.lookupEach(made);
+    EXPECT_TRUE(found[0] == "1\t" && found[1] == "2\t");
+    EXPECT_EQ(image.findEach(made)[0][0].data, "1\t");
+    EXPECT_EQ(image.findColumns(made).size(), 2u);
 }
 
 TEST(CppInterface, FindsInEveryWay) {

@@ -20,12 +20,20 @@ namespace Dictionary {
 
 namespace {
 
+// Empties the buffer, so that it is empty after every error.
+DictionaryTarget readTarget(const DictionaryTarget* given) {
+    const DictionaryTarget target =
+        readStruct(given, "the target's size is not sizeof(DictionaryTarget)");
+    if (target.buffer != nullptr) *target.buffer = {nullptr, 0};
+    return target;
+}
+
 // What is built, from where, and how.
 struct BuildRequest {
     BuildRequest(const DictionarySource* givenSource, const DictionaryTarget* givenTarget,
                  const DictionaryBuildOptions* givenOptions, DictionaryBuildReport* givenReport)
-        : source(readStruct(givenSource, "the source's size is not sizeof(DictionarySource)")),
-          target(readStruct(givenTarget, "the target's size is not sizeof(DictionaryTarget)")),
+        : target(readTarget(givenTarget)),
+          source(readStruct(givenSource, "the source's size is not sizeof(DictionarySource)")),
           options(
               readStruct(givenOptions, "the options' size is not sizeof(DictionaryBuildOptions)")),
           own(readStruct(givenReport, "the report's size is not sizeof(DictionaryBuildReport)")),
@@ -37,11 +45,10 @@ struct BuildRequest {
                         "a target is a path or a buffer, not both");
         report = {};
         report.size = sizeof report;
-        if (target.buffer != nullptr) *target.buffer = {nullptr, 0};
     }
 
-    const DictionarySource source;
     const DictionaryTarget target;
+    const DictionarySource source;
     const DictionaryBuildOptions options;
     DictionaryBuildReport own;  // if the caller passes none
     DictionaryBuildReport& report;

@@ -79,6 +79,35 @@ inline std::string_view viewOf(DictionaryText text) {
     return {text.bytes, text.size};
 }
 
+/// The texts of a range. Those that its iterator returns by value are kept.
+template <class Range>
+class Texts {
+public:
+    explicit Texts(const Range& range) {
+        if constexpr (std::is_lvalue_reference_v<Text>) {
+            add(range);
+        } else {
+            for (auto&& text : range) m_kept.push_back(std::forward<decltype(text)>(text));
+            add(m_kept);
+        }
+    }
+    Texts(const Texts&) = delete;
+
+    const DictionaryText* data() const { return m_texts.data(); }
+    std::size_t size() const { return m_texts.size(); }
+
+private:
+    using Text = decltype(*std::begin(std::declval<const Range&>()));
+
+    template <class Kept>
+    void add(const Kept& texts) {
+        for (const auto& text : texts) m_texts.push_back(textOf(std::string_view(text)));
+    }
+
+    std::vector<std::decay_t<Text>> m_kept;
+    std::vector<DictionaryText> m_texts;
+};
+
 /// Keeps what a callback throws until the library has returned.
 class Thrown {
 public:
@@ -374,7 +403,7 @@ public:
     /// of elements that convert to std::string_view.
     template <class Range>
     std::vector<std::optional<std::string_view>> lookupEach(const Range& keys) const {
-        const std::vector<DictionaryText> texts = textsOf(keys);
+        const detail::Texts texts(keys);
         std::vector<DictionaryText> data(texts.size());
         dictionaryLookupKeys(handle(), texts.data(), texts.size(), data.data());
         std::vector<std::optional<std::string_view>> found(texts.size());
@@ -401,7 +430,7 @@ public:
     template <class Range>
     std::vector<std::vector<Match>> findEach(const Range& texts,
                                              const FindOptions& options = {}) const {
-        const std::vector<DictionaryText> given = textsOf(texts);
+        const detail::Texts given(texts);
         List list;
         std::vector<std::size_t> ends(given.size());
         const DictionaryFindOptions how = optionsOf(options);
@@ -422,7 +451,7 @@ public:
     /// The same as columns.
     template <class Range>
     Columns findColumns(const Range& texts, const FindOptions& options = {}) const {
-        const std::vector<DictionaryText> given = textsOf(texts);
+        const detail::Texts given(texts);
         const DictionaryFindOptions how = optionsOf(options);
         Columns found;
         DictionaryError error;
@@ -513,13 +542,6 @@ private:
         Image image(open(&error));
         if (image.handle() == nullptr) detail::require(error.code, error);
         return image;
-    }
-
-    template <class Range>
-    static std::vector<DictionaryText> textsOf(const Range& range) {
-        std::vector<DictionaryText> texts;
-        for (const auto& text : range) texts.push_back(detail::textOf(std::string_view(text)));
-        return texts;
     }
 
     template <class Visit>

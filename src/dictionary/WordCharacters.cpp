@@ -9,7 +9,7 @@
 using namespace Dictionary;
 
 bool dictionaryIsWordCharacter(DictionaryText text) {
-    if (text.size == 0) return false;
+    if (text.bytes == nullptr || text.size == 0) return false;
     const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.bytes);
     if (bytes[0] < 0x80) return wordClassOf(bytes[0]) != WordClass::kNone;
     const Utf8Character character = decodeMultiByte(bytes, text.size);
