@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Measures the package over a real dictionary. Line by line of a text: against the library's
-`search` called in a loop and against a longest match in Python over a dict of the keys. Keys:
-beside a dict and Debian's python3-marisa, if it is there.
+"""Measures the package with a real dictionary. It searches a text line by line, beside the
+library's `search` called in a loop and a longest match in Python over a dict of the keys. It looks
+up and lists keys, beside a dict and Debian's python3-marisa, if that is installed.
 
 usage: bench.py SOURCE TEXT
 """
@@ -23,7 +23,7 @@ ROUNDS = 3
 
 
 class Search:
-    """The entry point of hosts in C: one string for all matches, with byte offsets."""
+    """The classic entry point: one string for all matches, with byte offsets."""
 
     def __init__(self, image: str) -> None:
         library.loadBin.restype = ctypes.c_void_p
@@ -70,7 +70,7 @@ def data_of(source: str) -> dict[str, str]:
 
 
 def seconds(run: Callable[[], Iterable[object]]) -> float:
-    """The processor's time in the shortest of several runs. Results are dropped as they come."""
+    """The CPU time of the shortest of several runs. Results are dropped as they come."""
     times = []
     for _ in range(ROUNDS):
         begin = time.process_time()
@@ -112,7 +112,7 @@ def measure_searches(words: Dictionary, search: Search, pure: PurePython,
 
 
 def measure_keys(words: Dictionary, data: dict[str, str]) -> None:
-    """A million lookups, half of them of near misses, and lists of keys; marisa knows no data."""
+    """A million lookups, half of them near misses, and lists of keys. marisa has no data."""
     chance = random.Random(1)
     queries = [key + "x" * (number % 2)
                for number, key in enumerate(chance.choices(list(data), k=1_000_000))]

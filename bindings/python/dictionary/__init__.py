@@ -10,10 +10,10 @@
 2 4 東京 ['noun', 'Tokyo']
 2 5 東京都 ['noun', 'Tokyo Metropolis']
 
-A search of a str returns str, a search of bytes, which are UTF-8, returns bytes; offsets
-count what the text itself counts, so that ``text[match.start:match.end] == match.key``.
+A search of a ``str`` returns ``str``. A search of ``bytes``, which are read as UTF-8, returns
+``bytes``. Offsets are indices of the text itself: ``text[match.start:match.end] == match.key``.
 
-Every function may be called from several threads at once. The interpreter's lock is free while the
+Any function may be called from several threads at once. The interpreter lock is released while the
 library searches, builds and opens.
 """
 
@@ -30,7 +30,7 @@ from ._searchable import Description, Searchable
 from ._segmenter import Segmenter
 
 __version__: str = library.dictionaryVersion().decode()
-"""The version of the shared library that runs."""
+"""The version of the shared library in use."""
 
 __all__ = ["BuildError", "BuildReport", "BuildStopped", "Columns", "Description", "Dictionary",
            "DictionaryError", "DictionarySet", "DigestError", "Edit", "ImageError", "Match",

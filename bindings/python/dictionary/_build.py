@@ -12,7 +12,7 @@ from ._library import (BAD_ARGUMENT, NO_MEMORY, OK, STOPPED, BuildOptions, Error
                        OnProblem, OnProgress, Target, library, path_bytes)
 from ._source import Source, is_file, struct_of
 
-# By the library's numbers.
+# Indexed by the library's numbers.
 _STAGES = ("read", "place", "write")
 
 _MOST_PROBLEMS = 2**32 - 1
@@ -26,17 +26,17 @@ class BuildReport(NamedTuple):
 
     records: int
     keys: int
-    """Distinct ones in the image; 0 when none is made."""
+    """Distinct keys in the image; 0 if no image was made."""
     image_bytes: int
-    """0 when no image is made."""
+    """0 if no image was made."""
     problem_count: int
     problems: tuple[Problem, ...]
-    """The first of them, in the order of the source, up to the limit."""
+    """The first problems, up to the limit, in the order of the source."""
 
 
 class BuildError(DictionaryError):
-    """A source of which no image was made. It is the first error; ``problems`` are all that were
-    reported, in the order of the source.
+    """A build that failed and made no image. The exception describes the first error; ``problems``
+    has everything that was reported, in the order of the source.
     """
 
     def __init__(self, first: Problem, problems: tuple[Problem, ...]) -> None:
@@ -46,11 +46,11 @@ class BuildError(DictionaryError):
 
 
 class BuildStopped(DictionaryError):
-    """A build that its progress function stopped."""
+    """A build that its ``progress`` function stopped."""
 
 
 class _Watch:
-    """Takes what the library calls back, on the build's thread."""
+    """Receives the library's callbacks, on the thread of the build."""
 
     def __init__(self, source: Source, progress: _Progress | None) -> None:
         self._source, self._progress = source, progress
@@ -59,7 +59,7 @@ class _Watch:
         self.stopped = False
 
     def problem_of(self, error: Error) -> Problem:
-        """With the name of an open file, which the library does not know."""
+        """The problem, with the name of an open file, which the library does not know."""
         name = getattr(self._source, "name", None)
         if error.path is None and error.line and is_file(self._source) and isinstance(name, str):
             error.path = os.fsencode(name)
@@ -71,7 +71,7 @@ class _Watch:
     def on_progress(self, _: object, stage: int, done: int, total: int) -> bool:
         if self._progress is not None and not self.stopped:
             try:
-                # Never the other way round, as the caller may be interrupted meanwhile.
+                # Never set to False here: an interrupted caller may have set it to True meanwhile.
                 if self._progress(_STAGES[stage], done, total) is False:
                     self.stopped = True
             except BaseException as failure:
@@ -83,27 +83,30 @@ def build(source: Source, image: _Path | IO[bytes] | None, *, lenient: bool = Fa
           from_windows: bool = False, allow_empty: bool = False, folded: bool = False,
           field_separator: str = "\t", record_separator: str = "\n", problem_limit: int = 100,
           progress: _Progress | None = None) -> BuildReport:
-    """Builds the image file ``image`` from ``source``:
+    """Builds the image file ``image`` from ``source``, which is one of these:
 
-    - the path of a source file, or a file that is open for reading: one record per line, a key and
-      its data fields separated by tabs, or by other separators;
-    - a mapping of keys to their data, or items of a key and its data. The data is a field, or an
-      iterable of fields. Item numbers, from 1, take the place of lines in problems.
+    - The path of a source file, or a file that is open for reading. It has one record per line: a
+      key and its data fields, separated by tabs, or by other separators.
+    - A mapping of keys to their data, or an iterable of pairs of a key and its data. The data is
+      one field or an iterable of fields. The ``line`` of a problem is then the number of the item,
+      from 1.
 
-    The new image replaces an old one at once when it is complete. ``image`` may also be a file that
-    is open for writing bytes, and None: then the source is only checked.
+    The new image replaces an old one in one step, when it is complete. ``image`` may also be a file
+    that is open for writing bytes. If it is None, the source is only checked.
 
-    ``lenient`` makes warnings of an empty key, a key that is not UTF-8, a carriage return at the
-    end of a line and a byte-order mark; with ``from_windows`` the last two are no data.
-    ``allow_empty`` makes an empty image of a source without records. ``folded`` folds letters, in
-    the keys and in whatever is looked up. At most ``problem_limit`` problems are kept.
+    ``lenient`` turns four errors into warnings: an empty key, a key that is not UTF-8, a carriage
+    return at the end of a line, and a byte-order mark. ``from_windows`` drops such carriage returns
+    and a byte-order mark. ``allow_empty`` makes an empty image from a source without records.
+    ``folded`` folds case and width, in the keys and in whatever is looked up. At most
+    ``problem_limit`` problems are kept.
 
-    ``progress`` is called with a stage ("read", "place", "write"), how far it is and its total, 0
-    if that is not known yet; in bytes or items, but keys for "place". It runs on a thread of the
-    build's, while the caller waits. The build stops when it returns False, when it raises something
-    and when the caller is interrupted.
+    ``progress`` is called with the stage ("read", "place" or "write"), the amount done and the
+    total, which is 0 while it is not known. The stage "read" counts bytes or items, "place" counts
+    keys, and "write" counts bytes. The function runs on the thread of the build while the caller
+    waits. The build stops when it returns False or raises an exception, and when the caller is
+    interrupted.
 
-    Raises BuildError, BuildStopped or what ``progress`` raised; then there is no new image.
+    Raises BuildError, BuildStopped or what ``progress`` raised; then no new image is made.
 
     >>> import io
     >>> from dictionary import Dictionary
@@ -152,8 +155,8 @@ def _build(watch: _Watch, source: _library.Source, target: Target,
 
 
 def _run(watch: _Watch, *arguments: Any) -> None:
-    """Calls the library on another thread, as no exception can leave one of its callbacks: an
-    interrupt reaches the caller, who waits, and stops the build.
+    """Calls the library on another thread, because no exception can leave its callbacks. So an
+    interrupt reaches the waiting caller, and stops the build.
     """
     with ThreadPoolExecutor(max_workers=1) as thread:
         try:

@@ -1,4 +1,4 @@
-"""The two kinds of texts, str and bytes: their units, how they are encoded and decoded."""
+"""The two kinds of text, str and bytes: their units, and how they are encoded and decoded."""
 
 import codecs
 import struct
@@ -12,13 +12,13 @@ from ._library import UNIT_BYTE, UNIT_CODE_POINT
 _Used = TypeVar("_Used")
 _MOST_TEXTS = 1 << 16
 
-# Where a data text is, as matches and lookups hold it: address and length.
+# The place of a data text, as matches and lookups hold it: address and length.
 _PLACE = struct.Struct("@PN")
 PLACE_SIZE = _PLACE.size
 _PLACES = struct.Struct(f"{PLACE_SIZE}s")
 _NO_PLACE = bytes(PLACE_SIZE)
 
-# It begins no UTF-8 sequence, and so counts as one character, which is in no key.
+# No UTF-8 sequence begins with it, so it counts as one character that is in no key.
 _IN_NO_KEY = b"\xff"
 _SURROGATES = "dictionary.surrogates"
 
@@ -32,27 +32,27 @@ codecs.register_error(_SURROGATES, _replace_surrogates)
 
 
 class Codec(dict[bytes, AnyStr | None]):
-    """Encodes one kind of text and decodes its data texts. As a dict it maps places of data texts,
-    16 bytes as matches hold them, to the texts: most keys share theirs with others, and a lookup in
-    a dict costs less than a new string.
+    """Encodes one kind of text and decodes its data texts. As a dict, it maps the place of a data
+    text, the 16 bytes that a match holds, to the text. Most keys share their data text with others,
+    and a dict lookup costs less than a new string.
     """
 
     kind: type[AnyStr]
     unit: int
 
     def encode(self, text: AnyStr) -> bytes:
-        """The text for the library, with as many units in it."""
+        """The text for the library, with the same number of units."""
         raise NotImplementedError
 
     def decode(self, data: bytes) -> AnyStr:
         raise NotImplementedError
 
     def encode_all(self, texts: Sequence[AnyStr], use: Callable[[Iterable[bytes]], _Used]) -> _Used:
-        """What ``use`` makes of all texts for the library, which it gets one by one."""
+        """What ``use`` returns for the encoded texts, which it takes one by one."""
         return use(map(self.encode, texts))
 
     def data_texts(self, places: bytes) -> Iterator[AnyStr | None]:
-        """The data texts at places that follow each other, None where there is none."""
+        """The data texts at consecutive places; None where there is none."""
         return map(self.__getitem__, chain.from_iterable(_PLACES.iter_unpack(places)))
 
     def __missing__(self, place: bytes) -> AnyStr | None:
@@ -64,7 +64,7 @@ class Codec(dict[bytes, AnyStr | None]):
 
 
 class StrCodec(Codec[str]):
-    """Counts code points. A surrogate in a text is a character that is in no key; data that is not
+    """Counts code points. A surrogate in a text is a character that is in no key. Data that is not
     UTF-8 is decoded with surrogateescape.
     """
 
@@ -99,7 +99,7 @@ class BytesCodec(Codec[bytes]):
 
 
 class Codecs:
-    """Those of one image."""
+    """The codecs of one image."""
 
     def __init__(self) -> None:
         self.str = StrCodec()

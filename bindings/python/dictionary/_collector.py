@@ -1,4 +1,4 @@
-"""Keeps the garbage collector from looking at many new matches again and again."""
+"""Keeps the garbage collector from scanning many new matches again and again."""
 
 import contextlib
 import gc
@@ -10,7 +10,7 @@ _paused = False
 
 @contextlib.contextmanager
 def paused() -> Iterator[None]:
-    """While one thread has the collector paused, it is so for others, too."""
+    """Pauses the collector, for all threads."""
     global _paused
     if not gc.isenabled():
         yield

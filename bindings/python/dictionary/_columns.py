@@ -10,16 +10,16 @@ NO_KEY = 2**32 - 1
 
 
 class _Memory(_library.Columns):
-    """Arrays of the library, which last as long as this."""
+    """The library's arrays. They last as long as this object."""
 
     def __del__(self, free: Any = library.dictionaryFreeColumns) -> None:
         free(byref(self))
 
 
 class Columns:
-    """The matches of many texts: entry i of each array is of match i, and the arrays are memory of
-    the library, which ``numpy.frombuffer(columns.start, "u4")`` takes without a copy. They outlive
-    the dictionary.
+    """The matches of many texts as arrays. Entry i of each array belongs to match i. The arrays are
+    the library's memory, which ``numpy.frombuffer(columns.start, "u4")`` takes without a copy. They
+    outlive the dictionary.
     """
 
     def __init__(self) -> None:
@@ -27,7 +27,7 @@ class Columns:
 
     @property
     def text(self) -> memoryview:
-        """Number of the text, from 0."""
+        """The number of the text, from 0."""
         return self._array(self.memory.text)
 
     @property
@@ -40,12 +40,12 @@ class Columns:
 
     @property
     def data_number(self) -> memoryview:
-        """Number of the data text in its image, for ``data_at``; the same for equal texts."""
+        """The number of the data text in its image, for ``data_at``; the same for equal texts."""
         return self._array(self.memory.dataNumber)
 
     @property
     def image(self) -> memoryview:
-        """Of a set, the number of the dictionary that has the key."""
+        """In a set, the number of the dictionary that has the key; else 0."""
         return self._array(self.memory.image)
 
     def __len__(self) -> int:

@@ -18,14 +18,15 @@ _Path = str | bytes | os.PathLike[Any]
 class Dictionary(Searchable):
     """An open image. ``Searchable`` has the searches.
 
-    It is pickled as its path with a digest of its bytes, and opened again there; DigestError if
-    another image has that path there. One that was not opened from a file is pickled as its bytes.
+    It is pickled as its path and a digest of its bytes. Unpickling opens the path again, and raises
+    DigestError if another image is there. A dictionary that was not opened from a file is pickled
+    as its bytes.
     """
 
     build = staticmethod(build)
 
     def __init__(self, path: _Path, copy: bool = False) -> None:
-        """As ``open``."""
+        """The same as ``open``."""
         self._path: str | None = os.path.abspath(os.fsdecode(path))
         self._copy = copy
         self._image = Image.of_file(self._path, copy)
@@ -33,18 +34,18 @@ class Dictionary(Searchable):
     @classmethod
     def open(cls, path: _Path, copy: bool = False) -> "Dictionary":
         """Verifies and opens an image file. Its pages are shared with all processes that have it
-        open, and it must not change meanwhile, though another may be put into its place; with
-        ``copy`` the file is read into memory and may change. A file that this process has open
-        already is neither mapped nor verified again.
+        open. An unchanged file that this process already has open is neither mapped nor verified
+        again. The file must not change while it is open, but another file may take its place. With
+        ``copy``, the file is read into memory and may change.
 
-        Raises ImageError when the file is no sound image, and what the system says, such as
-        FileNotFoundError, when it cannot be read.
+        Raises ImageError if the file is not a valid image, and OSError, such as FileNotFoundError,
+        if it cannot be read.
         """
         return cls(path, copy)
 
     @classmethod
     def from_bytes(cls, data: bytes | bytearray | memoryview) -> "Dictionary":
-        """Verifies and opens the bytes of an image. Those of a ``bytes`` are not copied."""
+        """Verifies and opens the bytes of an image. A ``bytes`` object is not copied."""
         dictionary = cls.__new__(cls)
         dictionary._path, dictionary._copy = None, False
         dictionary._image = Image.of_bytes(bytes(data))
@@ -72,7 +73,7 @@ class Dictionary(Searchable):
 
     @property
     def digest(self) -> str:
-        """The SHA-256 of the image's bytes, in hexadecimal digits."""
+        """The SHA-256 of the image's bytes, in hexadecimal."""
         return digest_of(self._opened())
 
     def __len__(self) -> int:
@@ -90,8 +91,8 @@ class Dictionary(Searchable):
 
 class DictionarySet(Searchable):
     """Several dictionaries that are searched as one. Where the same stretch of a text is a key of
-    several, the later one has it, unless ``every_image`` asks for all; ``Match.image`` is its
-    number, from 0. The dictionaries may be closed meanwhile.
+    several, the last of them wins; with ``every_image``, it is found in each. ``Match.image`` is
+    the number of the dictionary, from 0. The dictionaries may be closed before the set.
 
     >>> own = Dictionary.of({"東京": "my town"})
     >>> words = DictionarySet([Dictionary.open("sample.bin"), own])
@@ -101,7 +102,7 @@ class DictionarySet(Searchable):
 
     def __init__(self, dictionaries: Iterable[Dictionary]) -> None:
         self.dictionaries = tuple(dictionaries)
-        """Those of the set; 1 to 64."""
+        """The dictionaries of the set, 1 to 64."""
         for number, each in enumerate(self.dictionaries):
             if not isinstance(each, Dictionary):
                 raise TypeError(f"item {number} (from 0) is {reprlib.repr(each)}: "

@@ -6,12 +6,12 @@ from weakref import WeakValueDictionary
 
 from ._image import Image
 
-# By the address of its bytes: an image that is mapped once may be open several times.
+# By the address of the bytes: an image that is mapped once may be open several times.
 _digested: WeakValueDictionary[int, Image] = WeakValueDictionary()
 
 
 class DigestError(Exception):
-    """An image file that is another one than was pickled."""
+    """An image file that is not the one that was pickled."""
 
     def __init__(self, path: str, expected: str, found: str) -> None:
         super().__init__(path, expected, found)

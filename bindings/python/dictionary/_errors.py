@@ -1,4 +1,4 @@
-"""What is wrong, as the library says it, and the exceptions that carry it."""
+"""Problems that the library reports, and the exceptions that carry them."""
 
 import os
 from ctypes import byref, create_string_buffer
@@ -6,7 +6,7 @@ from typing import NamedTuple
 
 from ._library import BAD_ARGUMENT, NO_MEMORY, TEXT_TOO_LONG, Error, library
 
-# By the library's numbers.
+# Indexed by the library's numbers.
 _SEVERITIES = ("error", "warning")
 _FILES = (None, "source", "image")
 
@@ -17,34 +17,34 @@ class Problem(NamedTuple):
     """What is wrong with a source, an image or a call, and where. ``str()`` of it is one line."""
 
     code: str
-    """A name: "no-field"."""
+    """A name, such as "no-field"."""
     severity: str
-    """An "error", or a "warning": what was asked for was done nevertheless."""
+    """An "error"; or a "warning" if the call did what was asked for nevertheless."""
     file: str | None
     """Which file it concerns: the "source" or the "image"."""
     path: str | None
-    """Of that file; None for bytes in memory."""
+    """The path of that file; None for bytes in memory."""
     line: int | None
-    """Number of the record or of the item, from 1."""
+    """The number of the record or of the item, from 1."""
     column: int | None
     """The byte in the record, from 1."""
     cell: int | None
-    """Of the image."""
+    """The cell of the image."""
     offset: int | None
     """The byte of the image, from 0."""
     errno: int | None
-    """Where the system refused."""
+    """Why the system refused, where it did."""
     text: str
     """What is wrong and what to do about it."""
     message: str
-    """All of it in one line."""
+    """All of that in one line."""
 
     def __str__(self) -> str:
         return self.message
 
 
 class DictionaryError(Exception):
-    """A ``problem``, whose members the exception has, too."""
+    """What the library refused to do. It has the members of its ``problem``, too."""
 
     def __init__(self, problem: Problem) -> None:
         super().__init__(problem)
@@ -57,7 +57,7 @@ class DictionaryError(Exception):
 
 
 class ImageError(DictionaryError):
-    """An image that is refused: no image, or a damaged one."""
+    """An image that is refused: it is damaged, or not an image at all."""
 
 
 def problem_of(error: Error) -> Problem:
@@ -73,7 +73,7 @@ def problem_of(error: Error) -> Problem:
 
 
 def exception_of(error: Error, kind: type[DictionaryError] = DictionaryError) -> Exception:
-    """What to raise for an error: Python's own exception where there is one, else ``kind``."""
+    """The exception for an error: Python's own where there is one, else ``kind``."""
     problem = problem_of(error)
     if error.code in _NO_PROBLEMS:
         return _NO_PROBLEMS[error.code](problem.message)

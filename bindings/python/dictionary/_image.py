@@ -1,4 +1,4 @@
-"""Handles of the library, and what it answers as Python's objects."""
+"""Handles of the library, and its answers as Python objects."""
 
 import contextlib
 import struct
@@ -26,9 +26,9 @@ _MANY_MATCHES = 1000
 _MOST_KEPT_MATCHES = 1 << 12
 _MOST_SPARE_LISTS = 16
 
-# A match as the library has it: start, length, place of the data, image.
+# A match in the library's form: start, length, place of the data, image.
 _MATCH = struct.Struct("@NN16s4xI")
-# A key of a list: where its text begins, its size, place of the data.
+# A listed key: where its text begins, its size, place of the data.
 _KEY = struct.Struct("@PN16s8x")
 _NUL = b"\0"
 _Rows = Iterator[tuple[Any, ...]]
@@ -49,7 +49,7 @@ def search_of(mode: int, whole_words: bool = False, every_image: bool = False,
 
 
 class _Found(Matches):
-    """A list of matches, and the record of what may go wrong while it is filled."""
+    """A list of matches, with an error record for the calls that fill it."""
 
     def __init__(self) -> None:
         super().__init__()
@@ -64,7 +64,7 @@ class _Found(Matches):
 
 
 class _FoundLists:
-    """Lists to be used again, as making one takes as long as a search."""
+    """Lists to be used again, because making one takes as long as a search."""
 
     def __init__(self) -> None:
         self._spare: list[_Found] = []
@@ -81,7 +81,7 @@ class _FoundLists:
 
 
 def matches_of(text: AnyStr, rows: _Rows, data: Codec[AnyStr]) -> list[Match[AnyStr]]:
-    # Match(...) would take arguments apart that are a tuple already.
+    # Match(...) would take apart what already is a tuple.
     new = tuple.__new__
     return [new(Match, (start, start + length, text[start:start + length], data[place], image))
             for start, length, place, image in rows]
@@ -95,13 +95,13 @@ _Make = Callable[[Any, _Rows, Codec[Any]], list[Any]]
 
 
 class Image:
-    """An open handle. It is closed with the last reference to it; a search under way holds one."""
+    """An open handle. It closes with the last reference to it; a search under way holds one."""
 
     handle: int | None = None
     digest: str | None = None
 
     def __init__(self, handle: int | None, error: Error, kept: object = None) -> None:
-        """Takes the handle over and keeps ``kept``, on which it rests, alive."""
+        """Takes over the handle, and keeps alive ``kept``, which the handle uses."""
         if handle is None:
             raise exception_of(error, ImageError)
         self.handle, self._kept = handle, kept
@@ -112,7 +112,7 @@ class Image:
 
     @classmethod
     def of_file(cls, path: str, copy: bool) -> "Image":
-        error, raw = Error(), path_bytes(path)  # to which the error refers
+        error, raw = Error(), path_bytes(path)  # the error refers to raw
         mode = OPEN_COPY if copy else OPEN_SHARE
         return cls(library.dictionaryOpenFile(raw, mode, byref(error)), error)
 
@@ -136,7 +136,7 @@ class Image:
         return description
 
     def content(self) -> "Array[c_char]":
-        """The bytes of a single image, which last as long as this."""
+        """The bytes of a single image. They last as long as this object."""
         place = library.dictionaryImageBytes(self.handle, 0)
         content: "Array[c_char]" = (c_char * place.size).from_address(place.bytes)
         return content
@@ -183,7 +183,7 @@ class Image:
         return sum(len(keys) // _KEY.size for keys in self._list(prefix))
 
     def _list(self, prefix: AnyStr) -> Iterator[memoryview]:
-        """The keys that begin with a prefix as the library has them, some at a time."""
+        """The keys that begin with a prefix, in the library's form, some at a time."""
         raw = self._codecs.of(prefix).encode(prefix)
         with _cursor(self) as cursor:
             library.dictionarySeekPrefix(cursor, raw, len(raw))
@@ -248,7 +248,7 @@ class Image:
 
 
 def _texts_of(keys: memoryview, codec: Codec[AnyStr]) -> Iterator[AnyStr]:
-    """Those of listed keys, which stand one after the other, each with a NUL after it."""
+    """The texts of listed keys. They follow each other in memory, each with a NUL after it."""
     begin, *_ = _KEY.unpack_from(keys)
     last, size, _ = _KEY.unpack_from(keys, len(keys) - _KEY.size)
     return iter(codec.decode(string_at(begin, last + size - begin)).split(codec.decode(_NUL)))

@@ -1,4 +1,4 @@
-"""The shared library: where it is found, and its functions and structs as ctypes sees them."""
+"""The shared library: where it is, and its functions and structs for ctypes."""
 
 import ctypes
 import os
@@ -29,7 +29,7 @@ class Error(ctypes.Structure):
 
 
 class Sized(ctypes.Structure):
-    """A struct that begins with its own size, for the members that later versions add."""
+    """A struct that begins with its own size, so that later versions can add members."""
 
     def __init__(self, **members: Any) -> None:
         super().__init__(sizeof(self), **members)
@@ -102,12 +102,12 @@ class BuildReport(Sized):
                 ("problems", c_uint64), ("imageBytes", c_uint64)]
 
 
-# Pointers go as plain addresses, which spares a check of their type in every call.
+# Pointers are passed as plain addresses, which saves a type check in every call.
 _HANDLE = _CURSOR = _SEGMENTER = _POINTER = c_void_p
 _ERROR = c_void_p
 
-# A DictionaryText goes as its two members, in a third of the time: by the calling conventions of
-# 64-bit Linux a struct of a pointer and a size is passed as the two would be.
+# A DictionaryText is passed as its two members, which takes a third of the time: the calling
+# conventions of 64-bit Linux pass a struct of a pointer and a size just as they pass the two.
 _TEXT = (c_char_p, c_size_t)
 
 _FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
@@ -161,7 +161,7 @@ def _load(place: str) -> ctypes.CDLL:
 
 
 def path_bytes(path: str | bytes | os.PathLike[Any]) -> bytes:
-    """A path for the library; ValueError if it would be cut off there."""
+    """A path for the library; ValueError for one with a NUL, where it would be cut off."""
     encoded = os.fsencode(path)
     if b"\0" in encoded:
         raise ValueError("embedded null byte")

@@ -4,8 +4,8 @@ from typing import AnyStr, Generic, NamedTuple
 
 
 def records(data: AnyStr) -> list[list[AnyStr]]:
-    """The fields of each record of a data text; a key that occurred more than once has several. A
-    field after the first that begins with ``;`` begins a record.
+    """The fields of each record of a data text. A key that occurred more than once has several
+    records. A field after the first that begins with ``;`` begins a new record.
 
     >>> records("noun\\tbook\\t;verb\\tto book\\t")
     [['noun', 'book'], ['verb', 'to book']]
@@ -26,26 +26,26 @@ def fields(data: AnyStr) -> list[AnyStr]:
 
 
 class Match(NamedTuple, Generic[AnyStr]):
-    """A key found in a text, with ``key == text[start:end]`` (in a folded dictionary the text may
-    have its letters in other forms). It depends on nothing and outlives the dictionary.
+    """A key found in a text: ``key == text[start:end]``. In a folded dictionary the text may have
+    its letters in other forms. A match depends on nothing and outlives the dictionary.
     """
 
     start: int
     end: int
     key: AnyStr
-    """As it is in the text."""
+    """The key as the text has it."""
     data: AnyStr
     """The key's data text: its fields, each followed by a tab."""
     image: int = 0
-    """Of a set, the number of the dictionary that has the key."""
+    """In a set, the number of the dictionary that has the key; else 0."""
 
-    # mypy does not see that a generic tuple is one of its own kind.
+    # mypy takes the self of a generic named tuple for another type.
     @property
     def fields(self) -> list[AnyStr]:  # type: ignore[misc]
-        """As the function ``fields`` returns them."""
+        """What the function ``fields`` returns for the data."""
         return fields(self.data)
 
     @property
     def records(self) -> list[list[AnyStr]]:  # type: ignore[misc]
-        """As the function ``records`` returns them."""
+        """What the function ``records`` returns for the data."""
         return records(self.data)

@@ -14,12 +14,13 @@ _FileIdentity = tuple[int, ...] | None
 
 
 class Reloader:
-    """Opens an image file and opens it again when another one has taken its place.
+    """Opens an image file, and opens it again when another file has taken its place.
 
-    Readers ask for ``dictionary`` whenever they begin something, and no longer than for that. They
-    never wait: the new image is verified on a thread of its own while they go on with the old one,
-    which goes when its last user is done. A file that is refused leaves the old image in use;
-    ``error`` says why, until the file changes again. It is pickled as its path.
+    Readers ask for ``dictionary`` whenever they begin something, and keep it only until that is
+    done. They never wait: another thread verifies the new image while they go on with the old one,
+    which is closed when its last user is done. If the new file is refused, the old image stays in
+    use; ``error`` says why, until the file changes again. A reloader is pickled as its path, with
+    its settings.
 
     >>> words = Reloader("sample.bin")
     >>> words.dictionary.lookup("東京")
@@ -28,31 +29,31 @@ class Reloader:
 
     def __init__(self, path: str | bytes | os.PathLike[Any], copy: bool = False,
                  interval: float = 1.0) -> None:
-        """Looks at the file every ``interval`` seconds at most, when it is asked for."""
+        """Looks at the file when ``dictionary`` is used, at most once in ``interval`` seconds."""
         self._path = os.path.abspath(os.fsdecode(path))
         self._copy, self._interval = copy, interval
         self._lock = threading.Lock()
         self.error: Exception | None = None
-        """Why the file that is there now is not in use."""
+        """Why the file that is there now is not in use; None if it is."""
         self._load()
         _reloaders.add(self)
 
     @property
     def dictionary(self) -> Dictionary:
-        """The newest dictionary at hand."""
+        """The newest dictionary that is open."""
         if time.monotonic() >= self._due and self._lock.acquire(blocking=False):
             self._look()
         return self._dictionary
 
     def reload(self) -> Dictionary:
         """Opens the file now, whether it has changed or not, and returns the new dictionary. Raises
-        what ``Dictionary.open`` raises; the old dictionary stays in use then.
+        what ``Dictionary.open`` raises; then the old dictionary stays in use.
         """
         with self._lock:
             return self._load()
 
     def _look(self) -> None:
-        """Has a thread load the file if it has changed. Releases the lock, or the thread does."""
+        """If the file has changed, has a thread load it. This or the thread releases the lock."""
         lock = self._lock
         self._due = time.monotonic() + self._interval
         if self._identity() == self._loaded:
@@ -72,7 +73,7 @@ class Reloader:
             lock.release()
 
     def _load(self) -> Dictionary:
-        # What is seen before opening is never newer than what is opened.
+        # Taken before opening, so that it is never newer than what is opened.
         identity = self._identity()
         try:
             self._dictionary = Dictionary.open(self._path, self._copy)
@@ -86,7 +87,7 @@ class Reloader:
         return self._dictionary
 
     def _identity(self) -> _FileIdentity:
-        """Distinguishes the file from another one under its name."""
+        """What distinguishes the file from another one of the same name."""
         try:
             status = os.stat(self._path)
         except OSError:
@@ -94,7 +95,7 @@ class Reloader:
         return status.st_dev, status.st_ino, status.st_size, status.st_mtime_ns, status.st_ctime_ns
 
     def _begin_in_child(self) -> None:
-        """A thread that held the lock goes on in the parent process alone."""
+        """Replaces the lock: a thread that held it goes on in the parent process only."""
         self._lock = threading.Lock()
 
     def __reduce__(self) -> tuple[Callable[..., "Reloader"], tuple[Any, ...]]:

@@ -82,7 +82,7 @@ def _is_encodable(text: str) -> bool:
 
 
 def _with_own_gaps(text: Any, result: Replacement[Any]) -> Any:
-    """The result with what was copied taken from the text itself, with its surrogates."""
+    """The result, with all that was not replaced as ``text`` itself has it, surrogates included."""
     end = Edit(len(text), len(text), len(result.text), len(result.text))
     before = (Edit(0, 0, 0, 0), *result.edits)
     return text[:0].join(chain.from_iterable(

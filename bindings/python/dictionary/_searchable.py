@@ -1,4 +1,4 @@
-"""What one dictionary and a set of several have in common."""
+"""What a dictionary and a set of dictionaries have in common."""
 
 from collections.abc import Iterable, Iterator, Mapping
 from typing import Any, AnyStr, Literal, NamedTuple, TypeVar, overload
@@ -17,37 +17,39 @@ _MODES = {"all": FIND_ALL, "longest": FIND_LONGEST, "segment": FIND_SEGMENT}
 
 
 class Description(NamedTuple):
-    """What an image holds; of a set, the sums: a key of several counts once for each."""
+    """What an image holds. For a set, the sums: a key of several dictionaries counts in each."""
 
     image_bytes: int
     cells: int
-    """Of the double array, the header among them."""
+    """Cells of the double array, including the header."""
     feature_bytes: int
-    """Of the data texts with their lengths."""
+    """The size of the data texts with their lengths."""
     keys: int
     images: int
     folded: bool
-    """Keys and texts are folded."""
+    """Whether keys and texts are folded."""
 
 
 class Searchable(Mapping[str, str], Segmentation):
-    """A mapping of keys to their data texts, in the order of the keys' code points, which finds its
-    keys in texts. Any number of threads may use it at once.
+    """A mapping of keys to their data texts that finds its keys in texts. The keys are in the order
+    of their code points. Any number of threads may use it at once.
 
-    A search of a str returns str, a search of bytes, which are UTF-8, returns bytes; anything else
-    is a TypeError. Offsets count characters of a str and bytes of bytes. A surrogate,
-    a NUL and a byte that is not UTF-8 are in no key and are passed over. Data that is not UTF-8
-    comes with surrogateescape in a str.
+    A search of a ``str`` returns ``str``. A search of ``bytes``, which are read as UTF-8, returns
+    ``bytes``. Anything else is a TypeError. Offsets count characters in a ``str`` and bytes in
+    ``bytes``. A surrogate, a NUL and a byte that is not UTF-8 are in no key and are passed over.
+    Data that is not UTF-8 is decoded with surrogateescape in a ``str``.
 
-    With ``whole_words`` a match neither begins nor ends inside a word.
+    ``segment``, ``words`` and ``replace`` cut a text into segments: the longest key at the first
+    position that has one, then the same after it, and so on. With ``whole_words``, a match neither
+    begins nor ends inside a word.
 
-    The functions for many texts, ``..._each``, spread the cost of a call over them: they take texts
-    from any iterable, some at a time, and yield a result for each, in order. With ``skip_missing``
-    None and NaN are texts without matches.
+    The functions that end in ``_each`` take many texts, from any iterable, and yield one result per
+    text, in order. All but ``replace_each`` search several texts in one call, which takes less
+    time. With ``skip_missing``, None and NaN are texts without matches.
 
-    A text may take 2,147,483,647 bytes of UTF-8; a longer one is a ValueError. Using a closed
-    dictionary is a ValueError, too. A search that is under way when another thread closes the
-    dictionary ends as if nothing had happened.
+    A text of more than 2,147,483,647 bytes of UTF-8 is a ValueError. Using a closed dictionary is a
+    ValueError, too. A search that is under way when another thread closes the dictionary ends as if
+    nothing had happened.
     """
 
     _image: Image | None = None
@@ -70,7 +72,7 @@ class Searchable(Mapping[str, str], Segmentation):
         return default if data is None else data
 
     def lookup(self, key: AnyStr) -> AnyStr | None:
-        """The data text of a key, None if there is no such key.
+        """The data text of a key, or None if there is no such key.
 
         >>> Dictionary.open("sample.bin").lookup("東京")
         'noun\\tTokyo\\t'
@@ -79,7 +81,7 @@ class Searchable(Mapping[str, str], Segmentation):
 
     def lookup_each(self, keys: Iterable[AnyStr], *,
                     skip_missing: bool = False) -> Iterator[AnyStr | None]:
-        """``lookup`` for each of many keys, 1024 in a call.
+        """``lookup`` for each of many keys, 1024 at a time.
 
         >>> list(Dictionary.open("sample.bin").lookup_each(["京", "都"]))
         ['noun\\tcapital\\t', None]
@@ -127,7 +129,7 @@ class Searchable(Mapping[str, str], Segmentation):
         return Items(self, prefix)
 
     def describe(self) -> Description:
-        """The image in numbers. Counting the keys takes one pass over it, once."""
+        """The image in numbers. The first call counts the keys, in one pass over the image."""
         found = self._opened().describe()
         return Description(found.imageBytes, found.cells, found.featureBytes, found.keys,
                            found.images, found.folded)
@@ -144,7 +146,7 @@ class Searchable(Mapping[str, str], Segmentation):
         return self._opened().find(search_of(FIND_PREFIXES, whole_words, every_image), text)
 
     def any_in(self, text: AnyStr, *, whole_words: bool = False) -> bool:
-        """Whether any key is in the text. It stops at the first.
+        """Whether any key is in the text. Stops at the first one.
 
         >>> list(filter(Dictionary.open("sample.bin").any_in, ["京都", "大阪"]))
         ['京都']
@@ -199,7 +201,7 @@ class Searchable(Mapping[str, str], Segmentation):
         return self._opened().find_columns(search, texts, skip_missing)
 
     def data_at(self, number: int, image: int = 0) -> str | None:
-        """The data text with a number from columns; None for a number that is none."""
+        """The data text with a number from ``find_columns``; None if no data text has it."""
         return self._opened().data_at(number, image)
 
     def _segmentation(self, whole_words: bool, unknown_pieces: bool, joined_runs: bool) -> Search:
@@ -212,7 +214,7 @@ class Searchable(Mapping[str, str], Segmentation):
         return self._image is None
 
     def close(self) -> None:
-        """Gives the image up. It goes when the searches that are under way are done."""
+        """Releases the image, once the searches that are under way are done."""
         self._image = None
 
     def _opened(self) -> Image:

@@ -14,15 +14,14 @@ class Segmentation(ABC):
 
     @abstractmethod
     def _opened(self) -> Image:
-        """The image to be searched; ValueError when it is closed."""
+        """The image to search; ValueError if it is closed."""
 
     @abstractmethod
     def _segmentation(self, whole_words: bool, unknown_pieces: bool, joined_runs: bool) -> Search:
         """The search that finds the segments."""
 
     def segment(self, text: AnyStr, *, whole_words: bool = False) -> list[Match[AnyStr]]:
-        """The keys into which a text is cut, one after the other; what is between them is no key.
-        """
+        """The keys into which a text is cut, one after the other, without what is between them."""
         return self._opened().find(self._segmentation(whole_words, False, False), text)
 
     def segment_each(self, texts: Iterable[AnyStr], *, whole_words: bool = False,
@@ -33,8 +32,8 @@ class Segmentation(ABC):
 
     def words(self, text: AnyStr, *, whole_words: bool = False,
               joined_runs: bool = False) -> list[AnyStr]:
-        """The whole text in pieces: keys, and each character that is in none. With ``joined_runs``,
-        ASCII letters and digits in a row that are in no key are one piece.
+        """The whole text in pieces: the keys, and each character that is in none of them. With
+        ``joined_runs``, a run of ASCII letters and digits that no key covers is one piece.
         """
         search = self._segmentation(whole_words, True, joined_runs)
         return self._opened().find(search, text, pieces_of)
@@ -47,10 +46,10 @@ class Segmentation(ABC):
 
     def replace(self, text: AnyStr, field: int = 1, *, alternatives: str | None = None,
                 remove_empty: bool = False, whole_words: bool = False) -> AnyStr:
-        """The text with each key of its segmentation replaced by a data field of the key's first
-        record, counted from 1. Of a field with several ``alternatives`` separated by that text the
-        first one counts. A key without the field, or with an empty one, stays, or is removed with
-        ``remove_empty``.
+        """The text with each key of its segmentation replaced by data field number ``field`` of the
+        key's first record, counted from 1. ``alternatives`` is what separates alternatives in the
+        field; the first one is taken. A key whose field is missing or empty stays; with
+        ``remove_empty`` it is removed.
         """
         return self._replacer(field, alternatives, remove_empty, whole_words).replace(text)
 
@@ -66,7 +65,7 @@ class Segmentation(ABC):
     def replace_with_edits(self, text: AnyStr, field: int = 1, *, alternatives: str | None = None,
                            remove_empty: bool = False,
                            whole_words: bool = False) -> Replacement[AnyStr]:
-        """``replace``, and which stretches of the text became which of the result."""
+        """``replace``, with a list of what was replaced and where."""
         replacer = self._replacer(field, alternatives, remove_empty, whole_words)
         return replacer.replace_with_edits(text)
 

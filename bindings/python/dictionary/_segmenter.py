@@ -29,16 +29,17 @@ class _Weights:
 
 
 class Segmenter(Segmentation):
-    """Cuts texts into words so that their total cost is least, of several ways with the longer
-    first word. The cost of a key is in a data field of its first record, counted from 1:
+    """Cuts texts into the words with the least total cost. Of several ways that cost the same, it
+    takes the one whose first word is longer. The cost of a key comes from a data field of its first
+    record, counted from 1:
 
-    - ``count_field``: how often the word was counted. It costs log(total) - log(count), total over
-      all keys; a character that is in no key has the count 1.
-    - ``cost_field``: the cost. A character that is in no key costs ``unknown_cost``.
+    - ``count_field``: how often the word was counted. A key costs log(total) - log(count), where
+      total is the sum of all counts. A character where no key begins has the count 1.
+    - ``cost_field``: the cost. A character where no key begins costs ``unknown_cost``.
 
-    Any number of threads may use one. It is pickled with its dictionary, and goes on when that is
-    closed. Raises DictionaryError, which names the key, when one has no such field or no number in
-    it.
+    Any number of threads may use one segmenter. It is pickled with its dictionary, and still works
+    when that is closed. Raises DictionaryError if a key lacks the field or has no number in it; the
+    error names the key.
 
     >>> words = Dictionary.of({"北京": "5", "北京大": "1", "大学": "9", "生": "2"})
     >>> Segmenter(words, count_field=1).words("北京大学生")

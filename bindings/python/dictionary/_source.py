@@ -1,4 +1,4 @@
-"""What images are built from, as the library takes it."""
+"""Sources of images, in the library's form."""
 
 import os
 from array import array
@@ -20,7 +20,7 @@ _ITEMS_AT_ONCE = 4096
 
 
 def struct_of(source: Source) -> _library.Source:
-    """The struct, which keeps alive what it rests on. Raises what a file or an iterator raises."""
+    """The struct. It keeps alive what it refers to. Raises what a file or an iterator raises."""
     if isinstance(source, (str, bytes, os.PathLike)):
         return _library.Source(path=path_bytes(source))
     content: Any = source
@@ -41,7 +41,7 @@ class _Bytes(_library.Source):
 
 
 class _Chunk:
-    """Some items as the library takes them, so that it waits for little of Python."""
+    """Some items in the library's form, so that its calls run little Python."""
 
     def __init__(self, items: list[tuple[int, Any]]) -> None:
         records = [_fields(number, item) for number, item in items]
@@ -73,7 +73,7 @@ def _reader(chunks: Iterable[_Chunk]) -> Any:
 
 
 def _fields(number: int, item: Any) -> list[bytes]:
-    """Key and data fields of an item."""
+    """The key and the data fields of an item."""
     try:
         if isinstance(item, (str, bytes)):
             raise TypeError("expected a key and its data")

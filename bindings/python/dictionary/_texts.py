@@ -33,13 +33,13 @@ class PackedTexts:
 
 
 class Batch(list[Any]):
-    """Texts of one kind. Those that are missing, None or NaN, count as empty if they may be so."""
+    """Texts of one kind. With ``skip_missing``, None and NaN count as empty texts."""
 
     def __init__(self, texts: Iterable[Any], first: int, codecs: Codecs,
                  skip_missing: bool) -> None:
         super().__init__(texts)
         self.first = first
-        """How many texts were in batches before."""
+        """How many texts were in the batches before."""
         self.codec: Codec[Any] = codecs.str
         if self._has_bytes():
             self.codec = codecs.bytes

@@ -1,4 +1,4 @@
-"""Keys, values and items of a dictionary that begin with a prefix, in the order of their keys."""
+"""Keys, values and items of the keys that begin with a prefix, in the order of the keys."""
 
 from __future__ import annotations
 

@@ -1,5 +1,5 @@
-"""Dictionaries on a cluster of dask: an image reaches every worker, is checked there before work
-begins, and is opened once per worker process. It needs the package ``distributed``.
+"""Dictionaries on a dask cluster: an image reaches every worker, is checked there before work
+begins, and is opened once per worker process. This needs the package ``distributed``.
 
     client = Client("tcp://scheduler:8786")
     image = upload(client, "words.bin")
@@ -21,7 +21,7 @@ _Path = str | os.PathLike[str]
 
 
 class WorkerError(Exception):
-    """Workers that were refused. ``problems`` has a line for each: its address, and what differs
+    """Workers that cannot be used. ``problems`` has a line for each: its address and what is wrong
     there.
     """
 
@@ -37,16 +37,16 @@ class SharedImage(NamedTuple):
     """An image that every worker has. Give it to tasks; it is small."""
 
     path: str
-    """On the workers; a name without a folder is in the worker's own folder."""
+    """The path on the workers; a name without a folder is in the worker's own folder."""
     digest: str
     version: str
-    """Of this package, as the client has it."""
+    """The client's version of this package."""
 
     @property
     def dictionary(self) -> Dictionary:
         """The dictionary, inside a task. It belongs to the worker process and stays open. The first
-        call in a process checks version and digest: WorkerError if they are not the client's. Later
-        calls find it open.
+        call in a process opens it, and raises WorkerError if the version or the digest is not the
+        client's. Later calls find it open.
         """
         return self._on(get_worker())
 
@@ -55,29 +55,29 @@ class SharedImage(NamedTuple):
 
 
 def upload(client: Client, path: _Path) -> SharedImage:
-    """Sends the image file at the client to every worker, those included that join later.
+    """Sends the client's image file to every worker, including those that join later.
 
-    Raises WorkerError when any worker has another version of this package, or has another image
-    then; ImageError or OSError when the file is refused at the client. The image passes through
-    the memory of the scheduler, and each worker process keeps a file of its own in its folder. For
-    large images see ``installed``.
+    Raises WorkerError if a worker has another version of this package, or cannot open the same
+    image afterwards. Raises ImageError or OSError if the client cannot open the file. The image
+    passes through the memory of the scheduler, and each worker process keeps a file of its own in
+    its folder. For large images, see ``installed``.
     """
     image = _image(path)
-    # Bytes that some process has mapped must not change: other bytes have another name.
+    # A file that some process has mapped must not change, so other bytes get another name.
     stored = image._replace(path=f"{image.digest}-{os.path.basename(path)}")
     return _share(client, stored, _Upload(path, stored.path))
 
 
 def installed(client: Client, path: _Path) -> SharedImage:
-    """An image file that the client and every worker have under the same path already, on a shared
-    disk or copied there. Worker processes of one machine share its memory. Raises what ``upload``
+    """An image file that the client and every worker already have under the same path, on a shared
+    disk or as copies. Worker processes on one machine share its memory. Raises what ``upload``
     raises.
     """
     return _share(client, _image(path))
 
 
 class _Upload(WorkerPlugin):
-    """Stores a file on a worker when the worker begins, or now."""
+    """Stores a file on a worker: now, or when the worker starts."""
 
     def __init__(self, path: _Path, name: str) -> None:
         self._name = name
@@ -87,7 +87,7 @@ class _Upload(WorkerPlugin):
     async def setup(self, worker: Worker) -> None:
         if not os.path.exists(os.path.join(worker.local_directory, self._name)):
             await worker.upload_file(self._name, self._data, load=False)
-        # The scheduler keeps it for the workers that join later.
+        # Only this worker's copy goes; the scheduler keeps one for workers that join later.
         self._data = b""
 
 
@@ -107,7 +107,7 @@ def _share(client: Any, image: SharedImage, upload: _Upload | None = None) -> Sh
 
 
 def _check_versions(client: Any) -> None:
-    """Asks through the engine, as other versions of this module may not understand this one."""
+    """Asks through dask, as other versions of this module may not understand this one."""
     workers = client.get_versions(packages=[__package__])["workers"]
     found = {worker: answer["packages"][__package__] for worker, answer in workers.items()}
     _refuse(_version_problem(worker, version, __version__)

@@ -66,7 +66,7 @@ def wait_until(holds):
 def status_of_child(run):
     """The status of a forked process that runs something: 0, or 1 if that fails."""
     with warnings.catch_warnings():
-        warnings.simplefilter("ignore")  # there are threads: that is what is tested
+        warnings.simplefilter("ignore")  # forking with threads is what is tested
         child = os.fork()
     if child:
         return os.waitpid(child, 0)[1]
@@ -86,7 +86,7 @@ class FolderTest(unittest.TestCase):
 
 class SearchTest(FolderTest):
     def reference(self, keys, text):
-        """What each search finds, the slow way. Every key is its data, too."""
+        """What each search finds, the slow way. Every key has itself as data."""
         tab = text[:0] + ("\t" if isinstance(text, str) else b"\t")
         everything = [Match(start, start + len(key), key, key + tab) for start in range(len(text))
                       for key in keys if text.startswith(key, start)]
@@ -143,7 +143,7 @@ class SearchTest(FolderTest):
                      words.replace_each):
             for texts in ("text", b"text", 1, [1], ["a", b"a"], [b"a", "a"]):
                 if many != words.replace_each or not isinstance(texts, list) or texts == [1]:
-                    # Columns cannot be listed, whatever they are of.
+                    # Columns are not iterable, so one of their arrays is listed.
                     self.assertRaises(TypeError, lambda: [*many(texts).text] if
                                       many == words.find_columns else list(many(texts)))
 
