@@ -35,7 +35,7 @@ before(async () => {
 
 after(() => fs.rmSync(folder, { recursive: true }));
 
-// As the image holds it: a tab ends each field.
+// Data as the image holds it: a tab ends each field.
 const dataOf = (key) => `${words.get(key)}\t`;
 const spansOf = (matches) => matches.map(({ start, end, key, data }) => [start, end, key, data]);
 
@@ -111,7 +111,7 @@ test('segments are the longest or the cheapest, words cover the text', async () 
   const table = [
     [counted, ['北京大', '学生', '\uD800', 'ab', '😐']],
     [byCount, ['北京', '大学', '生', '\uD800', 'ab', '😐']],
-    // Of equal sums, the one with the longer first word.
+    // Of equal costs, the one with the longer first word wins.
     [byCost, ['北京大', '学生', '\uD800', 'ab', '😐']],
   ];
   for (const [segmenter, words] of table) {
@@ -150,7 +150,7 @@ test('keys are replaced, and all else stays', async () => {
     assert.deepEqual(await script.replaceEachAsync(new Set(pair), options), both);
     const { text: result, edits } = script.replaceWithEdits(text, options);
     assert.deepEqual(await script.replaceWithEditsAsync(text, options), { text: result, edits });
-    // The text again, from the result and the edits.
+    // Rebuilds the text from the result and the edits.
     let again = '';
     let end = 0;
     for (const edit of edits) {

@@ -4,10 +4,10 @@ const { BuildError, DictionaryError, problemOf, wrongType } = require('./errors.
 const native = require('./native.js');
 const { isPath, pathOf } = require('./path.js');
 
-// Those that no source is to blame for.
+// Errors that are not the fault of a source.
 const NOT_OF_SOURCES = ['bad-argument', 'no-memory', 'stopped'];
 
-// As the native function takes it.
+// The source in the form that the native function takes.
 function sourceOf(source) {
   if (isPath(source)) return { path: pathOf(source) };
   if (source?.bytes !== undefined) return { bytes: source.bytes };
@@ -23,7 +23,7 @@ function fieldsOf(item, number) {
   if (!Array.isArray(item) || !fields.every((field) => typeof field === 'string')) {
     throw wrongType(`item ${number} (from 0): expected an array of a key and its data, strings`);
   }
-  // Of keys, the library says so itself.
+  // In a key, the library itself reports a surrogate.
   if (fields.slice(1).some((field) => LONE_SURROGATE.test(field))) {
     const error = new TypeError(`item ${number} (from 0): its data has an unpaired surrogate`);
     throw Object.assign(error, { code: 'ERR_INVALID_ARG_VALUE' });
@@ -31,7 +31,7 @@ function fieldsOf(item, number) {
   return fields;
 }
 
-// What JavaScript hears of a build and says to it.
+// Passes progress from a build to JavaScript, and a stop from JavaScript to the build.
 class Watch {
   stop = native.makeStop();
   failure;
@@ -63,7 +63,7 @@ function errorOf(error, report) {
   return new BuildError(error, report);
 }
 
-// Resolves with the report, and the image's bytes if they are wanted.
+// Resolves with the report, and with the image's bytes if they are wanted.
 async function build(source, target, { onProgress, signal, ...options } = {}) {
   const given = sourceOf(source);
   signal?.throwIfAborted();

@@ -2,7 +2,7 @@
 
 const { getSystemErrorName } = require('node:util');
 
-// What the library says, without what it does not have, as it is shown.
+// An error of the library in its public form, without the members that it does not have.
 function problemOf({ kind, severity, path, errno, line, column, cell, offset, text, message }) {
   const problem = { code: errno ? getSystemErrorName(-errno) : kind, kind, severity, text, message };
   if (path !== undefined) problem.path = path;
@@ -33,11 +33,11 @@ for (const Class of [DictionaryError, BuildError]) {
   Object.defineProperty(Class.prototype, 'name', { value: Class.name, configurable: true });
 }
 
-// As Node.js has it for an argument of a wrong type.
+// The error that Node.js throws for an argument of the wrong type.
 const wrongType = (message) =>
   Object.assign(new TypeError(message), { code: 'ERR_INVALID_ARG_TYPE' });
 
-// What a native function answers.
+// The value that a native function returned. Throws if it returned an error.
 function valueOf({ value, error }) {
   if (error) throw new DictionaryError(error);
   return value;

@@ -1,6 +1,6 @@
 'use strict';
 
-// A tab ends each field, and a field after the first that begins with ";" begins a record.
+// A tab ends each field. A field after the first that begins with ";" begins a new record.
 function records(data) {
   if (!data) return [];
   const whole = data.endsWith('\t') ? data.slice(0, -1) : data;
@@ -29,8 +29,8 @@ class Match {
 
 const NUMBERS_OF_MATCH = 3;
 
-// Calls `make` for what the native function found in a text: its spans are those from `from` to
-// `to`.
+// Calls `make` for each match that the native function found in a text. The text's spans are those
+// from `from` up to `to`.
 function each(make, { spans }, from = 0, to = spans.length) {
   const list = new Array((to - from) / NUMBERS_OF_MATCH);
   for (let i = 0, next = from; i < list.length; i++) {

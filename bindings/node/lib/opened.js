@@ -14,7 +14,7 @@ class Opened {
   constructor(image, segmenter) {
     this.#image = image;
     this.#segmenter = segmenter;
-    // A clone would read it.
+    // structuredClone reads it, and so throws.
     Object.defineProperty(this, 'notCloneable', {
       enumerable: true,
       get() {

@@ -6,7 +6,7 @@ const native = require('./native.js');
 const { Opened } = require('./opened.js');
 const { Segmenting, define, listOf, methodsOf, searchOf } = require('./segmenting.js');
 
-// Keys that are asked for at a time, the first time and at most.
+// How many keys are asked for the first time, and at most at a time.
 const FIRST_KEYS = 16;
 const MOST_KEYS = 1024;
 

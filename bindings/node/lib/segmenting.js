@@ -5,18 +5,18 @@ const { keysOf, keysOfEach, matchesOf, matchesOfEach } = require('./match.js');
 const native = require('./native.js');
 const { Opened } = require('./opened.js');
 
-// Many texts as an array. One text is also an iterable of strings, but hardly meant as such.
+// Many texts as an array. A single string is an iterable of strings, too, but is not meant as one.
 function listOf(texts) {
   if (typeof texts === 'string') throw wrongType('many texts are expected, not one');
   return Array.from(texts);
 }
 
-// What a native function takes of a search.
+// The arguments of a native function that describe a search.
 const searchOf = (opened, mode, options) =>
   [Opened.imageOf(opened), mode, options, Opened.segmenterOf(opened)];
 
-// The methods of a way to search: of a text and of each of many, at once and later. `ofOne` and
-// `ofEach` make the answer of a text or texts and what the native function found.
+// The methods of a way to search: for one text and for many, at once and later. `ofOne` and
+// `ofEach` make the result from the text or texts and what the native function found.
 function methodsOf(name, mode, ofOne, ofEach, adjust = (options) => options) {
   const argumentsOf = (self, texts, options) => [...searchOf(self, mode, adjust(options)), texts];
   return {

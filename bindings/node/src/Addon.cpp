@@ -1,5 +1,4 @@
-// What the JavaScript files call: thin functions over the C interface, which answer with plain
-// values.
+// What the JavaScript files call: thin functions over the C interface that return plain values.
 
 #include "Building.h"
 #include "Dictionary.h"

@@ -66,7 +66,7 @@ private:
     std::optional<Items> m_items;
 };
 
-// A build from what JavaScript says to what it hears.
+// A build, from JavaScript's arguments to the result for JavaScript.
 class Build {
 public:
     // (source, target, options, onProgress, stop): the target is {path}, {memory: true} or {}.
@@ -155,7 +155,7 @@ private:
     std::optional<Failure> m_failure;
 };
 
-// build(source, target, options, onProgress, stop): as Build hands it over
+// build(source, target, options, onProgress, stop): what Build::toJs makes
 Job build(const Call& call) {
     return [build = std::make_shared<Build>(call)]() -> Answer {
         build->run();
@@ -163,7 +163,7 @@ Job build(const Call& call) {
     };
 }
 
-// makeStop(): for one build
+// makeStop(): a stop for one build
 napi_value makeStop(const Call& call) {
     return call.env().external(std::make_shared<std::atomic<bool>>(false));
 }

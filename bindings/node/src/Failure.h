@@ -1,4 +1,4 @@
-// Errors of the library on their way to JavaScript.
+// Errors of the library for JavaScript.
 
 #ifndef DICTIONARY_NODE_FAILURE_H
 #define DICTIONARY_NODE_FAILURE_H
@@ -10,7 +10,7 @@
 
 namespace Dictionary::Node {
 
-// An error record with its path and its message, which depends on nothing else. Thrown by jobs.
+// An error record with copies of its path and its message. Thrown by jobs.
 class Failure {
 public:
     explicit Failure(const DictionaryError& error);
@@ -24,10 +24,10 @@ private:
     std::string m_message;
 };
 
-// Throws what the library reports, if it is an error.
+// Throws a Failure unless the record says that all is well.
 void throwUnlessOk(const DictionaryError& error);
 
-// A job whose answer is {value}, or {error} when it throws a Failure.
+// A job whose answer is {value}, or {error} if `job` throws a Failure.
 Job reporting(Job job);
 
 }  // namespace Dictionary::Node

@@ -19,8 +19,8 @@ namespace Dictionary::Node {
 
 namespace {
 
-// Matches in the form that is quickest to hand over: for each its start, its end and the number of
-// its data text, as every text is made a string only once.
+// Matches in the form that is quickest to hand over: the start, the end and the number of the data
+// text of each. So each data text becomes a string only once.
 class Found {
 public:
     Found(Search search, const Utf16Texts& texts) : m_search(std::move(search)) {
@@ -32,7 +32,7 @@ public:
         for (std::size_t i = 0; i < matches.count; ++i) add(matches.items[i]);
     }
 
-    // {spans, ends, data, images}: the spans of a text end before that number.
+    // {spans, ends, data, images}: the spans of text i end before number ends[i].
     napi_value toJs(const Env& env) const {
         std::vector<napi_value> data;
         data.reserve(m_data.size());
@@ -64,7 +64,7 @@ private:
         m_spans.insert(m_spans.end(), {start, start + length, numberOf(match)});
     }
 
-    // Of the match's data text among those that are handed over.
+    // The number of the match's data text among those that are handed over.
     std::uint32_t numberOf(const DictionaryMatch& match) {
         if (match.data.bytes == nullptr) return kNoData;
         constexpr unsigned kBitsOfNumber = 32;
@@ -78,7 +78,7 @@ private:
         return known->second;
     }
 
-    Search m_search;  // which keeps the data texts
+    Search m_search;  // keeps the data texts alive
     std::vector<std::uint32_t> m_spans;
     std::vector<std::uint32_t> m_ends;
     std::vector<std::string_view> m_data;
@@ -86,7 +86,7 @@ private:
     std::unordered_map<std::uint64_t, std::uint32_t> m_numbers;  // of data texts
 };
 
-// find(...search, texts): as Found hands it over
+// find(...search, texts): what Found::toJs makes
 Job find(const Call& call) {
     return reporting([search = Search(call), texts = call[Search::kArguments].texts()]() -> Answer {
         const auto found = std::make_shared<const Found>(search, texts);
@@ -96,7 +96,7 @@ Job find(const Call& call) {
 
 // ---- Columns
 
-// The matches of texts, in columns that JavaScript uses where they are.
+// The matches of texts, in columns that JavaScript uses in place.
 class Columns {
 public:
     Columns(const Search& search, const Utf16Texts& texts) {
@@ -135,7 +135,7 @@ Job findColumns(const Call& call) {
     });
 }
 
-// contains(...search, text): whether there is any key in it
+// contains(...search, text): whether any key is in the text
 Job contains(const Call& call) {
     return reporting([search = Search(call), text = call[Search::kArguments].text()]() -> Answer {
         bool contains = false;

@@ -1,4 +1,4 @@
-// What JavaScript can call.
+// Functions that JavaScript can call.
 
 #ifndef DICTIONARY_NODE_FUNCTIONS_H
 #define DICTIONARY_NODE_FUNCTIONS_H

@@ -14,7 +14,7 @@
 
 namespace Dictionary::Node {
 
-// A handle with what it rests on: bytes in memory, or the images of a set.
+// A handle with what it needs: bytes in memory, or the images of a set.
 class OpenImage {
 public:
     static std::shared_ptr<const OpenImage> fromFile(const std::string& path, int mode);

@@ -1,4 +1,4 @@
-// Items of a source that are in memory.
+// Items of a source in memory.
 
 #ifndef DICTIONARY_NODE_ITEMS_H
 #define DICTIONARY_NODE_ITEMS_H
@@ -12,10 +12,10 @@
 
 namespace Dictionary::Node {
 
-// Copies of them, one after the other.
+// Copies of the items, one after the other.
 class Items {
 public:
-    // From an array of arrays of strings: a key and its data fields.
+    // From an array of items, each an array of strings: a key and its data fields.
     explicit Items(const Value& items);
 
     // Makes them the source. They are read once.

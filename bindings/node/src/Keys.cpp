@@ -76,7 +76,7 @@ Job openCursor(const Call& call) {
 
 constexpr std::size_t kCountedAtOnce = 1024;
 
-// countKeys(cursor): those that are left
+// countKeys(cursor): how many keys are left
 napi_value countKeys(const Call& call) {
     DictionaryCursor* const cursor = call[0].external<std::shared_ptr<Cursor>>()->cursor.get();
     std::vector<DictionaryKey> keys(kCountedAtOnce);
@@ -87,8 +87,8 @@ napi_value countKeys(const Call& call) {
     return call.env().number(total);
 }
 
-// nextKeys(cursor, count): up to so many keys, each with its data after it, in an array, which is
-// empty at the end
+// nextKeys(cursor, count): up to `count` keys, each with its data after it, as an array; empty at
+// the end
 napi_value nextKeys(const Call& call) {
     DictionaryCursor* const cursor = call[0].external<std::shared_ptr<Cursor>>()->cursor.get();
     std::vector<DictionaryKey> keys(static_cast<std::size_t>(call[1].number()));

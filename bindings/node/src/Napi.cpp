@@ -9,7 +9,7 @@ namespace Dictionary::Node {
 
 namespace {
 
-// As Node.js calls it.
+// The name that Node.js uses.
 constexpr const char* kWrongType = "ERR_INVALID_ARG_TYPE";
 
 std::string withoutNul(const Env& env, std::string text) {
@@ -24,7 +24,7 @@ bool isPending(napi_env env) {
     return napi_is_exception_pending(env, &pending) == napi_ok && pending;
 }
 
-// A job on its way through the thread pool, which owns itself until its end.
+// A job in the thread pool. It owns itself until it is done.
 class Task {
 public:
     explicit Task(Job job) : m_job(std::move(job)) {}
@@ -48,7 +48,7 @@ private:
         try {
             task.m_answer = task.m_job();
         } catch (const std::bad_alloc&) {
-            // There is no answer then.
+            // Then there is no answer.
         }
     }
 
@@ -62,7 +62,7 @@ private:
         napi_delete_async_work(env, task->m_work);
     }
 
-    // Without a value an exception is pending, unless JavaScript is being ended.
+    // Without a value, an exception is pending, unless JavaScript is shutting down.
     void settle(napi_env env, napi_value value) {
         if (value != nullptr) {
             napi_resolve_deferred(env, m_deferred, value);
@@ -83,9 +83,9 @@ void Env::check(napi_status status) const {
     if (status == napi_ok) return;
     const napi_extended_error_info* info = nullptr;
     napi_get_last_error_info(m_env, &info);
-    // The next call forgets the rest of it.
+    // The next call overwrites the rest of it.
     const char* const message = info->error_message;
-    // All that hosts can do wrong is to pass values of other types.
+    // The only mistake that can be made here is to pass a value of the wrong type.
     if (!isPending(m_env)) napi_throw_type_error(m_env, kWrongType, message);
     throw ExceptionIsPending();
 }

@@ -1,5 +1,5 @@
-// Node-API for C++: values are made and read without a look at every status, and jobs run at once
-// or on the thread pool.
+// Node-API for C++: values are made and read without checking every status, and jobs run at once or
+// on the thread pool.
 
 #ifndef DICTIONARY_NODE_NAPI_H
 #define DICTIONARY_NODE_NAPI_H
@@ -21,7 +21,7 @@
 
 namespace Dictionary::Node {
 
-// Thrown when a JavaScript exception is pending, which the host sees as soon as we return.
+// Thrown when a JavaScript exception is pending, which JavaScript sees as soon as we return.
 struct ExceptionIsPending {};
 
 // Makes JavaScript values, on JavaScript's thread. Throws ExceptionIsPending.
@@ -40,7 +40,7 @@ public:
     napi_value string(std::u16string_view units) const;
     napi_value array(const std::vector<napi_value>& items) const;
     napi_value uint32Array(const std::vector<std::uint32_t>& numbers) const;
-    // Over the memory that `owner` keeps, which is copied where the host allows nothing else.
+    // Over the memory that `owner` keeps. It is copied where the runtime allows nothing else.
     napi_value uint32Array(std::uint32_t* numbers, std::size_t count,
                            std::shared_ptr<const void> owner) const;
     napi_value uint8Array(char* bytes, std::size_t size, std::shared_ptr<const void> owner) const;
@@ -56,8 +56,8 @@ private:
     napi_env m_env;
 };
 
-// A JavaScript value that a host passed. Throws ExceptionIsPending when it is not of the kind asked
-// for.
+// A JavaScript value that was passed to us. Throws ExceptionIsPending when it is not of the kind
+// asked for.
 class Value {
 public:
     Value(const Env& env, napi_value value) : m_env(env), m_value(value) {}
@@ -66,18 +66,18 @@ public:
     bool isUndefined() const;
     bool flag() const;
     double number() const;
-    // Of fields and the like, from 1.
+    // A number of a field or the like, from 1.
     std::uint32_t count() const;
     std::u16string text() const;
-    // In UTF-8, for C strings: without a NUL.
+    // In UTF-8, as a C string: without a NUL.
     std::string name() const;
     // A copy of a Uint8Array.
     std::string bytes() const;
-    // A copy of a path in a Uint8Array, for C strings: without a NUL.
+    // A copy of a path in a Uint8Array, as a C string: without a NUL.
     std::string path() const;
     Utf16Texts texts() const;
     std::vector<Value> elements() const;
-    // Undefined where the object, or undefined in place of one, has no such member.
+    // Undefined if there is no such member, or if this is undefined and not an object.
     Value member(const char* name) const;
     template <class Kept>
     Kept& external() const;
@@ -102,7 +102,7 @@ private:
     napi_value m_arguments[kMostArguments];
 };
 
-// Called on JavaScript's thread with what a job has brought about.
+// Makes the JavaScript value of a job's result, on JavaScript's thread.
 using Answer = std::function<napi_value(const Env&)>;
 // Called once, on any thread. May throw std::bad_alloc.
 using Job = std::function<Answer()>;
@@ -110,7 +110,7 @@ using Job = std::function<Answer()>;
 // Runs a job on the thread pool and returns the promise of its answer.
 napi_value promiseOf(const Env& env, Job job);
 
-// Calls `body`; what it throws becomes JavaScript's pending exception, and the result null.
+// Calls `body`. What it throws becomes JavaScript's pending exception, and the result is null.
 template <class Body>
 napi_value withoutThrowing(napi_env env, Body body) {
     try {
@@ -123,7 +123,7 @@ napi_value withoutThrowing(napi_env env, Body body) {
     return nullptr;
 }
 
-// Functions for JavaScript, made from ones that read their arguments and return a value or a job.
+// Functions for JavaScript, made from functions that read arguments and return a value or a job.
 template <napi_value (*kFunction)(const Call&)>
 napi_value direct(napi_env env, napi_callback_info info) {
     return withoutThrowing(env, [&] { return kFunction(Call(Env(env), info)); });

@@ -47,7 +47,7 @@ void Progress::send(Event* event) {
     if (status == napi_ok) {
         owner.release();
     } else if (status == napi_closing) {
-        // JavaScript is being ended; its function must not be touched again.
+        // JavaScript is shutting down; its function must not be touched again.
         m_function = nullptr;
         *m_stop = true;
     }

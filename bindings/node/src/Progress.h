@@ -1,4 +1,4 @@
-// Progress of builds, from their threads to JavaScript's.
+// Progress of builds, passed from their threads to JavaScript's.
 
 #ifndef DICTIONARY_NODE_PROGRESS_H
 #define DICTIONARY_NODE_PROGRESS_H
@@ -16,17 +16,17 @@ namespace Dictionary::Node {
 // Whether a build is to stop.
 using Stop = std::shared_ptr<std::atomic<bool>>;
 
-// Calls a JavaScript function with (stage, done, total), and at last with nothing.
+// Calls a JavaScript function with (stage, done, total), and after the last report with nothing.
 class Progress {
 public:
-    // Undefined in place of the function: no calls.
+    // If `function` is undefined, nothing is called.
     Progress(const Env& env, const Value& function, Stop stop);
     Progress(const Progress&) = delete;
     ~Progress() { finish(); }
 
-    // On the build's thread: false when it is to stop.
+    // Called on the build's thread. Returns false when the build is to stop.
     bool report(int stage, std::uint64_t done, std::uint64_t total);
-    // After the last report.
+    // Called after the last report.
     void finish();
 
 private:

@@ -23,7 +23,7 @@ namespace {
 // What replaces keys.
 class Rule {
 public:
-    // From the options, or undefined in their place.
+    // From the options, which may be undefined.
     explicit Rule(const Value& given) {
         const Value field = given.member("field");
         const Value alternatives = given.member("alternatives");
@@ -48,7 +48,7 @@ private:
     bool m_removesEmpty = false;
 };
 
-// The result's units, where all between the edits is the text's own: its unpaired surrogates, too.
+// The result's units. What is between the edits is the text's own, unpaired surrogates included.
 std::u16string resultUnits(const DictionaryReplacement& result, std::u16string_view text) {
     std::u16string units = unitsOf(std::string_view(result.bytes, result.size));
     std::size_t from = 0, to = 0;
@@ -63,8 +63,8 @@ std::u16string resultUnits(const DictionaryReplacement& result, std::u16string_v
     return units;
 }
 
-// A text with its keys replaced: as UTF-8, or as units where UTF-8 could not hold them or the edits
-// are wanted, which count them.
+// A text with its keys replaced: as UTF-8, or as units where UTF-8 cannot hold them, or where edits
+// are wanted, which count units.
 class Replaced {
 public:
     Replaced(const Search& search, const Rule& rule, std::u16string_view text, bool wantsEdits) {

@@ -11,8 +11,8 @@
 
 namespace Dictionary::Node {
 
-// A search of an image. Read from four arguments in a row: the image, the mode's name, the options
-// or undefined, a segmenter or undefined.
+// A search of an image. It is read from the first four arguments: the image, the name of the mode,
+// the options or undefined, a segmenter or undefined.
 class Search {
 public:
     explicit Search(const Call& call);

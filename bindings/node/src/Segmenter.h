@@ -11,7 +11,7 @@
 
 namespace Dictionary::Node {
 
-// A segmenter, which keeps its image open.
+// A segmenter that keeps its image open.
 class OpenSegmenter {
 public:
     OpenSegmenter(Image image, const DictionarySegmenterOptions& options);
@@ -23,7 +23,7 @@ private:
     std::unique_ptr<DictionarySegmenter, void (*)(DictionarySegmenter*)> m_segmenter;
 };
 
-// Shared by a segmenter of JavaScript's and every search with it that is under way.
+// Shared by a JavaScript segmenter and every search with it that is under way.
 using Segmenter = std::shared_ptr<const OpenSegmenter>;
 
 Functions segmenterFunctions();

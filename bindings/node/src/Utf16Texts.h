@@ -9,7 +9,7 @@
 
 namespace Dictionary::Node {
 
-// In one piece of memory, as an allocation for each takes longer than a search of a line.
+// In one piece of memory, because an allocation per text takes longer than a search of a line.
 class Utf16Texts {
 public:
     std::size_t size() const { return m_ends.size(); }
@@ -19,7 +19,7 @@ public:
         return {m_units.data() + start, m_ends[i] - start};
     }
 
-    // Adds a text. `read(place, room)` writes as many of its units as there is room for and a NUL
+    // Adds a text. `read(place, room)` writes as many of its units as there is room for, with a NUL
     // after them, and returns how many units it wrote.
     template <class Read>
     void add(const Read& read) {

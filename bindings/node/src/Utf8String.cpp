@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kMostBytesOfUnit = 3;
 constexpr char kIllegalByte = '\xFF';
 
-// Encodes the character at units[i], moves `i` after it and returns where its bytes end.
+// Encodes the character at units[i], moves `i` past it and returns where its bytes end.
 char* putCharacter(std::u16string_view units, std::size_t& i, char* to, bool& isWellFormed) {
     const char16_t unit = units[i++];
     if (!isSurrogate(unit)) return writeUtf8(unit, to);

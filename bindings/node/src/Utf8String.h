@@ -1,4 +1,4 @@
-// The UTF-8 of JavaScript strings, and back.
+// JavaScript strings to UTF-8, and back.
 
 #ifndef DICTIONARY_NODE_UTF8_STRING_H
 #define DICTIONARY_NODE_UTF8_STRING_H
@@ -14,8 +14,8 @@
 
 namespace Dictionary::Node {
 
-// An unpaired surrogate becomes a byte that begins no legal sequence: it stays one unit, and no key
-// holds it.
+// A string in UTF-8. An unpaired surrogate becomes a byte that begins no legal sequence: it still
+// counts as one unit, and no key holds it.
 class Utf8String {
 public:
     explicit Utf8String(std::u16string_view units);
@@ -35,7 +35,7 @@ private:
 // The units of UTF-8, with U+FFFD for each byte that begins no legal sequence.
 std::u16string unitsOf(std::string_view utf8);
 
-// Several of them, as the library takes them.
+// Several strings, as the library takes them.
 class Utf8Strings {
 public:
     explicit Utf8Strings(const Utf16Texts& texts);
