@@ -14,7 +14,7 @@ inline bool beginsCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0u) != 0x80u;
 }
 
-// Where the character at `place` ends, which is not the end of the text.
+// Where the character at `place` ends. `place` must be before the end of the text.
 inline std::size_t endOfCharacter(std::string_view text, std::size_t place) {
     do {
         ++place;

@@ -1,4 +1,4 @@
-// Failures on their way to SQLite.
+// Errors for SQLite.
 
 #ifndef DICTIONARY_SQLITE_ERROR_H
 #define DICTIONARY_SQLITE_ERROR_H
@@ -10,7 +10,7 @@
 
 namespace dictionary_sqlite {
 
-// What is wrong, as a user of SQL is to read it.
+// What is wrong, in words for a user of SQL.
 class Error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -19,7 +19,7 @@ public:
 // The whole message of an error record.
 inline std::string messageOf(const DictionaryError& error) {
     std::string message(dictionaryErrorMessage(&error, nullptr, 0), '\0');
-    // The function writes a NUL after the message, where the string has one.
+    // The function writes a NUL after the message; the string has one there.
     dictionaryErrorMessage(&error, message.data(), message.size() + 1);
     return message;
 }

@@ -74,7 +74,7 @@ private:
         sqlite3_result_text64(context, bytes, size, SQLITE_TRANSIENT, SQLITE_UTF8);
     }
 
-    // Counts the characters before the row's word; rows come by the starts of their words.
+    // Counts the characters before the row's word. Rows come in the order of their words' starts.
     void passTo() {
         if (atEnd()) return;
         const std::size_t start = m_matches[m_row].start;
@@ -94,7 +94,7 @@ private:
 int connect(sqlite3* database, void*, int, const char* const*, sqlite3_vtab** table, char**) {
     const int result = sqlite3_declare_vtab(database, kSchema);
     if (result != SQLITE_OK) return result;
-    // It opens files, which is nothing for the schema of a database of unknown origin.
+    // It opens files, which the schema of a database of unknown origin must not do.
     sqlite3_vtab_config(database, SQLITE_VTAB_DIRECTONLY);
     *table = new (std::nothrow) sqlite3_vtab();
     return *table == nullptr ? SQLITE_NOMEM : SQLITE_OK;
@@ -105,7 +105,7 @@ int disconnect(sqlite3_vtab* table) {
     return SQLITE_OK;
 }
 
-// Hands the arguments that are given to filter(), in their order.
+// Has the arguments of the call passed to filter(), in their order.
 int bestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
     int constraints[kArguments] = {-1, -1, -1};
     for (int i = 0; i < info->nConstraint; ++i) {

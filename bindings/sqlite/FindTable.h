@@ -7,7 +7,7 @@
 
 namespace dictionary_sqlite {
 
-// Makes the table known to a connection. Returns SQLite's result code.
+// Registers the table with a connection. Returns SQLite's result code.
 int registerFindTable(sqlite3* database);
 
 }  // namespace dictionary_sqlite

@@ -15,7 +15,7 @@ namespace {
 
 using Opened = std::shared_ptr<const Words>;
 
-// The image that the first argument names. A statement that names the same one for each row keeps
+// The image that the first argument names. A statement that names the same image for each row keeps
 // it open.
 const Words& openOnce(sqlite3_context* context, sqlite3_value** arguments, Opened& opened) {
     if (const void* kept = sqlite3_get_auxdata(context, 0)) {
@@ -41,7 +41,7 @@ void answer(sqlite3_context* context, Work work) {
     }
 }
 
-// The data text of a key, or NULL for what is no key.
+// The data text of a key, or NULL if there is no such key.
 void lookup(sqlite3_context* context, int, sqlite3_value** arguments) {
     answer(context, [&] {
         Opened opened;
@@ -53,7 +53,7 @@ void lookup(sqlite3_context* context, int, sqlite3_value** arguments) {
     });
 }
 
-// "ok", or an error with what is wrong with the image.
+// "ok", or an error that says what is wrong with the image.
 void verify(sqlite3_context* context, int, sqlite3_value** arguments) {
     answer(context, [&] {
         DictionaryError error;
@@ -65,7 +65,7 @@ void verify(sqlite3_context* context, int, sqlite3_value** arguments) {
 }  // namespace
 
 int registerFunctions(sqlite3* database) {
-    // They open files, which is nothing for the schema of a database of unknown origin.
+    // They open files, which the schema of a database of unknown origin must not do.
     constexpr int kFlags = SQLITE_UTF8 | SQLITE_DIRECTONLY;
     const int result = sqlite3_create_function(database, "dictionary_lookup", 2, kFlags, nullptr,
                                                lookup, nullptr, nullptr);

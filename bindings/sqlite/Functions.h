@@ -7,7 +7,7 @@
 
 namespace dictionary_sqlite {
 
-// Makes the functions known to a connection. Returns SQLite's result code.
+// Registers the functions with a connection. Returns SQLite's result code.
 int registerFunctions(sqlite3* database);
 
 }  // namespace dictionary_sqlite

@@ -19,7 +19,7 @@ namespace dictionary_sqlite {
 
 namespace {
 
-// What tokenizers of one connection share.
+// What the tokenizers of a connection share.
 struct Connection {
     fts5_api* api;
     std::string lastError;
@@ -128,7 +128,7 @@ int tokenize(Fts5Tokenizer* tokenizer, void* context, int reason, const char* te
     return guarded(pass, nullptr);
 }
 
-// FTS5 reports no more than that a tokenizer was refused.
+// Why a tokenizer was refused, which FTS5 does not report.
 void lastError(sqlite3_context* context, int, sqlite3_value**) {
     const std::string& text = static_cast<Connection*>(sqlite3_user_data(context))->lastError;
     if (text.empty()) return sqlite3_result_null(context);
@@ -157,7 +157,7 @@ int registerTokenizer(sqlite3* database) {
     fts5_tokenizer functions = {create, destroy, tokenize};
     const int result = api->xCreateTokenizer(api, "dictionary", connection, &functions, release);
     if (result != SQLITE_OK) return result;
-    // The connection's tokenizers and functions go together, when it is closed.
+    // Tokenizers and functions are both released when the database connection is closed.
     return sqlite3_create_function_v2(database, "dictionary_error", 0, SQLITE_UTF8, connection,
                                       lastError, nullptr, nullptr, nullptr);
 }

@@ -7,9 +7,9 @@
 
 namespace dictionary_sqlite {
 
-// Makes the tokenizer known to a connection, with the SQL function dictionary_error(), which
-// returns why the connection refused one last. Returns SQLite's result code. Without FTS5 it does
-// nothing.
+// Registers the tokenizer with a connection, and the SQL function dictionary_error(), which returns
+// why the connection last refused a tokenizer. Returns SQLite's result code. Does nothing if there
+// is no FTS5.
 int registerTokenizer(sqlite3* database);
 
 }  // namespace dictionary_sqlite

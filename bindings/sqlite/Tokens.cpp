@@ -37,7 +37,7 @@ void Tokens::cut(std::string_view text, int reason, int mode) {
     placeWords();
 }
 
-// Where a word begins with what unicode61 passes over, that character becomes a unit.
+// Where a word begins with a character that unicode61 passes over, it becomes a unit.
 void Tokens::addUnitsOfSymbols() {
     const std::size_t count = m_textUnits.size();
     std::size_t next = 0;
@@ -71,8 +71,8 @@ void Tokens::placeWords() {
     }
 }
 
-// Whether a match is a token of its own: over several units, none of which is a word itself. `word`
-// has the first of them and gets the rest.
+// Whether a match is a token of its own: it covers several units, none of which is a word itself.
+// `word` comes with its first unit; the other members are set here.
 bool Tokens::covers(const DictionaryMatch& match, Word& word) const {
     word.start = match.start;
     word.end = match.start + match.length;
@@ -128,8 +128,8 @@ void Tokens::addPieces() {
     }
 }
 
-// The same, but every unit keeps its position: under a word it is represented by the longest word
-// that begins there, which is rarer than the unit.
+// The same, but every unit keeps its position. A unit under a word is represented by the longest
+// word that begins there, which is rarer than the unit.
 void Tokens::addWithCovered() {
     for (std::size_t unit = 0; unit < m_textUnits.size();) {
         const Word* const piece = longestAt(unit, m_textUnits.size());

@@ -1,9 +1,10 @@
 // The tokens of a text: its units, and the words of a dictionary over them.
 //
-// A word of the dictionary over units of scripts that are written without blanks is a token. Where
-// words may overlap (modes ALL and LONGEST), each unit is a position of the index, and a word is
-// one more token at the position of its first unit: so a phrase is found wherever the words in it
-// begin and end. Otherwise (SEGMENT and WEIGHTED) a word takes the place of its units.
+// A word of the dictionary is a token if it covers units of scripts that are written without
+// blanks. Where words may overlap (modes ALL and LONGEST), each unit is a position of the index,
+// and a word is one more token at the position of its first unit. So a phrase is found wherever its
+// words begin and end. In the other modes (SEGMENT and WEIGHTED), a word takes the place of its
+// units.
 
 #ifndef DICTIONARY_SQLITE_TOKENS_H
 #define DICTIONARY_SQLITE_TOKENS_H
@@ -33,7 +34,7 @@ public:
         : m_words(std::move(words)), m_units(unicode61) {}
 
     // The tokens of a text that is stored, or of a query, which is cut by the longest words. They
-    // last, like the text, until the next call. `reason` is xTokenize's. Throws an Error.
+    // last until the next call, as long as the text does. `reason` is xTokenize's. Throws an Error.
     const std::vector<Token>& ofDocument(std::string_view text, int reason);
     const std::vector<Token>& ofQuery(std::string_view text, int reason);
 
@@ -63,7 +64,7 @@ private:
     std::vector<Unit> m_textUnits;
     Matches m_matches;
     std::vector<Word> m_placed;              // by firstUnit, shortest first
-    std::vector<std::size_t> m_firstPlaced;  // for each unit the first word there or after it
+    std::vector<std::size_t> m_firstPlaced;  // for each unit, the first word there or after it
     std::vector<Token> m_tokens;
 };
 

@@ -1,4 +1,4 @@
-// The tokenizer that comes with FTS5.
+// The tokenizer unicode61, which comes with FTS5.
 
 #ifndef DICTIONARY_SQLITE_UNICODE61_H
 #define DICTIONARY_SQLITE_UNICODE61_H

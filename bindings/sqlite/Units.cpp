@@ -17,8 +17,8 @@ struct Character {
     bool isWord;
 };
 
-// The character at `place` of a stretch that unicode61 took for a word, which is legal UTF-8 but
-// for what it passed over.
+// The character at `place` of a stretch that unicode61 took for a word. Such a stretch is legal
+// UTF-8, except for what unicode61 passed over.
 Character characterAt(std::string_view text, std::size_t place) {
     const std::size_t end = endOfCharacter(text, place);
     return {end, dictionaryIsWordCharacter({text.data() + place, end - place})};
@@ -46,7 +46,7 @@ std::vector<Unit> Units::of(std::string_view text, int reason) {
     return std::move(m_units);
 }
 
-// Splits a word that ends where `text` does into its units.
+// Splits a word into its units. The word ends where `text` ends.
 void Units::split(std::string_view text, const FoldedWord& word) {
     for (std::size_t place = word.start; place < text.size();) {
         const Character first = characterAt(text, place);

@@ -1,7 +1,7 @@
 // The units of a text, each of which is a position in a full-text index.
 //
-// A word of a script that is written with blanks is a unit; so is each character of the other
-// scripts, where unicode61 alone would take several for one word.
+// A word of a script that is written with blanks is a unit. In other scripts each character is a
+// unit, where unicode61 alone would take several characters for one word.
 
 #ifndef DICTIONARY_SQLITE_UNITS_H
 #define DICTIONARY_SQLITE_UNITS_H

@@ -12,7 +12,7 @@ SQLITE_EXTENSION_INIT3
 
 namespace dictionary_sqlite {
 
-// The bytes of a text or a BLOB; of a number its text, of NULL none.
+// The bytes of a text or a BLOB, the text of a number, or nothing for NULL.
 inline std::string textOf(sqlite3_value* value) {
     const void* const bytes = sqlite3_value_blob(value);
     const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));

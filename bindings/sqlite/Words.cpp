@@ -13,7 +13,7 @@ namespace {
 
 using Handle = std::unique_ptr<DictionaryHandle, decltype(&dictionaryClose)>;
 
-// A shared image is in memory once, so where its bytes are names it while it is open.
+// A shared image is in memory once, so the address of its bytes names it while it is open.
 using Key = std::tuple<const char*, int, int, unsigned, double>;
 
 Key keyOf(const DictionaryHandle* handle, const WordsOptions& options) {

@@ -1,4 +1,4 @@
-// An open dictionary with its way to cut a text into words.
+// An open dictionary, and how it cuts texts into words.
 
 #ifndef DICTIONARY_SQLITE_WORDS_H
 #define DICTIONARY_SQLITE_WORDS_H
@@ -14,7 +14,7 @@ namespace dictionary_sqlite {
 struct WordsOptions {
     std::string path;
     int mode = DICTIONARY_FIND_ALL;
-    // For DICTIONARY_FIND_WEIGHTED alone.
+    // Only for DICTIONARY_FIND_WEIGHTED.
     DictionarySegmenterOptions weights = {sizeof(DictionarySegmenterOptions),
                                           DICTIONARY_WEIGHTS_COUNTS, 1, 0};
 };
@@ -43,9 +43,8 @@ private:
 // Any number of threads may use one object.
 class Words {
 public:
-    // Opens an image. However many connections ask for it, one image is mapped once per process and
-    // its weights are read once. Throws an Error for what is wrong with the image or its
-    // weights.
+    // Opens an image. However many connections ask for an image, it is mapped once per process, and
+    // its weights are read once. Throws an Error if the image or its weights are wrong.
     static std::shared_ptr<const Words> open(const WordsOptions& options);
 
     ~Words();

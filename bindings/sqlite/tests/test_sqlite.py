@@ -37,7 +37,7 @@ def connect(path=":memory:"):
 
 
 def small_image(name, *records):
-    """Builds an image of a few records in place of the one of that name."""
+    """Builds an image of a few records under a name, in place of an older one."""
     path = os.path.join(folder, name)
     source = "".join("\t".join(record) + "\n" for record in records)
     subprocess.run([DICTOOL, "build", "-", path], input=source.encode(), check=True,
