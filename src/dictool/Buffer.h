@@ -1,4 +1,4 @@
-// Bytes that grow by what is read, in room that is not filled beforehand.
+// Bytes that grow as they are read. New room is not filled first.
 
 #ifndef DICTOOL_BUFFER_H
 #define DICTOOL_BUFFER_H
@@ -20,8 +20,8 @@ public:
     const char* data() const { return m_bytes.get(); }
     std::size_t size() const { return m_size; }
 
-    // Room for `size` bytes more, which take() adds. It doubles as it grows, so that a byte is
-    // moved once or twice, however many there will be.
+    // Room for `size` more bytes, which take() adds. The capacity at least doubles when it grows,
+    // so that a byte is moved less than twice on average.
     char* room(std::size_t size) {
         if (m_capacity - m_size < size) moveTo(std::max(m_size + size, 2 * m_capacity));
         return m_bytes.get() + m_size;

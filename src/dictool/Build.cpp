@@ -1,4 +1,4 @@
-// build and lint: from a source to an image, or only to what is wrong with the source.
+// build and lint: make an image of a source, or only report what is wrong with it.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -77,7 +77,7 @@ void onProblem(void* context, const DictionaryError* problem) {
            failure.text);
 }
 
-// After the last step of placement there is an unfinished file to clean up.
+// After placement there is an unfinished file to clean up, so interrupts are only noted.
 bool onProgress(void* context, int stage, std::uint64_t done, std::uint64_t total) {
     constexpr const char* kStages[] = {"reading", "placing", "writing"};
     Build& build = *static_cast<Build*>(context);
@@ -86,7 +86,7 @@ bool onProgress(void* context, int stage, std::uint64_t done, std::uint64_t tota
     return !interrupted();
 }
 
-// The notation of the library, which knows a byte by its number only.
+// A separator in the library's notation, which names a byte only by its number.
 std::string notationOf(const std::string& separator) {
     constexpr struct {
         const char* escape;
@@ -102,7 +102,7 @@ std::string notationOf(const std::string& separator) {
 }
 
 // A name under which the library can open standard input and read on where it is; empty when there
-// is none, as for a socket. A pipe with a name waits for a writer whenever it is opened.
+// is none, as for a socket. A named pipe has none, because opening it again waits for a writer.
 std::string nameOfInput() {
     constexpr char kName[] = "/dev/stdin";
     constexpr std::string_view kUnnamedPipe = "pipe:";

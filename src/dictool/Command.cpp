@@ -18,7 +18,7 @@ std::string unguarded(const std::string& text) {
     return text.substr(!text.empty() && text.front() == kGuard ? 1 : 0);
 }
 
-// Takes all that an option or argument was given.
+// Takes all values that an option or argument was given.
 CLI::callback_t addingTo(std::vector<std::string>& values) {
     return [&values](const CLI::results_t& results) {
         for (const std::string& result : results) values.push_back(unguarded(result));
@@ -26,7 +26,7 @@ CLI::callback_t addingTo(std::vector<std::string>& values) {
     };
 }
 
-// Says how to name a file that looks like options.
+// Says how to name a file that looks like an option.
 std::string adviceFor(const std::vector<std::string>& arguments) {
     for (const std::string& text : arguments) {
         if (text.size() > 1 && text.front() == '-' && ::access(text.c_str(), F_OK) == 0) {

@@ -1,5 +1,5 @@
-// How commands define themselves: what they are called, their options and their arguments. The
-// parser's own header takes long to compile; only Command.cpp and Listing.cpp include it.
+// How commands define their names, options and arguments. The parser's header takes long to
+// compile, so only Command.cpp and Listing.cpp include it.
 
 #ifndef DICTOOL_COMMAND_H
 #define DICTOOL_COMMAND_H
@@ -16,10 +16,10 @@ class Option;
 
 namespace dictool {
 
-// What is to be run once the command line is understood; returns a Status.
+// What to run once the command line is parsed. Returns a Status.
 using Action = std::function<int()>;
 
-// Each adds commands to `program`; one that is chosen sets `action`.
+// Each adds its commands to `program`. The command that is chosen sets `action`.
 using DefineCommand = void (*)(CLI::App& program, Action& action);
 void defineBuild(CLI::App& program, Action& action);  // build and lint
 void defineKeys(CLI::App& program, Action& action);
@@ -40,16 +40,15 @@ void defineHelp(CLI::App& program, Action& action);
 std::shared_ptr<CLI::App> makeProgram(const std::string& name, const std::string& summary,
                                       const std::string& details, const std::string& version);
 
-// The program's arguments, made so that texts are taken as they come: all that follows "--",
-// and those in brackets, which would be taken for lists.
+// The program's arguments, guarded so that some are taken as plain texts: everything after "--",
+// and what begins with a bracket, which the parser would take for a list.
 std::vector<std::string> guardedArguments(int count, char** arguments);
 
-// Understands guarded arguments. Returns the page that they ask for, of help or of the version; it
-// is empty when a command is to be run. Wrong usage is thrown as a Failure.
+// Parses guarded arguments. Returns the page that they ask for, help or the version, or an empty
+// text when a command is to be run. Throws a Failure for wrong usage.
 std::string parse(CLI::App& program, const std::vector<std::string>& arguments);
 
-// Adds a command. `details` follows the options in the help and as the description in the
-// manual.
+// Adds a command. `details` follows the options in the help, and is the description in the manual.
 CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& summary,
                      const std::string& details, std::function<void()> whenChosen);
 
@@ -63,7 +62,7 @@ CLI::App& addCommand(CLI::App& program, Action& action, const std::string& name,
     });
 }
 
-// Takes a command off the list that users see.
+// Removes a command from the list that users see.
 void hide(CLI::App& command);
 
 // An option or an argument that a command has.
@@ -83,16 +82,16 @@ private:
     CLI::Option& m_option;
 };
 
-// One that the command already has.
+// An option that the command already has.
 Option optionNamed(CLI::App& command, const std::string& name);
 
 Option addFlag(CLI::App& command, const std::string& name, bool& value, const std::string& help);
 
-// An option that is a text.
+// An option whose value is a text.
 Option addText(CLI::App& command, const std::string& name, std::string& value,
                const std::string& help);
 
-// A positional argument that has to be there.
+// A required positional argument.
 void addArgument(CLI::App& command, const std::string& name, std::string& value,
                  const std::string& help);
 
@@ -100,27 +99,27 @@ void addArgument(CLI::App& command, const std::string& name, std::string& value,
 Option addArguments(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                     const std::string& help);
 
-// An option with a text that can be given more than once.
+// An option whose value is a text, and which can be given more than once.
 Option addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                 const std::string& help);
 
-// An option that is a number, not below 0.
+// An option whose value is a number, 0 or more.
 Option addNumber(CLI::App& command, const std::string& name, unsigned& value,
                  const std::string& help);
 
-// An option that is a number from `least` to `most`; the help says so unless every larger one will
-// do.
+// An option whose value is a number from `least` to `most`. The help shows the range unless `most`
+// is the largest number.
 Option addNumber(CLI::App& command, const std::string& name, unsigned& value, unsigned least,
                  unsigned most, const std::string& help);
 
-// An option that is a number with a fraction.
+// An option whose value is a number that may have a fraction.
 Option addReal(CLI::App& command, const std::string& name, double& value, const std::string& help);
 
-// The options by which lines are written.
+// The options for how lines are written.
 void addLineFormat(CLI::App& command, std::string& format, bool& zeroEnded);
 void addZero(CLI::App& command, bool& zeroEnded);
 
-// An option that is one of a few words.
+// An option whose value is one of a few words.
 Option addChoice(CLI::App& command, const std::string& name, std::string& value,
                  const std::vector<std::string>& choices, const std::string& help);
 

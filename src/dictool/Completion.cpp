@@ -1,4 +1,4 @@
-// completion, a command that the help does not list: scripts by which shells complete commands and
+// completion, a command that the help does not list: scripts that let shells complete commands and
 // options.
 
 #include "Listing.h"
@@ -28,7 +28,7 @@ std::vector<std::string> commandNames(const CLI::App& program) {
     return names;
 }
 
-// By the word in front: the words that an option may be.
+// The words that the value of an option may be, by the option before it.
 std::string bashChoices(const CLI::App& command) {
     std::string cases;
     for (const CLI::Option* option : optionsOf(command)) {

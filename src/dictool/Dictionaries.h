@@ -13,8 +13,8 @@ namespace dictool {
 
 class Dictionaries {
 public:
-    // Throws dictionary::Error when a file holds no image. Of several images that
-    // have a key, the last counts.
+    // Throws dictionary::Error when a file is not an image. Where several images have a key, the
+    // last of them counts.
     Dictionaries(const std::string& file, const std::vector<std::string>& moreFiles) {
         m_images.push_back(dictionary::Image::open(file));
         for (const std::string& more : moreFiles) {

@@ -1,4 +1,4 @@
-// diff: what sets the keys of two images apart.
+// diff: the differences between the keys of two images.
 
 #include "Command.h"
 #include "Format.h"
@@ -40,7 +40,7 @@ private:
     dictionary::Keys::iterator m_next;
 };
 
-// Below 0 when the first one's key is not in the second, above 0 when it is the other way round.
+// Below 0 when only the first image has the next key, above 0 when only the second one has it.
 int compare(const Keys& first, const Keys& second) {
     if (!first.left() || !second.left()) return int{second.left()} - int{first.left()};
     return first.key().compare(second.key());

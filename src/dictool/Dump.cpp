@@ -43,8 +43,8 @@ struct Key {
     bool isLeaf;
 };
 
-// Calls `take` for every key in the order that keys have in a source: by their bytes there, where
-// the newline is a backslash and an n.
+// Calls `take` for every key, in the order of the bytes that it has in a source, where the newline
+// is a backslash and an n.
 template <class Take>
 void forEachSourceKey(const Trie& trie, Take take) {
     std::optional<Key> newline;
@@ -108,7 +108,7 @@ private:
         m_features.push_back(key.cell.feature);
     }
 
-    // A build writes every data text once, in ascending order, and no other.
+    // A build writes the data texts of its keys, each once, in ascending order, and no others.
     void checkData() {
         std::sort(m_features.begin(), m_features.end());
         m_features.erase(std::unique(m_features.begin(), m_features.end()), m_features.end());
@@ -160,7 +160,7 @@ std::size_t differenceOf(const std::string& source, const Image& image) {
                                     built.begin());
 }
 
-// Reports the place from which the image differs from one built of its source.
+// Reports where the image begins to differ from one built from its source.
 void reportDifference(const Image& image, std::size_t byte) {
     const auto cell = byte / Dictionary::kCellBytes;
     const bool inCells = cell < static_cast<std::size_t>(image.cellCount());

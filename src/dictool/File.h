@@ -1,4 +1,4 @@
-// Reading files, of which "-" is standard input.
+// Reading files. "-" is standard input.
 
 #ifndef DICTOOL_FILE_H
 #define DICTOOL_FILE_H
@@ -19,7 +19,7 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    // Appends what one call reads, which is at most `room` bytes; false at the end. Throws Failure.
+    // Appends what one system call reads, at most `room` bytes; false at the end. Throws Failure.
     bool readMore(Buffer& bytes, std::size_t room);
 
 private:

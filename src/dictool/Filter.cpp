@@ -18,7 +18,7 @@ bool endsInReturn(std::string_view line) {
     return !line.empty() && line.back() == kReturn;
 }
 
-// Takes off lines what Windows puts around them.
+// Removes from lines what Windows adds to them.
 class WindowsWork : public LineWork {
 public:
     explicit WindowsWork(std::unique_ptr<LineWork> work) : m_work(std::move(work)) {}

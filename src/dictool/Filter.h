@@ -31,14 +31,14 @@ struct FilterOptions {
 void addMoreImages(CLI::App& command, std::vector<std::string>& images);
 void addFilterOptions(CLI::App& command, FilterOptions& options);
 
-// Makes, once an image is open, what makes the works of the threads.
+// Called with the open image. Returns the function that makes the work of each thread.
 using Prepare = std::function<MakeLineWork(const dictionary::Image& image)>;
 
-// Runs lines through works over the options' images and writes what they give. Lines of files come
-// from `files`, or from standard input when that is empty.
+// Opens the images of `options`, has the works go through the lines of `files`, or of standard
+// input when that is empty, and writes what they append. Returns a Status.
 int filterFiles(const FilterOptions& options, const std::vector<std::string>& files,
                 const Prepare& prepare);
-// The same for the texts themselves, one line each.
+// The same for texts, each of which is one line.
 int filterTexts(const FilterOptions& options, const std::vector<std::string>& texts,
                 const Prepare& prepare);
 
@@ -60,7 +60,7 @@ void addWeightOptions(CLI::App& command, TextOptions& options);
 // How keys are found, with the segmenter where there are weights.
 class FindRequest {
 public:
-    // `mode` is one of DictionaryFindMode, and counts where there are no weights.
+    // `mode` is one of DictionaryFindMode. It is used unless there are weights.
     FindRequest(const dictionary::Image& image, int mode, const TextOptions& options);
 
     const DictionaryFindOptions& options() const { return m_options; }
@@ -74,9 +74,9 @@ private:
 struct MatchOptions : TextOptions {
     std::string offset = "byte";
     bool data = false;
-    bool keep = false;      // writes what lies between matches, too
-    bool pieces = false;    // the same, one piece for each character
-    bool joinRuns = false;  // and one for each run of ASCII letters and digits
+    bool keep = false;      // writes what is between matches, too
+    bool pieces = false;    // the same, one piece per character
+    bool joinRuns = false;  // and one per run of ASCII letters and digits
 
     bool wantsPieces() const { return pieces || joinRuns; }
 };

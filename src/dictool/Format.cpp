@@ -18,7 +18,7 @@ void append(std::string& out, std::uint64_t number) {
     out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
 }
 
-// Positions in a line, asked for in rising order.
+// Positions in a line, asked for in ascending order.
 class Positions {
 public:
     explicit Positions(const LinePieces& pieces) : m_line(pieces.line), m_unit(pieces.unit) {}
@@ -62,7 +62,7 @@ void appendJsonEscape(std::string& out, char character) {
     }
 }
 
-// Of ASCII characters.
+// Whether an ASCII character needs no escape.
 bool isPlainJson(char character) {
     const auto value = static_cast<unsigned char>(character);
     return value >= kFirstPrintable && value != '"' && value != '\\';
@@ -94,7 +94,7 @@ void appendRow(std::string& out, std::string_view key, std::string_view data, ch
     out += end;
 }
 
-// Far faster than to look for any of them.
+// A search per character is far faster than one search for any of them.
 bool holdsOneOf(std::string_view text, std::string_view special) {
     return std::any_of(special.begin(), special.end(), [text](char character) {
         return text.find(character) != std::string_view::npos;
@@ -215,7 +215,7 @@ void appendEscaped(std::string& out, std::string_view text, std::string_view spe
 
 void appendJson(std::string& out, std::string_view text) {
     out += '"';
-    std::size_t kept = 0;  // where what can be copied as it is begins
+    std::size_t kept = 0;  // the start of what can be copied as it is
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t bytes = characterBytes(text.substr(at));
         if (bytes > 1 || (bytes == 1 && isPlainJson(text[at]))) {

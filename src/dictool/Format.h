@@ -1,5 +1,5 @@
-// The forms in which matches and keys are written. JSON is appended to the output as it comes: the
-// library that writes the statistics would make an object of each match first.
+// The forms in which matches and keys are written. JSON is appended straight to the output: the
+// library that writes the statistics would first make an object of each match.
 
 #ifndef DICTOOL_FORMAT_H
 #define DICTOOL_FORMAT_H
@@ -15,7 +15,7 @@ namespace dictool {
 // What positions count.
 enum class Unit { kByte, kCharacter };
 
-// A stretch of a line, measured in bytes: a match, or, without data, what lies between two.
+// A stretch of a line, measured in bytes: a match, or, without data, what is between two matches.
 using Piece = DictionaryMatch;
 
 // The pieces of one line, by their start.
@@ -25,14 +25,14 @@ struct LinePieces {
     const Piece* pieces;
     std::size_t count;
     Unit unit;
-    char end;          // of a line that is written
-    bool escapes;      // whether appendEscaped() is for its texts
-    bool namesImages;  // where the form has a place for that
+    char end;          // of each line that is written
+    bool escapes;      // whether texts go through appendEscaped()
+    bool namesImages;  // whether images are numbered, in JSON
 };
 
 // Each appends a line's pieces to `out`.
 using FormatPieces = void (*)(std::string& out, const LinePieces& pieces);
-void formatKeys(std::string& out, const LinePieces& pieces);      // as the C `search`
+void formatKeys(std::string& out, const LinePieces& pieces);      // as the function `search` does
 void formatKeysData(std::string& out, const LinePieces& pieces);  // as it does with data
 void formatTable(std::string& out, const LinePieces& pieces);
 void formatJson(std::string& out, const LinePieces& pieces);
@@ -77,15 +77,15 @@ inline std::string_view withoutClosingTab(std::string_view data) {
     return data;
 }
 
-// What tears a row of fields up, and what tears their text up where tabs stand between fields.
+// What is escaped in a key, and in data, where the tabs between fields stay.
 constexpr std::string_view kTorn = "\n\\\t";
 constexpr std::string_view kTornFields = "\n\\";
 
-// Appends `text`, in which a backslash and a letter stand for each of the characters in `special`,
-// which is one of the above.
+// Appends `text`, with a backslash and a letter for each of the characters in `special`, which is
+// one of the above or empty. A backslash becomes two.
 void appendEscaped(std::string& out, std::string_view text, std::string_view special);
 
-// Appends a JSON string; bytes that are no UTF-8 become U+FFFD each.
+// Appends a JSON string. Each byte that is not UTF-8 becomes U+FFFD.
 void appendJson(std::string& out, std::string_view text);
 
 // Appends the fields of a data text as a JSON list of strings.

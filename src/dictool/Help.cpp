@@ -18,8 +18,8 @@ struct HelpOptions {
     std::string command;
 };
 
-// How many letters have to be put in, left out or changed to make one word of the other: the
-// distance of Levenshtein, by Wagner and Fischer's table of which one row is kept.
+// How many letters must be inserted, deleted or changed to turn one word into the other: the
+// Levenshtein distance, by the Wagner-Fischer table, of which only one row is kept.
 std::size_t distanceOf(const std::string& word, const std::string& other) {
     std::vector<std::size_t> row(other.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});

@@ -1,4 +1,4 @@
-// What the program says when there is no command of a name.
+// What the program does with the name of a command that does not exist.
 
 #ifndef DICTOOL_HELP_H
 #define DICTOOL_HELP_H
@@ -9,7 +9,7 @@
 
 namespace dictool {
 
-// Throws Failure when the first argument should be a command and is none.
+// Throws Failure when the first argument should be a command but is not.
 void checkCommand(const CLI::App& program, const std::vector<std::string>& arguments);
 
 }  // namespace dictool

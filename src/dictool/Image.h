@@ -16,7 +16,7 @@ namespace dictool {
 
 class Image {
 public:
-    // Throws Failure when the file holds no image.
+    // Throws Failure when the file is not an image.
     explicit Image(const std::string& file);
     Image(const Image&) = delete;
     Image& operator=(const Image&) = delete;

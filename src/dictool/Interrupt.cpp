@@ -10,7 +10,7 @@ namespace dictool {
 
 namespace {
 
-// What a handler may touch: the text is complete before there is one.
+// What the handler uses. The text is complete before the handler is installed.
 std::string lastWords;
 volatile std::sig_atomic_t isOnlyNoted = 0;
 volatile std::sig_atomic_t isInterrupted = 0;
@@ -18,7 +18,7 @@ volatile std::sig_atomic_t isInterrupted = 0;
 void onSignal(int) {
     isInterrupted = 1;
     if (isOnlyNoted != 0) return;
-    // There is nowhere to complain when standard error fails.
+    // When standard error fails, there is nowhere to report it.
     [[maybe_unused]] const ssize_t written =
         ::write(STDERR_FILENO, lastWords.data(), lastWords.size());
     ::_exit(kInterrupted);

@@ -1,5 +1,5 @@
-// What SIGINT, SIGTERM and SIGHUP do while an image is built. Signals that the program was started
-// to ignore stay ignored.
+// What SIGINT, SIGTERM and SIGHUP do while an image is built. A signal that was ignored when the
+// program started stays ignored.
 
 #ifndef DICTOOL_INTERRUPT_H
 #define DICTOOL_INTERRUPT_H
@@ -8,8 +8,8 @@
 
 namespace dictool {
 
-// From now on they end the program at once: `words` go to standard error, the status is
-// kInterrupted. For as long as there is nothing to clean up.
+// From now on they end the program at once: `words` go to standard error, and the status is
+// kInterrupted. This is right as long as there is nothing to clean up.
 void endWhenInterrupted(const std::string& words);
 
 // From now on they are only noted.

@@ -31,8 +31,8 @@ bool Lines::next(Block& block) {
     return true;
 }
 
-// False when the file has no more. The end of a line is looked for only in what is new, so a long
-// line costs no more than its length.
+// False when the file has no more. The end of a line is looked for only in new bytes, so the time
+// for a long line is in proportion to its length.
 bool Lines::nextOfFile(Buffer& bytes) {
     std::swap(bytes, m_rest);
     m_rest.cutOff(0);
@@ -48,7 +48,7 @@ bool Lines::nextOfFile(Buffer& bytes) {
     return true;
 }
 
-// A file that fails has no more, either.
+// A file that fails counts as ended.
 bool Lines::readMore(Buffer& bytes) {
     if (!m_file) return false;
     try {

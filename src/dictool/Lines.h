@@ -14,18 +14,18 @@
 
 namespace dictool {
 
-// Whole lines, the last of which may lack its end.
+// Whole lines. The last one may lack its end.
 struct Block {
     Buffer bytes;
     std::uint64_t firstLine = 1;  // the number of the first one
 };
 
-// The lines of several files, one after the other and numbered through. A file that cannot be
-// read is reported and passed over. Blocks have some 100 KB, or a line when that is longer.
+// The lines of several files, one after the other, numbered through all files. A file that cannot
+// be read is reported and skipped. A block has some 100 KB, or one line if that is longer.
 class Lines {
 public:
-    // `files` may be empty for standard input, which "-" stands for, too. An eager reader hands out
-    // lines as soon as they are there; any other waits for a whole block.
+    // `files` may be empty for standard input, which "-" stands for, too. If `eager`, lines are
+    // handed out as soon as they are read; else a whole block is read first.
     Lines(std::vector<std::string> files, char end, bool eager);
     // The lines of `text`.
     Lines(std::string_view text, char end);
@@ -49,7 +49,7 @@ private:
     bool m_eager = false;
     bool m_failed = false;
     std::uint64_t m_line = 1;
-    Buffer m_rest;  // what is read of a line that has not ended yet
+    Buffer m_rest;  // what was read after the last whole line
 };
 
 // Calls `take(line, number)` for every line of a block.

@@ -1,4 +1,4 @@
-// The program's commands and options, for what describes them: help, manual pages and completions.
+// The program's commands and options, for help, manual pages and completions.
 
 #ifndef DICTOOL_LISTING_H
 #define DICTOOL_LISTING_H
@@ -13,7 +13,7 @@ namespace dictool {
 // The commands that users see.
 std::vector<const CLI::App*> commandsOf(const CLI::App& program);
 
-// Finds the hidden ones, too; null if there is none of that name.
+// Finds hidden commands, too. Null if there is none of that name.
 const CLI::App* findCommand(const CLI::App& program, const std::string& name);
 
 // What describes the program or one of its commands.
@@ -35,7 +35,7 @@ bool comesOften(const CLI::Option& option);
 // The word for its value; empty for a flag.
 std::string placeholderOf(const CLI::Option& option);
 
-// The words that its value can be; empty if it can be others, too.
+// The words that its value may be; empty if any value will do.
 std::vector<std::string> choicesOf(const CLI::Option& option);
 
 // "f" and "format".
@@ -47,7 +47,7 @@ std::vector<std::string> namesOf(const CLI::Option& option);
 
 std::string join(const std::vector<std::string>& words, const std::string& between);
 
-// `text` with `escape` in front of each character of `special`.
+// `text` with `escape` before each character of `special`.
 std::string escaped(const std::string& text, const std::string& special, const std::string& escape);
 
 }  // namespace dictool

@@ -64,8 +64,8 @@ int runReporting(int count, char** arguments) {
 }  // namespace dictool
 
 int main(int count, char** arguments) {
-    // Writing to a closed pipe, or beyond the size that files may have, fails then, which every
-    // command notices and unwinds from.
+    // With these ignored, writing to a closed pipe, or beyond the limit of a file's size, fails.
+    // Every command notices that and unwinds.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     return dictool::runReporting(count, arguments);

@@ -1,5 +1,5 @@
 // manual, a command that the help does not list: manual pages, from what the help is made of. A
-// program that turns help texts into pages would have to take them apart again, one per command.
+// program that turns help texts into pages would have to take each command's text apart again.
 
 #include "Dictionary.h"
 #include "Listing.h"
@@ -67,7 +67,7 @@ std::string pageNameOf(std::string command) {
     return command;
 }
 
-// The other pages, of the program and of its commands, and the library's.
+// The pages of the program, of its commands and of the library, without this one.
 std::string seeAlso(const CLI::App& program, const std::string& page) {
     std::vector<std::string> names = {nameOf(program)};
     for (const CLI::App* command : commandsOf(program)) {

@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    // Fills the pieces with the matches, which do not overlap, and with what lies around them.
+    // Fills the pieces with the matches, which do not overlap, and with the text around them.
     void addStretches(std::string_view line) {
         m_pieces.clear();
         std::size_t passed = 0;

@@ -1,4 +1,4 @@
-// Writing that notices when it fails.
+// Output that notices when writing fails.
 
 #ifndef DICTOOL_OUTPUT_H
 #define DICTOOL_OUTPUT_H
@@ -8,13 +8,13 @@
 
 namespace dictool {
 
-// A file or standard output. Throws Failure when it cannot be written, a full disk included, and
-// ClosedPipe when the reader of the pipe has closed it.
+// A file or standard output. Throws Failure when it cannot be written, as on a full disk, and
+// ClosedPipe when the reader of a pipe has closed it.
 class Output {
 public:
     // Standard output.
     Output();
-    // The file `name`, made anew; standard output for "-".
+    // The file `name`, created or emptied; standard output for "-".
     explicit Output(const std::string& name);
     ~Output();
     Output(const Output&) = delete;
@@ -39,7 +39,7 @@ private:
     std::string m_gathered;
 };
 
-// Writes `text` to standard output, the whole output of a command.
+// Writes `text`, the whole output of a command, to standard output.
 void print(std::string_view text);
 
 }  // namespace dictool

@@ -1,4 +1,4 @@
-// The page that `view` fills, from Page.html.
+// The page that `view` fills in, from Page.html.
 
 #ifndef DICTOOL_PAGE_H
 #define DICTOOL_PAGE_H

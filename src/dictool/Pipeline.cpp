@@ -12,8 +12,8 @@ namespace dictool {
 
 namespace {
 
-// Every thread reads a block for itself, works on it, waits for its turn and writes: no thread
-// holds more than one block, and none but the one whose turn it is writes.
+// Every thread reads a block, works on it, waits for its turn and writes. So no thread holds more
+// than one block, and only the thread whose turn it is writes.
 class Pipeline {
 public:
     Pipeline(Lines& lines, Output& output) : m_lines(lines), m_output(output) {}
@@ -37,7 +37,7 @@ public:
         }
     }
 
-    // To be called when all threads have ended.
+    // Called after all threads have ended.
     bool result() const {
         if (m_failure) std::rethrow_exception(m_failure);
         return m_found;
@@ -91,7 +91,7 @@ bool runLines(Lines& lines, Output& output, unsigned threads, const MakeLineWork
     try {
         for (std::thread& thread : others) thread = std::thread(run);
     } catch (const std::system_error&) {
-        // The system gives no more threads: those there are do the work.
+        // The system allows no more threads. Those that have begun do the work.
     }
     run();
     for (std::thread& thread : others) {

@@ -1,4 +1,4 @@
-// Lines through several threads, in the order they came.
+// Runs lines through several threads, and keeps their order.
 
 #ifndef DICTOOL_PIPELINE_H
 #define DICTOOL_PIPELINE_H
@@ -13,23 +13,23 @@
 
 namespace dictool {
 
-// What is done with lines, by one thread.
+// What one thread does with lines.
 class LineWork {
 public:
     virtual ~LineWork() = default;
 
-    // Appends to `out` what the line gives. Returns whether anything was found.
-    // The line lasts until the end of its block.
+    // Appends what is to be written for the line to `out`. Returns whether anything was found. The
+    // line lasts until the end of its block.
     virtual bool take(std::string_view line, std::uint64_t number, std::string& out) = 0;
 
-    // After the last line of a block: the same for the lines that were put off.
+    // Called after the last line of a block: the same for the lines that were put off.
     virtual bool endBlock(std::string&) { return false; }
 };
 
 using MakeLineWork = std::function<std::unique_ptr<LineWork>()>;
 
 // Has `threads` threads, each with a work of its own, take blocks of lines, and writes what they
-// give in the order of the lines. Memory is bounded by a block and its output a thread. Returns
+// append, in the order of the lines. Takes memory for one block and its output per thread. Returns
 // whether anything was found. Throws what a thread throws.
 bool runLines(Lines& lines, Output& output, unsigned threads, const MakeLineWork& makeWork);
 

@@ -10,7 +10,7 @@ namespace dictool {
 
 namespace {
 
-// In UTF-8, which is in the order of the code points.
+// In UTF-8, whose bytes are in the order of the code points.
 constexpr struct {
     std::string_view first;
     std::string_view last;
@@ -21,7 +21,7 @@ constexpr struct {
     {"\u2066", "\u2069"},
 };
 
-// Of one character.
+// Takes the bytes of one character.
 bool isPrintable(std::string_view character) {
     return character[0] != '\0' &&
            std::none_of(std::begin(kUnprintable), std::end(kUnprintable), [&](const auto& range) {

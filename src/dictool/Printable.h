@@ -1,4 +1,4 @@
-// Names of files and texts of users, made safe for a terminal.
+// File names and other texts of users, made safe for a terminal.
 
 #ifndef DICTOOL_PRINTABLE_H
 #define DICTOOL_PRINTABLE_H
@@ -9,14 +9,14 @@
 
 namespace dictool {
 
-// The bytes of the legal character that `text` begins with, 0 when there is none.
+// How many bytes the legal character at the start of `text` has; 0 if there is none.
 std::size_t characterBytes(std::string_view text);
 
-// The characters of `text`. A byte that begins no legal one counts as one.
+// How many characters `text` has. A byte that begins no legal character counts as one.
 std::size_t countCharacters(std::string_view text);
 
-// `text` with each byte of a control character, of one that turns the direction of writing, and of
-// what is no UTF-8 written as \x and two digits.
+// `text` with some characters written as \x and two digits per byte: control characters, characters
+// that change the direction of writing, and what is not UTF-8.
 std::string printable(std::string_view text);
 
 }  // namespace dictool

@@ -10,12 +10,12 @@ namespace dictool {
 
 class Progress {
 public:
-    // One that is not shown does nothing.
+    // A bar that is not shown does nothing.
     explicit Progress(bool shown) : m_shown(shown) {}
 
-    // Draws the bar when it would look different. A total of 0 is not known.
+    // Draws the bar if it looks different from before. A total of 0 means that it is not known.
     void update(const char* stage, std::uint64_t done, std::uint64_t total);
-    // Takes the bar away, so that something else can be written.
+    // Removes the bar, so that something else can be written.
     void clear();
 
 private:

@@ -45,7 +45,7 @@ std::string wordsOf(DictionaryError error) {
     return words;
 }
 
-// There is nowhere left to complain when standard error fails.
+// When standard error fails, there is nowhere to report it.
 void writeError(std::string_view message) {
     while (!message.empty()) {
         const ssize_t written = ::write(STDERR_FILENO, message.data(), message.size());

@@ -12,17 +12,17 @@
 
 namespace dictool {
 
-// What the program ends with, as grep does where the two have something in common.
+// The exit status, which is that of grep where the two have something in common.
 enum Status : int {
     kDone = 0,                    // found, or done
     kNone = 1,                    // nothing found, or two images differ
     kTrouble = 2,                 // wrong usage, or a file cannot be read or written
-    kBadImage = 4,                // an image that is none
+    kBadImage = 4,                // a file that is not a sound image
     kInterrupted = 128 + SIGINT,  // by any signal
     kClosedPipe = 128 + SIGPIPE
 };
 
-// A place in a file; line 0 and column 0 say that none is meant.
+// A place in a file. A line or column of 0 means that there is none.
 struct Place {
     std::string file;
     std::uint64_t line = 0;
@@ -37,25 +37,26 @@ struct Failure {
     std::string text;  // what is wrong and what to do about it
 };
 
-// Thrown when no reader of the output is left: ends the program without a message.
+// Thrown when nobody reads the output any more. Ends the program without a message.
 struct ClosedPipe {};
 
 // Writes "dictool: FILE:LINE:COL: error CODE: text", in colours on a terminal. A message is one
-// write, so those of several threads or processes do not mix. What is not printable is escaped.
+// write, so that messages of several threads or processes do not mix. What is not printable is
+// escaped.
 void report(DictionarySeverity severity, const Place& place, std::string_view code,
             std::string_view text);
 void report(const Failure& failure);
 
-// What a command ends with after an error of the library.
+// The exit status after an error of the library.
 Status statusOf(int code);
 
-// What the library says of `file`.
+// An error of the library as a Failure on `file`.
 Failure failureOf(const DictionaryError& error, const std::string& file);
 
 // "dictool: text" and a newline.
 std::string messageOf(std::string_view text);
 
-// Writes that.
+// Writes such a message.
 void remark(std::string_view text);
 
 // The failure of the system call that has just failed on `file`; `advice` says what to do.

@@ -9,7 +9,7 @@ namespace {
 struct SearchOptions : MatchOptions {
     bool all = false;
     bool classic = false;
-    bool longest = false;  // as without it
+    bool longest = false;  // the default
 };
 
 constexpr char kDetails[] =

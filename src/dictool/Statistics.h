@@ -12,7 +12,7 @@
 
 namespace dictool {
 
-// How often values occur: small ones each for itself, others from one power of two to the next.
+// How often values occur. A small value has its own bin; others share one per power of two.
 class Histogram {
 public:
     struct Bin {
@@ -22,7 +22,7 @@ public:
     };
 
     void add(std::uint64_t value);
-    // From the first one that is not empty to the last.
+    // The bins from the first one that is not empty to the last.
     std::vector<Bin> bins() const;
 
 private:
@@ -36,15 +36,15 @@ struct Statistics {
     std::uint64_t cells = 0;  // the header included
     std::uint64_t usedCells = 0;
     std::uint64_t featureBytes = 0;
-    std::uint64_t dataTexts = 0;  // distinct ones of keys
+    std::uint64_t dataTexts = 0;  // distinct data texts of keys
     std::uint64_t keys = 0;
     std::uint64_t keyBytes = 0;
     bool folded = false;
     Histogram keysByLength;  // in characters
-    Histogram nodesByDepth;  // 1 for a first character
+    Histogram nodesByDepth;  // a first character has depth 1
     Histogram nodesByChildren;
 
-    // Each 0 when there is nothing to divide by.
+    // Both are 0 when there is nothing to divide by.
     double usedShare() const;
     double bytesPerKey() const;
 };

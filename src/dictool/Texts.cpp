@@ -16,7 +16,7 @@ FindRequest::FindRequest(const dictionary::Image& image, int mode, const TextOpt
                             counts ? dictionary::Weights::counts : dictionary::Weights::costs,
                             counts ? options.countField : options.costField, options.unknownCost);
     } catch (const dictionary::Error& error) {
-        // Of several images, the error itself says which.
+        // With several images, the error itself says which one.
         throw failureOf(error.record(), options.moreImages.empty() ? options.image : "");
     }
     m_options.mode = DICTIONARY_FIND_WEIGHTED;

@@ -56,7 +56,7 @@ bool Cursor::next() {
     return true;
 }
 
-// A surrogate that is none of a pair comes out in its own three bytes.
+// A surrogate that is not in a pair is encoded in three bytes of its own.
 void Cursor::push(std::int32_t cell) {
     const std::int32_t label = m_trie.label(cell);
     const std::size_t keyBytes = m_key.size();

@@ -12,14 +12,14 @@
 
 namespace dictool {
 
-// Which cell is whose child: what lookups need not know, and listings do.
+// Which cell is whose child. Lookups need not know this, but listings do.
 class Trie {
 public:
     explicit Trie(const Image& image);
 
     const Image& image() const { return m_image; }
-    // Both return 0 for none; children come in the order of their characters. Cell 0 has the
-    // root's.
+    // Both return 0 if there is none. Children come in the order of their characters. The root's
+    // children are those of cell 0.
     std::int32_t firstChild(std::int32_t cell) const { return m_firstChild[indexOf(cell)]; }
     std::int32_t nextSibling(std::int32_t cell) const { return m_nextSibling[indexOf(cell)]; }
     std::int32_t label(std::int32_t cell) const;
@@ -33,17 +33,17 @@ private:
     std::vector<std::int32_t> m_nextSibling;
 };
 
-// Goes through the nodes of a trie, a node before its children: keys come in the order of their
-// code points, which is that of their bytes.
+// Goes through the nodes of a trie, each node before its children. So keys come in the order of
+// their code points, which is that of their bytes.
 class Cursor {
 public:
     explicit Cursor(const Trie& trie) : m_trie(trie) {}
 
-    // Move to the next node, the next one where a key ends; false at the end.
+    // Move to the next node, or to the next one where a key ends; false at the end.
     bool next();
     bool nextKey();
 
-    // The characters that lead to the node. One above U+FFFF is two nodes, of its surrogates.
+    // The characters that lead to the node. One above U+FFFF is two nodes, one per surrogate.
     std::string_view key() const { return m_key; }
     std::size_t depth() const { return m_path.size(); }
     std::string_view data() const { return m_trie.image().data(cell().feature); }
@@ -67,7 +67,7 @@ private:
     bool m_begun = false;
 };
 
-// A key as a source has it: the newline is written as a backslash and an n there.
+// A key as a source has it. There, the key newline is written as a backslash and an n.
 std::string_view sourceTextOf(std::string_view key);
 
 }  // namespace dictool

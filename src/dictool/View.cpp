@@ -22,8 +22,8 @@ constexpr char kDetails[] =
 constexpr std::size_t kPictureWidth = 256;
 constexpr std::size_t kPictureHeight = 96;
 
-// The share of used cells in each pixel of the picture, a digit each: 0 to 63 in the order of
-// kDigits. An image of fewer cells than pixels has a pixel a cell.
+// The share of used cells in each pixel of the picture, one digit per pixel: 0 to 63 in the order
+// of kDigits. An image with fewer cells than pixels has one pixel per cell.
 std::string occupancyOf(const Image& image, std::size_t pixels) {
     constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     constexpr std::size_t kTop = sizeof kDigits - 2;
@@ -40,7 +40,7 @@ std::string occupancyOf(const Image& image, std::size_t pixels) {
     return picture;
 }
 
-// Nothing in it ends the script element it stands in.
+// JSON that cannot end the script element around it.
 std::string scriptText(const nlohmann::ordered_json& value) {
     std::string text = value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
     for (std::size_t at = 0; (at = text.find('<', at)) != std::string::npos;) {

@@ -16,8 +16,8 @@ OpenSegmenter::OpenSegmenter(Image image, const DictionarySegmenterOptions& opti
 
 namespace {
 
-// makeSegmenter(image, field, unknownCost): {image, segmenter}. The image is to be closed with
-// the segmenter. Without unknownCost, the field has counts, else costs.
+// makeSegmenter(image, field, unknownCost): {image, segmenter}. The image is to be closed with the
+// segmenter. Without unknownCost, the field has counts, else costs.
 Job makeSegmenter(const Call& call) {
     DictionarySegmenterOptions options = {};
     options.size = sizeof options;
