@@ -1,5 +1,5 @@
 // Building in memory, from keys and texts to the finished image, engine by engine. A row is named
-// build/KEYS/ENGINE, its items are keys. Before a row is timed, every key is looked up once.
+// build/KEYS/ENGINE; its items are keys. Before a row is timed, every key is looked up once.
 //
 //   build_bench [Google Benchmark's options] [DATA FOLDER]
 
@@ -27,7 +27,7 @@ std::string fromFile(const std::string& name) {
     return readFile(g_data + "/" + name + ".tsv");
 }
 
-// A thousand characters below one, each with a thousand of its own.
+// One first character with a thousand children, each of which has a thousand children.
 std::string oneParent(const std::string&) {
     constexpr int kFanOut = 1000;
     std::string source;
@@ -65,7 +65,7 @@ std::string firstCharacters(const std::string&) {
 struct Set {
     const char* name;
     std::string (*source)(const std::string& name) = fromFile;
-    bool falling = false;      // keys come in falling order
+    bool falling = false;      // keys come in descending order
     const char* leftOut = "";  // engines that cannot do it
 };
 
@@ -79,7 +79,7 @@ constexpr Set kSets[] = {
     {"growth-1000000"},
     {"growth-4000000"},
     {"one-parent", oneParent},
-    // darts recurses once a byte, libdatrie loses the data of ends past 32 KiB.
+    // darts recurses once per byte. libdatrie loses the data of key endings past 32 KiB.
     {"long-keys", longKeys, false, "darts libdatrie"},
     {"first-characters", firstCharacters},
     {"falling", [](const std::string&) { return fromFile("mixed"); }, true},

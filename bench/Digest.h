@@ -1,5 +1,5 @@
-// Two receivers for what a workload finds: one that only keeps the compiler from dropping it, for
-// timing, and one that sums it up, so that engines can be held against each other.
+// Two receivers for what a workload finds. The one for timing only keeps the compiler from dropping
+// it. The other one sums it up, so that engines can be compared.
 
 #ifndef BENCH_DIGEST_H
 #define BENCH_DIGEST_H

@@ -11,7 +11,7 @@
 
 namespace Bench {
 
-// The engine whose answers the others' are held against.
+// The engine with whose answers those of the others are compared.
 using Reference = OtherDictionary<DartsIndex>;
 
 template <class T>
@@ -19,8 +19,8 @@ struct Type {
     using type = T;
 };
 
-// Calls use(Type<Engine>()) for the library on every kernel that this machine can run, other than
-// the one that it uses.
+// Calls use(Type<Engine>()) for the library on every kernel that this machine can run, except the
+// one that it uses.
 template <class Use>
 void forEachFurtherKernel(Use use) {
     const auto useIfPossible = [&](auto type) {

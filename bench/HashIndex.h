@@ -1,5 +1,5 @@
-// std::unordered_map: finds whole keys only. For texts, a second map holds every beginning of a key
-// too, so that a walk knows where to stop.
+// std::unordered_map: finds whole keys only. For texts, a second map also holds every beginning of
+// a key, so that a walk knows where to stop.
 
 #ifndef BENCH_HASH_INDEX_H
 #define BENCH_HASH_INDEX_H

@@ -1,7 +1,7 @@
 // The keys of the real dictionaries: listing them, completing what a user typed, and looking up
 // many. A row is named WORKLOAD/DICTIONARY/ENGINE; its items are keys listed, prefixes completed or
-// keys looked up. Whatever is found is copied out. Before a row is timed, its results are held
-// against the reference's.
+// keys looked up. What is found is copied out. Before a row is timed, its results are compared with
+// the reference's.
 //
 //   key_bench [Google Benchmark's options] [DATA FOLDER]
 
@@ -45,7 +45,7 @@ struct Queries {
 
     std::size_t keyCount;
     Texts everything = {""};       // the prefix of all keys
-    Texts first1, first2, first3;  // as many characters of keys
+    Texts first1, first2, first3;  // the first 1, 2 and 3 characters of keys
     Texts mixed;                   // all keys and as many near misses
 
 private:
@@ -90,7 +90,7 @@ KeyLibrary made(Type<KeyLibrary>, const std::string& dictionary) {
     return KeyLibrary(imageOf(dictionary));
 }
 
-// The engine on a dictionary, made at the first call.
+// The engine with a dictionary, made at the first call.
 template <class Engine>
 const Engine& engineOf(const std::string& dictionary) {
     static std::map<std::string, std::unique_ptr<Engine>> engines;
@@ -190,7 +190,7 @@ std::size_t allocatedBytes() {
     return info.uordblks + info.hblkhd;
 }
 
-// What the first cursor of a handle takes; items are keys.
+// What the first cursor of a handle costs. Its items are keys.
 void measureIndex(benchmark::State& state, const std::string& dictionary) {
     const std::string image = imageOf(dictionary);
     std::size_t bytes = 0;

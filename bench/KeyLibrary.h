@@ -23,7 +23,8 @@ public:
         if (m_handle == nullptr) fail("the library refuses " + image);
     }
 
-    // Calls emit(key, text) for the keys that begin with `prefix`, in order, until it is false.
+    // Calls emit(key, text) for the keys that begin with `prefix`, in order, until it returns
+    // false.
     template <class Emit>
     void keysFrom(std::string_view prefix, Emit emit) const {
         if (m_cursor == nullptr) openCursor();
@@ -48,7 +49,7 @@ public:
         }
     }
 
-    // The first call on a handle makes its index.
+    // The first call for a handle makes its index.
     void openCursor() const { m_cursor.reset(dictionaryOpenCursor(m_handle.get(), nullptr)); }
 
 private:

@@ -126,7 +126,7 @@ private:
         m_reader.emplace(&m_coder, image, false);
     }
 
-    std::unique_ptr<char[]> m_own;  // null when the image is a file's
+    std::unique_ptr<char[]> m_own;  // null when the image is in a file
     std::optional<Mapping> m_file;
     Handle m_handle{nullptr, destroyBin};
     char* m_image = nullptr;
@@ -134,7 +134,7 @@ private:
     mutable std::optional<Dictionary::CDATReader> m_reader;
 };
 
-// The library held to a kernel below the one that the machine would use.
+// The library with a narrower kernel than the one that the machine would use.
 template <Dictionary::Kernel kernel>
 class LibraryOn : public Library {
 public:
@@ -144,7 +144,7 @@ public:
     using Library::Library;
 };
 
-// Sees to it, while it lives, that the engine uses its kernel.
+// While it lives, the engine uses its kernel.
 template <class Engine>
 struct InUse {
     static bool isPossible() { return true; }

@@ -1,6 +1,6 @@
 // Every lookup, engine by engine, over the real dictionaries. A row is named
 // WORKLOAD/DICTIONARY/ENGINE; its items are lookups (keys, lines or texts), its bytes those of
-// their inputs. Before a row is timed, its results are held against the reference's.
+// their inputs. Before a row is timed, its results are compared with the reference's.
 //
 //   lookup_bench [Google Benchmark's options] [DATA FOLDER]
 
@@ -93,7 +93,7 @@ const Material& materialOf(const std::string& dictionary) {
     return materials.try_emplace(dictionary, g_data + "/" + dictionary).first->second;
 }
 
-// The engine on a dictionary, built and loaded at the first call.
+// The engine with a dictionary, built and loaded at the first call.
 template <class Engine, class Lookup>
 Subject<Engine> subjectOf(const Workload<Lookup>& workload, const std::string& dictionary) {
     static std::map<std::string, Engine> engines;
@@ -190,7 +190,7 @@ void addWorkloads() {
     addRows<FirstAnswer>({"first-answer", &Material::aKey});
 }
 
-// The coder alone: `length` bytes of characters that all take as many bytes as asked for.
+// The coder alone, over `length` bytes of characters that all take `bytesEach` bytes.
 
 std::string charactersOf(std::size_t bytesEach, std::size_t length) {
     std::string text;

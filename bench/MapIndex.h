@@ -1,4 +1,4 @@
-// std::map: keys in their order, and no walk along a text.
+// std::map: has its keys in order, but no walk along a text.
 
 #ifndef BENCH_MAP_INDEX_H
 #define BENCH_MAP_INDEX_H

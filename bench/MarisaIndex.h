@@ -1,4 +1,4 @@
-// marisa: a succinct, recursive Patricia trie over bytes, which numbers its keys as it likes.
+// marisa: a succinct, recursive Patricia trie over bytes. It numbers its keys in its own way.
 
 #ifndef BENCH_MARISA_INDEX_H
 #define BENCH_MARISA_INDEX_H
@@ -9,7 +9,7 @@
 
 namespace Bench {
 
-// Its keys are listed in their order only if its nodes were laid out by their labels.
+// Its keys are listed in order only if its nodes were laid out in the order of their labels.
 template <int kNodeOrder>
 class MarisaIndexIn {
 public:
@@ -67,7 +67,7 @@ public:
     }
 
 private:
-    // An agent allocates when it is first used, so a thread keeps its own.
+    // An agent allocates when it is first used, so each thread keeps its own.
     static marisa::Agent& ofThread() {
         thread_local marisa::Agent agent;
         return agent;

@@ -1,4 +1,4 @@
-// What the lookups are made with: a dictionary's keys, keys that it nearly has, and a text.
+// What is looked up: a dictionary's keys, keys that it nearly has, and a text.
 
 #ifndef BENCH_MATERIAL_H
 #define BENCH_MATERIAL_H
@@ -26,7 +26,7 @@ public:
     }
 
     Texts keys;        // all of them, in random order
-    Texts nearMisses;  // as many
+    Texts nearMisses;  // as many as keys
     Texts lines;       // of the text
     Texts whole;       // the text
     Texts aKey;
@@ -40,7 +40,7 @@ private:
         return at;
     }
 
-    // Keys with their last character changed or, where that is a key too, with more at their end.
+    // Keys with another last character or, where that is a key, too, with more at their end.
     void makeNearMisses() {
         const std::unordered_set<std::string_view> known(keys.begin(), keys.end());
         for (std::size_t i = 0; i < keys.size(); ++i) {

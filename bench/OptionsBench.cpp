@@ -1,4 +1,4 @@
-// What the options of a search cost beside the plain search, over the real dictionaries. A row is
+// What the options of a search cost, beside the plain search, over the real dictionaries. A row is
 // named MODE/DICTIONARY/OPTION; its items are lines of the text, its bytes those of the text.
 //
 //   options_bench [Google Benchmark's options] [DATA FOLDER]
@@ -141,7 +141,7 @@ void measureMatches(benchmark::State& state, const std::string& dictionary, int 
     countVolume(state, subject, count);
 }
 
-// Beside the columns: the matches of all texts in one list.
+// To compare with the columns: the matches of all texts in one list.
 void measureManyTexts(benchmark::State& state, const std::string& dictionary, int mode) {
     const Subject& subject = subjectOf(dictionary);
     const DictionaryFindOptions options = findOptions(mode, false);

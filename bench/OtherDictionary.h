@@ -1,4 +1,4 @@
-// A dictionary over another library's trie or map: the whole build job and every lookup. One
+// A dictionary over another library's trie or map: the whole build job and every lookup. It is one
 // template over the index, so that all other libraries are used alike.
 //
 // An index maps keys to numbers that are not negative and offers
@@ -12,10 +12,10 @@
 //                                                            that begins text, shortest first
 //   void keysFrom(std::string_view prefix, Emit emit) const; emit(key, number) for every key that
 //                                                            begins with prefix, in order, until it
-//                                                            is false
+//                                                            returns false
 //
-// Of the lookups, it has those that are measured. The bytes for attach are aligned to kAlignment.
-// Lookups may run concurrently.
+// An index has only those of these lookups that are measured. The bytes for attach are aligned to
+// kAlignment. Lookups may run concurrently.
 
 #ifndef BENCH_OTHER_DICTIONARY_H
 #define BENCH_OTHER_DICTIONARY_H
@@ -86,7 +86,8 @@ public:
         }
     }
 
-    // Calls emit(key, text) for the keys that begin with `prefix`, in order, until it is false.
+    // Calls emit(key, text) for the keys that begin with `prefix`, in order, until it returns
+    // false.
     template <class Emit>
     void keysFrom(std::string_view prefix, Emit emit) const {
         m_index.keysFrom(prefix, [&](std::string_view key, int feature) {

@@ -1,6 +1,6 @@
-// Segmentation by weight beside that by longest match, and replacement beside opencc's, over the
-// Chinese dictionary and text. A row is what was done, and how many megabytes of text in a second;
-// the first two are the milliseconds and the bytes that a segmenter takes.
+// Segmentation by weight beside segmentation by longest match, and replacement beside opencc's,
+// over the Chinese dictionary and text. A row has what was done, and how many megabytes of text per
+// second. The first two rows have the milliseconds and the bytes that a segmenter takes.
 //
 //   segment_bench [DATA FOLDER]
 
@@ -65,7 +65,7 @@ std::vector<DictionaryText> viewsOf(const Texts& texts) {
     return views;
 }
 
-// Megabytes a second by which the texts are segmented.
+// How fast the texts are segmented, in megabytes per second.
 double segment(const Image& image, int mode, const DictionarySegmenter* segmenter,
                const Material& material) {
     DictionaryFindOptions options = {};
@@ -120,7 +120,7 @@ std::string converted(opencc_t converter, const std::string& text) {
     return result;
 }
 
-// Megabytes a second by which the lines are converted. All ways come to the same results.
+// How fast the lines are converted, in megabytes per second. All ways must have the same results.
 template <class Convert>
 double speedOf(const Texts& lines, Texts& results, const Convert& convert) {
     Texts written(lines.size());
@@ -133,7 +133,7 @@ double speedOf(const Texts& lines, Texts& results, const Convert& convert) {
     return static_cast<double>(bytes) / seconds / 1e6;
 }
 
-// Returns the lines converted.
+// Returns the converted lines.
 Texts replacements(const std::string& data, const std::string& direction, const Texts& lines) {
     const Image image(data + "/" + direction);
     opencc_t converter = opencc_open((direction + ".json").c_str());

@@ -1,4 +1,4 @@
-// A text source in memory, read the cheapest way a host can: one buffer, fields cut in place, keys
+// A text source in memory, read as cheaply as a host can: one buffer, fields cut in place, keys
 // sorted, the texts of repeated keys joined.
 
 #ifndef BENCH_SOURCE_H

@@ -1,6 +1,6 @@
-// What it takes to open an image, which verifies it, beside reading its file once, and what each
-// pass takes that no verification can do without, alone and with the least work. Their sum is what
-// an opening may come down to. A row is named PASS/DICTIONARY.
+// Measures how long it takes to open an image, which verifies it, beside reading its file once.
+// Also measures each pass that every verification needs, alone and with the least work. Their sum
+// is the least that opening can take. A row is named PASS/DICTIONARY.
 //
 //   verify_bench [Google Benchmark's options] [DATA FOLDER]
 
@@ -43,7 +43,7 @@ const Image& imageOf(const std::string& dictionary) {
     return images.try_emplace(dictionary, g_data + "/" + dictionary).first->second;
 }
 
-// Each pass returns a number that depends on all that it read.
+// Each pass returns a number that depends on everything that it read.
 using Pass = std::int64_t (*)(const Image& image);
 
 std::int64_t openImage(const Image& image) {
@@ -79,7 +79,7 @@ std::int64_t readCells(const Image& image) {
     return inside;
 }
 
-// For each cell its parent's, wherever that is.
+// For each cell, the cell of its parent, wherever that is.
 std::int64_t readParents(const Image& image) {
     constexpr std::uint32_t kAhead = 64;
     const auto parentOf = [&](std::uint32_t index) {
@@ -115,7 +115,7 @@ std::int64_t readRecords(const Image& image) {
     return bitsOf(image).front();
 }
 
-// For each cell the bit of its feature.
+// For each cell, the bit of its feature.
 std::int64_t readFeatures(const Image& image) {
     static std::map<const Image*, std::vector<bool>> all;
     std::vector<bool>& bits = all[&image];
