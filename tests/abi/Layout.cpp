@@ -1,4 +1,4 @@
-// Sizes and places that hosts have compiled in. Compiling this file is the test.
+// Sizes and offsets that are compiled into hosts. Compiling this file is the test.
 
 #include <cstddef>
 #include <type_traits>
@@ -13,7 +13,7 @@
 
 using namespace Dictionary;
 
-// Records: the size and, where offsetof may be used, the last member's place.
+// Records: the size and, where offsetof may be used, the offset of the last member.
 static_assert(sizeof(SPOS) == 12 && offsetof(SPOS, feature) == 8, "");
 static_assert(sizeof(DictionaryText) == 16 && offsetof(DictionaryText, size) == 8, "");
 static_assert(sizeof(DictionaryError) == 312 && offsetof(DictionaryError, text) == 56, "");
@@ -37,7 +37,7 @@ static_assert(sizeof(DictionaryBuildReport) == 40, "");
 static_assert(offsetof(DictionaryBuildReport, imageBytes) == 32, "");
 static_assert(sizeof(SInnerDATWUnit) == 136, "");
 
-// Classes that hosts make for themselves.
+// Classes whose objects hosts make themselves.
 static_assert(sizeof(CDATReader) == 48, "");
 static_assert(sizeof(CDATWriter) == 24, "");
 static_assert(sizeof(CDictionayApp) == 32, "");

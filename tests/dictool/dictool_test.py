@@ -1,4 +1,4 @@
-"""Runs dictool as its users do. Told where things are by DICTOOL and EXAMPLES."""
+"""Runs dictool as its users do. DICTOOL and EXAMPLES in the environment say where things are."""
 
 import json
 import os
@@ -42,7 +42,7 @@ def read(name):
         return file.read()
 
 
-# For what is the same on every machine and takes long under an emulator.
+# For tests that are the same on every machine and take long under an emulator.
 native = unittest.skipIf(EMULATED, "not under an emulator")
 
 
@@ -135,7 +135,7 @@ ANSWERS = [
     ("verify -q", "", ""),
 ]
 
-# Source, what is told about it, status of building it, status with --lenient.
+# Source, what is reported about it, status of building it, status with --lenient.
 FAULTS = [
     (b"a\tx\nb\n", ["2:2: error no-field"], TROUBLE, TROUBLE),
     (b"a\tx\n\nb\ty\n", ["2:1: error empty-record"], TROUBLE, TROUBLE),
@@ -228,7 +228,7 @@ class Commands(Case):
         self.assertRefused(run("build", "-", "new", given=SOURCE, **limits), TROUBLE,
                            "new: error cannot-write: the image cannot be written; ")
         if EMULATED:
-            return  # QEMU catches every signal itself, so that nothing shows when dictool does
+            return  # QEMU catches every signal, so nothing shows when dictool does
         building = subprocess.Popen([DICTOOL, "build", "-", "new"], cwd=HERE, stdin=subprocess.PIPE,
                                     stderr=subprocess.PIPE)
         caught = 0

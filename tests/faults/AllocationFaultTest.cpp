@@ -1,5 +1,5 @@
-// Every allocation of every operation fails, once and permanently: the caller learns it, nothing is
-// lost, and what was loaded answers as before.
+// Every allocation of every operation fails, once and permanently. The caller learns of it, nothing
+// leaks, and what was loaded answers as before.
 
 #include <cerrno>
 #include <functional>
@@ -16,7 +16,7 @@ namespace {
 
 using namespace Dictionary;
 
-// Too long for the room that a search has on the stack.
+// Too long for the buffer that a search has on the stack.
 const std::string kLongKey(200, 'k');
 const std::string kSource =
     "a\t1\nab\t2\n中文\tx\ty\nab\t3\na😀\trefused\nlonger than inline\tz\n" + kLongKey + "\t\n";
@@ -40,7 +40,8 @@ struct Dictionaries {
     CUTF8Coder coder;
 };
 
-// An operation, with its result as text. One that reports a lack of memory otherwise throws.
+// An operation, with its result as text. If it reports a lack of memory in another way than by
+// std::bad_alloc, it is made to throw that.
 using Operation = std::function<std::string()>;
 
 void throwIf(bool memoryIsShort) {
@@ -145,7 +146,7 @@ std::string load(const char* name) {
     return "";
 }
 
-// One run with a fault in it. Returns false when the fault did not come about.
+// One run with a fault in it. Returns false when the fault did not occur.
 bool failOnce(const Operation& operation, const std::string& expected, const Fault& fault) {
     const long allocations = liveAllocations();
     const long descriptors = openDescriptors();

@@ -1,5 +1,5 @@
-// The linker leads the library's calls of each of these functions to the one with __wrap_ in front;
-// the one with __real_ in front is that of the C library.
+// The linker redirects the library's calls of each of these functions to the one whose name begins
+// with __wrap_. The one whose name begins with __real_ is the C library's.
 
 #include "Faults.h"
 
@@ -164,7 +164,7 @@ std::size_t __wrap_fwrite(const void* items, std::size_t size, std::size_t count
     return call("fwrite", std::size_t{0}, __real_fwrite, items, size, shortened("fwrite", count),
                 file);
 }
-// What fails to close is closed all the same.
+// A file that fails to close is closed all the same.
 int __real_close(int file);
 int __wrap_close(int file) {
     const int result = __real_close(file);

@@ -1,11 +1,11 @@
-// Lets an allocation or a system call of the library fail, and counts the allocations that are not
-// released. One thread at a time.
+// Makes an allocation or a system call of the library fail, and counts the allocations that are not
+// released. For one thread at a time.
 
 #ifndef TESTS_FAULTS_H
 #define TESTS_FAULTS_H
 
 constexpr char kAllocation[] = "allocation";
-constexpr int kShort = -1;  // in place of an errno: the call does only a part of its work
+constexpr int kShort = -1;  // in place of an errno: the call does only part of its work
 
 struct Fault {
     const char* call;      // kAllocation, or the name of a function of the C library
@@ -16,7 +16,7 @@ struct Fault {
 
 void arm(const Fault& fault);
 void disarm();
-// Whether the fault last armed has come about.
+// Whether the fault that was armed last has occurred.
 bool hasStruck();
 
 // Allocations by the library and the tests that were not released.

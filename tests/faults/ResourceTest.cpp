@@ -1,4 +1,4 @@
-// Loads, searches and builds by the thousand: memory and descriptors stay as they are, but for what
+// Thousands of loads, searches and builds. Memory and descriptors stay as they are, except for what
 // the plain functions are known to keep, which is counted.
 
 #include <algorithm>
@@ -19,8 +19,8 @@ int rounds() {
     return given == nullptr ? 300 : std::atoi(given);
 }
 
-constexpr int kBuildsIn = 10;   // that many rounds there is one build
-constexpr int kFewRounds = 20;  // of what keeps something
+constexpr int kBuildsIn = 10;   // one build for so many rounds
+constexpr int kFewRounds = 20;  // for what keeps something
 
 struct Resources {
     long allocations = liveAllocations();
@@ -37,7 +37,7 @@ struct Kept {
     long allocations, descriptors;
 };
 
-// What `action` leaves in use, each time.
+// Expects that `action` leaves `kept` in use, each time.
 template <typename Action>
 void expectKept(const char* name, int times, Kept kept, const Action& action) {
     printedBy(action);
@@ -48,7 +48,7 @@ void expectKept(const char* name, int times, Kept kept, const Action& action) {
     const Resources after;
     EXPECT_EQ(after.allocations - before.allocations, kept.allocations * times) << name;
     EXPECT_EQ(after.descriptors - before.descriptors, kept.descriptors * times) << name;
-    // Memory for small things may come in one piece more.
+    // The allocator may have taken a few more pieces of memory.
     EXPECT_LE(after.mappings - before.mappings, 8) << name;
 }
 
@@ -87,7 +87,7 @@ TEST(Resource, StayAsTheyAreOverBuilds) {
     expectKept("refused", rounds() / kBuildsIn, {0, 0},
                [&] { dictionaryBuildFile(bad.path(), image.path(), nullptr, nullptr, nullptr); });
     expectKept("plain", kFewRounds, {0, 1}, [&] { buildTree(good.path(), image.path()); });
-    // The record reader keeps itself, its three buffers and its source.
+    // The record reader is kept, with its three buffers and its source.
     expectKept("stopped", kFewRounds, {4, 1}, [&] { buildTree(bad.path(), image.path()); });
 }
 

@@ -1,5 +1,5 @@
-// Every system call of every operation on files fails: the careful ones say why and leave the old
-// image whole, the plain ones do what their hosts are used to.
+// Every system call of every operation on files fails. The checked operations say why and leave the
+// old image whole; the plain ones do what their hosts are used to.
 
 #include <sys/stat.h>
 
@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 constexpr char kSource[] = "a\t1\nab\t2\nb\t3\n", kOldSource[] = "old\timage\n";
 constexpr int kErrors[] = {EIO, ENOSPC, EINTR, EMFILE, ENOMEM, kShort};
 
-// A folder with a source and an image made of another one.
+// A folder with a source, and an image of another source.
 struct Place {
     Place() {
         std::ofstream(source) << kSource;
@@ -43,8 +43,8 @@ struct Place {
     std::string old;
 };
 
-// Lets one call of a function after the other fail. '.' is a failure that the operation tolerates,
-// another letter one that it reports; equal letters in a row are written once.
+// Makes the calls of a function fail, one after the other. '.' is a failure that the operation
+// tolerates, another letter one that it reports. Equal letters in a row are written once.
 template <typename Operation>
 std::string outcomes(const char* call, int error, const Operation& operation) {
     std::string letters;
@@ -75,7 +75,7 @@ void expectOutcomes(const Row& row, const Operation& operation) {
     }
 }
 
-// R for the source and W for the image.
+// Returns R if the source could not be read, W if the image could not be written.
 char build(const Place& place, const std::string& whole, int error) {
     DictionaryError reported;
     const int result =
@@ -107,7 +107,7 @@ TEST(SystemFault, CheckedBuildsReportWhatFailedAndLeaveTheOldImage) {
     }
 }
 
-// U for an image that cannot be read, M for too little memory.
+// Returns U if the image could not be opened.
 char openImage(const std::string& name, int mode, int error) {
     DictionaryError reported;
     DictionaryHandle* const handle = dictionaryOpenFile(name.c_str(), mode, &reported);
@@ -164,7 +164,7 @@ TEST(SystemFault, PlainLoadsSayWhyAndFindNothing) {
     }
 }
 
-// The size of an image of the whole source, of no key, and of one that is not written.
+// After a fault, the image has all keys or none, or is not written.
 TEST(SystemFault, PlainBuildsGoOn) {
     const std::string data = "1\t\n2\t\n3\t\n", built = "Build OK\n",
                       size = "size of dictionary : ";

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds segmentation by weight and replacement against the tools that people use for them.
+"""Compares segmentation by weight and replacement with the tools that people use for them.
 
 usage: peers_test.py DATA LIBRARY DICTOOL FOLDER
 
@@ -71,7 +71,7 @@ def succeed(code):
 
 
 class Dictionary:
-    """An image of a source that bench/data makes."""
+    """An image made from a source of bench/data."""
 
     def __init__(self, name):
         subprocess.run([DATA, FOLDER, f"{name}.tsv"], check=True, stdout=subprocess.DEVNULL)

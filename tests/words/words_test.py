@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Holds whole words, folding and sets against other software, over real text in many languages.
+"""Compares whole words, folding and sets with other software, over real text in many languages.
 
 usage: LIBRARY=PATH words_test.py [-v]
 
-What whole words are is asked of the package python3-regex, what folding is of Python, and what a
-set finds of one image of all its sources. The texts are those of the package debian-handbook.
+Whole words are compared with those of the package python3-regex, folding with that of Python, and
+what a set finds with what one image of all its sources finds. The texts are those of the package
+debian-handbook.
 """
 
 import ctypes
@@ -160,7 +161,7 @@ def ascii_share(text):
 
 
 def texts():
-    """A text in each language, of the pages that are translated best, and one of all mixed."""
+    """A text in each language, from its best translated pages, and one of all of them mixed."""
     found = []
     for language in LANGUAGES:
         pages = sorted(handbook(language), key=ascii_share)
@@ -200,7 +201,7 @@ def by_mode(every):
 
 
 def fold(character):
-    """Simple case folding, by the full one that Python has; and ASCII by its full-width form."""
+    """Simple case folding, made from Python's full one, and ASCII for full-width forms."""
     if "\uFF01" <= character <= "\uFF5E" or character == "\u3000":
         character = unicodedata.normalize("NFKC", character)
     for other in (character.casefold(), character.lower()):
@@ -220,7 +221,7 @@ def assigned():
 
 class WholeWords(unittest.TestCase):
     def whole(self, text, matches):
-        """Those of all matches that are whole words."""
+        """Those of the matches that are whole words."""
         inside = {place for word in WORD.finditer(text) for place in range(*word.span())[1:]}
         return [match for match in matches if not {match[0], match[0] + match[1]} & inside]
 
@@ -247,7 +248,7 @@ class Folding(unittest.TestCase):
         self.folded_before = [self.joined(pieces) for pieces in self.pieces]
 
     def joined(self, pieces):
-        """Folded keys, each with the data of all keys that became one."""
+        """Folded keys, each with the data of all keys that fold to it."""
         keys = {}
         for key, data in pieces.items():
             keys.setdefault(folded(key), []).append(data)

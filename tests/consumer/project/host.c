@@ -1,4 +1,4 @@
-/* Says which library it found; fails unless it is the one that its headers came with. */
+/* Says which library it found. Fails unless the headers are of the same version. */
 
 #include <stdio.h>
 #include <string.h>

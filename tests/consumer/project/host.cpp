@@ -1,4 +1,4 @@
-// Reaches the classes; fails unless the coder decodes.
+// Uses the classes. Fails unless the coder decodes.
 
 #include <vector>
 
