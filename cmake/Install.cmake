@@ -1,5 +1,5 @@
-# Installs what CMake and pkg-config find the installed library by. Each file finds its neighbours
-# from its own place, so that the whole tree can be moved.
+# Installs the files by which CMake and pkg-config find the library. Each file finds the others from
+# its own place, so that the whole tree can be moved.
 
 include(CMakePackageConfigHelpers)
 

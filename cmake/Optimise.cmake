@@ -1,4 +1,4 @@
-# Optimises a build that asks for no kind of build and for no optimisation itself. A project that
+# Optimises a build that sets neither a build type nor an optimisation level. A project that
 # includes this one keeps its own flags.
 
 get_property(is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)

@@ -1,5 +1,5 @@
-# A toolchain for 64-bit ARM: Debian's cross compiler and, for programs that are run, QEMU. The
-# libraries of that machine are where scripts/aarch64 unpacks them.
+# A toolchain for 64-bit ARM: Debian's cross compiler, and QEMU to run programs. The libraries of
+# that machine are where scripts/aarch64 unpacks them.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)

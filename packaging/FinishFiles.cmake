@@ -1,5 +1,5 @@
-# Brings the files of the packages into the form that Debian expects: a changelog and a licence
-# each, manual pages compressed, the static library without what only its makers need.
+# Brings the files of the packages into the form that Debian expects: a changelog and a licence in
+# each, compressed manual pages, and a static library without debug information.
 
 file(STRINGS ${CPACK_DICTIONARY_PACKAGING_DIR}/changelog newest LIMIT_COUNT 1)
 if(NOT newest MATCHES "\\(${CPACK_PACKAGE_VERSION}\\)")

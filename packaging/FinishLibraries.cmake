@@ -1,5 +1,6 @@
-# Writes to the libraries' packages what CPack cannot: that those of several architectures may be
-# side by side. Takes out the scripts that CPack adds for ldconfig, as the trigger does their work.
+# Adds what CPack cannot write to the library packages: that those of several architectures may be
+# installed side by side. Removes the scripts that CPack adds for ldconfig, because the trigger does
+# their work.
 
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
     if(NOT package MATCHES "/lib[^/]+$")

@@ -1,5 +1,5 @@
-# Debian packages, one per component that is installed; scripts/package makes them. CPack takes the
-# files from the rules of the installation; debhelper would need a list of them for each package.
+# Debian packages, one per component; scripts/package makes them. CPack takes the files from the
+# install rules. debhelper would need a list of the files of each package.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -8,11 +8,11 @@ set(CPACK_DEBIAN_PACKAGE_SOURCE ${PROJECT_NAME})
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The dictionary library's authors <authors@dictionary.example>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-# Every package has a first line of its own.
+# Every package has its own first line.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 
-# Dependencies come from the binaries; other packages that are linked to the library depend on it by
-# what `shlibs` in its package says.
+# Dependencies come from the binaries. Other packages that link to the library depend on it as the
+# file `shlibs` in its package says.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 get_target_property(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS dictionary BINARY_DIR)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
@@ -68,7 +68,7 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
     ${CMAKE_CURRENT_LIST_DIR}/python/postinst ${CMAKE_CURRENT_LIST_DIR}/python/prerm)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-# By the note beside it the package is known to pip and to importlib.metadata.
+# The note beside the package makes it known to pip and to importlib.metadata.
 set(python_note ${PROJECT_BINARY_DIR}/python/${PROJECT_NAME}-${PROJECT_VERSION}.dist-info)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/python/METADATA.in ${python_note}/METADATA @ONLY)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python/dictionary ${python_note}
@@ -76,7 +76,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python/dictionary ${python_note
     PATTERN __pycache__ EXCLUDE
     PATTERN libdictionary.so.1 EXCLUDE)
 
-# The one runs over the files before they are packed, the other over the packages.
+# The first runs over the files before they are packed, the second over the packages.
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/FinishFiles.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/FinishLibraries.cmake)
 set(CPACK_DICTIONARY_PACKAGING_DIR ${CMAKE_CURRENT_LIST_DIR})
