@@ -124,8 +124,8 @@ export interface BuildReport {
 
 export interface OpenOptions {
   /**
-   * Keeps a private copy, so that the file may change. By default the file's pages are mapped and
-   * shared with all processes that map it. Then the file must not change while it is open, but
+   * Keeps a private copy, so that the file may change. By default the file is mapped, and all
+   * processes that map it share its pages. A mapped file must not change while it is open, but
    * another file may take its place.
    */
   readonly copy?: boolean;
