@@ -46,7 +46,7 @@ void visit(const DictionaryHandle* handle, const DictionaryFindOptions* given, D
 std::size_t bytesOf(const DictionaryText* texts, std::size_t count) {
     if (texts == nullptr) return 0;
     return std::accumulate(
-        texts, texts + count, std::size_t{0},
+        texts, texts + count, std::size_t{},
         [](std::size_t bytes, const DictionaryText& text) { return bytes + text.size; });
 }
 

@@ -126,7 +126,7 @@ bool visitClassic(const TextFind& find, const Use& use) {
 // ---- All at once, which takes less time ----
 
 template <class Search, class Use>
-bool listBy(const TextFind& find, EncodedText::Illegal illegal, const Search& search,
+void listBy(const TextFind& find, EncodedText::Illegal illegal, const Search& search,
             const Use& use) {
     const EncodedText text(find.text.data(), find.text.size(), illegal);
     TextUnits<EncodedText> units(text, find.options.unit);
@@ -134,35 +134,33 @@ bool listBy(const TextFind& find, EncodedText::Illegal illegal, const Search& se
            [&](std::size_t from, std::size_t end, std::int32_t feature) {
                use(units.measure(from, end), KeyAt{end, 0, feature});
            });
-    return true;
 }
 
 template <class Search, class Use>
-bool listSetBy(const TextFind& find, const Search& search, const Use& use) {
+void listSetBy(const TextFind& find, const Search& search, const Use& use) {
     const SetText text(find.handle.images, find.text,
                        [](const auto& image) { return image->isFolded(); });
     TextUnits<EncodedText> units(text.any(), find.options.unit);
     search(SetSearch(find.handle.images, rulesOf(find), text),
            [&](const SetKey& found) { use(units.measure(found.from, found.key.end), found.key); });
-    return true;
 }
 
 template <class Use>
-bool listAll(const TextFind& find, const Use& use) {
+void listAll(const TextFind& find, const Use& use) {
     if (!isPlain(find)) {
         return listSetBy(
             find, [](const SetSearch& search, const auto& found) { search.forEachKey(found); },
             use);
     }
-    return listBy(
+    listBy(
         find, EncodedText::kPassOver,
         [](const TextSearch& search, const auto& found) { search.forEachKey(kAlphabet, found); },
         use);
 }
 
 template <class Use>
-bool listLongestOfOne(const TextFind& find, EncodedText::Illegal illegal, const Use& use) {
-    return listBy(
+void listLongestOfOne(const TextFind& find, EncodedText::Illegal illegal, const Use& use) {
+    listBy(
         find, illegal,
         [](const TextSearch& search, const auto& found) {
             search.forEachLongestKey(kAlphabet, found);
@@ -171,66 +169,80 @@ bool listLongestOfOne(const TextFind& find, EncodedText::Illegal illegal, const 
 }
 
 template <class Use>
-bool listLongest(const TextFind& find, const Use& use) {
+void listLongest(const TextFind& find, const Use& use) {
     if (isPlain(find)) return listLongestOfOne(find, EncodedText::kPassOver, use);
-    return listSetBy(
+    listSetBy(
         find, [](const SetSearch& search, const auto& found) { search.forEachLongestKey(found); },
         use);
 }
 
 template <class Use>
-bool listSegments(const TextFind& find, const Use& use) {
-    if (find.options.unknownPieces) return visitPieces<visitSegments>(find, use);
+void listSegments(const TextFind& find, const Use& use) {
+    if (find.options.unknownPieces) {
+        visitPieces<visitSegments>(find, use);
+        return;
+    }
     if (!isPlain(find)) {
         return listSetBy(
             find, [](const SetSearch& search, const auto& found) { search.forEachSegment(found); },
             use);
     }
-    return listBy(
+    listBy(
         find, EncodedText::kPassOver,
         [](const TextSearch& search, const auto& found) { search.forEachSegment(found); }, use);
 }
 
 template <class Use>
-bool listClassic(const TextFind& find, const Use& use) {
-    if (find.handle.isSet) return true;
-    return listLongestOfOne(find, EncodedText::kStopAtIllegal, use);
+void listClassic(const TextFind& find, const Use& use) {
+    if (find.handle.isSet) return;
+    listLongestOfOne(find, EncodedText::kStopAtIllegal, use);
 }
 
 template <class Use>
-using Finder = bool (*)(const TextFind& find, const Use& use);
+using Visit = bool (*)(const TextFind& find, const Use& use);
+template <class Use>
+using List = void (*)(const TextFind& find, const Use& use);
+
+// What is listed no faster than one by one.
+template <class Use, Visit<Use> visit>
+void listVisited(const TextFind& find, const Use& use) {
+    visit(find, use);
+}
 
 // By the mode's number.
 template <class Use>
-constexpr Finder<Use> kVisitors[] = {visitAll<Use>,
-                                     visitLongest<Use>,
-                                     visitPieces<visitSegments, Use>,
-                                     visitPieces<visitCheapest, Use>,
-                                     visitPrefixes<Use>,
-                                     visitClassic<Use>};
+constexpr Visit<Use> kVisits[] = {visitAll<Use>,
+                                  visitLongest<Use>,
+                                  visitPieces<visitSegments, Use>,
+                                  visitPieces<visitCheapest, Use>,
+                                  visitPrefixes<Use>,
+                                  visitClassic<Use>};
 template <class Use>
-constexpr Finder<Use> kListers[] = {listAll<Use>,       listLongest<Use>,
-                                    listSegments<Use>,  visitPieces<visitCheapest, Use>,
-                                    visitPrefixes<Use>, listClassic<Use>};
+constexpr List<Use> kLists[] = {listAll<Use>,
+                                listLongest<Use>,
+                                listSegments<Use>,
+                                listVisited<Use, visitPieces<visitCheapest, Use>>,
+                                listVisited<Use, visitPrefixes<Use>>,
+                                listClassic<Use>};
 
 template <class Use>
-void listBy(const TextFind& find, const Use& use) {
-    kListers<Use>[find.options.mode](find, use);
+void listByMode(const TextFind& find, const Use& use) {
+    kLists<Use>[find.options.mode](find, use);
 }
 
 }  // namespace
 
 void listMatches(const TextFind& find, MatchList& list) {
-    listBy(find, ToList{find.handle.images, list});
+    listByMode(find, ToList{find.handle.images, list});
 }
 
 void listColumns(const TextFind& find, std::uint32_t text, ColumnList& columns) {
-    listBy(find, ToColumns{text, columns});
+    listByMode(find, ToColumns{text, columns});
 }
 
 bool visitMatches(const TextFind& find, const MatchTaker& taker) {
     const ToTaker use = {find.handle.images, taker};
-    return kVisitors<ToTaker>[find.options.mode](find, use);
+    return kVisits<ToTaker>[find.options.mode](find, use);
 }
 
 bool containsKey(const TextFind& find) {

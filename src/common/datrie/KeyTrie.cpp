@@ -147,7 +147,7 @@ void KeyTrie::findSharedNodes() {
     sortByDepthAndKey(m_shared, scratch);
     const auto passing = [](const TrieNode& node) { return node.passing(); };
     const std::uint32_t most = greatest(m_shared, passing);
-    countingSort(m_shared, scratch, most + std::size_t{1},
+    countingSort(m_shared, scratch, most,
                  [&](const TrieNode& node) { return most - node.passing(); });
 }
 

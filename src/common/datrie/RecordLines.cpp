@@ -34,9 +34,8 @@ void RecordLines::index(std::uint32_t first, std::uint32_t end) {
     for (std::uint32_t record = first; record < end; ++record) {
         hashes.push_back(m_hash(m_table.key(record)));
     }
-    const std::size_t mask = m_slots.size() - 1;
     for (std::size_t i = 0; i < hashes.size(); ++i) {
-        if (i + kAhead < hashes.size()) __builtin_prefetch(&m_slots[hashes[i + kAhead] & mask], 1);
+        if (i + kAhead < hashes.size()) __builtin_prefetch(&m_slots[hashes[i + kAhead] & mask()], 1);
         const std::uint32_t record = first + static_cast<std::uint32_t>(i);
         Slot& slot = slotOf(record, hashes[i]);
         m_before[record] = slot.record;
@@ -58,8 +57,7 @@ void RecordLines::grow(std::size_t records) {
 
 // The slot of a record's key; it is empty if no earlier record has that key.
 RecordLines::Slot& RecordLines::slotOf(std::uint32_t record, std::uint32_t hash) {
-    const std::size_t mask = m_slots.size() - 1;
-    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+    for (std::size_t i = hash & mask();; i = (i + 1) & mask()) {
         Slot& slot = m_slots[i];
         if (slot.record == kNone) return slot;
         if (slot.hash == hash && m_table.key(slot.record) == m_table.key(record)) return slot;

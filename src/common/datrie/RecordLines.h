@@ -33,6 +33,7 @@ private:
         std::uint32_t record = kNone;
     };
 
+    std::size_t mask() const { return m_slots.size() - 1; }
     bool isInOrder(std::uint32_t record) const;
     void index(std::uint32_t first, std::uint32_t end);
     void grow(std::size_t records);
