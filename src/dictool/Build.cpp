@@ -32,28 +32,26 @@ struct BuildOptions {
 };
 
 constexpr char kDetails[] =
-    "A source has one line per record: a key, a tab, data fields separated by tabs. SOURCE may be\n"
-    "a pipe, or - for standard input. The key \\n stands for a newline. Data of a key that comes\n"
-    "more than once is joined with \";\". In separators, \\t and \\n stand for a tab and a "
-    "newline,\n"
-    "a backslash and three digits for the byte of that decimal number.\n"
-    "\nProblems are reported with the number of the record and of the byte in it. --lenient makes\n"
-    "warnings of an empty key, illegal UTF-8, a carriage return at the end of a line and a\n"
-    "byte-order mark; --windows reads the last two as what they are. A source without records is\n"
-    "an error unless --allow-empty is given.\n";
+    R"(A source has one line per record: a key, a tab, data fields separated by tabs. SOURCE may be
+a pipe, or - for standard input. The key \n stands for a newline. If a key comes more than
+once, its data is joined with ";". In separators, \t and \n stand for a tab and a newline, and
+a backslash with three digits for the byte with that decimal number.
+
+Problems are reported with the number of the record and of the byte in it. --lenient turns an
+empty key, illegal UTF-8, a carriage return at the end of a line and a byte-order mark into
+warnings; --windows drops the last two. A source without records is an error unless
+--allow-empty is given.
+)";
 
 constexpr char kStatusDetails[] = "\n\nExit status: 0 done; 2 an error; 130 ended by a signal.";
 
-constexpr char kBuildDetails[] =
-    "\nThe image appears under its name when it is complete. Until then, and if the build fails "
-    "or\n"
-    "is interrupted, what was there before stays. IMAGE may be - for standard output, if that is\n"
-    "no terminal.";
+constexpr char kBuildDetails[] = R"(
+The image appears under its name when it is complete. Until then, and if the build fails or is
+interrupted, the old file stays. IMAGE may be - for standard output, unless that is a terminal.)";
 
-constexpr char kLintDetails[] =
-    "\nNothing is written, and the exit status is that of building. A field that begins with "
-    "\";\"\n"
-    "after another one gets a warning, as it looks like data of a key that comes twice.";
+constexpr char kLintDetails[] = R"(
+Nothing is written, and the exit status is that of building. A field after the first that
+begins with ";" gets a warning, because it looks like the data of a repeated key.)";
 
 // One run of the library's build, and what it reports.
 struct Build {
@@ -175,7 +173,7 @@ int run(const BuildOptions& options, const std::string& image) {
     const bool showsProgress = !options.quiet && (options.progress || errorsOnTerminal());
     Build build{options, image, Progress(showsProgress)};
     const std::string interruption =
-        build.writesFile() ? "interrupted; nothing is written to " + image : "interrupted";
+        build.writesFile() ? "interrupted; nothing was written to " + image : "interrupted";
     endWhenInterrupted((showsProgress ? "\n" : "") + messageOf(interruption));
     dictionary::ImageBuffer buffer;
     DictionaryBuildReport counts = {};
@@ -195,7 +193,8 @@ int run(const BuildOptions& options, const std::string& image) {
 
 int runBuild(const BuildOptions& options) {
     if (options.image == "-" && Output().isTerminal()) {
-        throw Failure{kTrouble, {}, "usage", "an image is not for a terminal; write it to a file"};
+        throw Failure{
+            kTrouble, {}, "usage", "an image cannot be written to a terminal; write it to a file"};
     }
     return run(options, options.image);
 }
@@ -205,21 +204,21 @@ int runLint(const BuildOptions& options) {
 }
 
 void addOptions(CLI::App& command, BuildOptions& options) {
-    addFlag(command, "--lenient", options.lenient, "Warn of what can be lived with");
+    addFlag(command, "--lenient", options.lenient, "Report some errors as warnings");
     addFlag(command, "--windows", options.windows,
-            "Leave out carriage returns at the ends of lines, and a byte-order mark");
-    addFlag(command, "--allow-empty", options.allowEmpty, "Take a source without records");
+            "Drop carriage returns at the ends of lines, and a byte-order mark");
+    addFlag(command, "--allow-empty", options.allowEmpty, "Accept a source without records");
     addFlag(command, "--fold", options.folded,
             "Fold case and width, in the keys and in whatever is looked up");
-    addText(command, "--field-separator", options.fieldSeparator, "Ends a field")
+    addText(command, "--field-separator", options.fieldSeparator, "What separates fields")
         .placeholder("BYTES");
-    addText(command, "--record-separator", options.recordSeparator, "Ends a record")
+    addText(command, "--record-separator", options.recordSeparator, "What ends a record")
         .placeholder("BYTES");
     addNumber(command, "--max-problems", options.maxProblems, 1,
-              std::numeric_limits<unsigned>::max(), "Report no more problems than this");
+              std::numeric_limits<unsigned>::max(), "Report at most this many problems");
     addFlag(command, "-q,--quiet", options.quiet, "Report errors only");
     addFlag(command, "--progress", options.progress,
-            "Show a progress bar even where standard error is no terminal");
+            "Show a progress bar even if standard error is not a terminal");
 }
 
 }  // namespace
@@ -234,7 +233,7 @@ void defineBuild(CLI::App& program, Action& action) {
     addOptions(build, options);
 
     CLI::App& lint =
-        addCommand(program, action, "lint", "Tell what is wrong with a source",
+        addCommand(program, action, "lint", "Report what is wrong with a source",
                    std::string(kDetails) + kLintDetails + kStatusDetails, options, runLint);
     addArgument(lint, "SOURCE", options.source, "The source; - for standard input");
     addOptions(lint, options);

@@ -156,8 +156,8 @@ void defineCompletion(CLI::App& program, Action& action) {
     static CompletionOptions options;
     options.program = &program;
     CLI::App& command =
-        addCommand(program, action, "completion", "Write a script for a shell to complete by",
-                   "To be put where the shell looks for such scripts.", options, run);
+        addCommand(program, action, "completion", "Write a completion script for a shell",
+                   "Put it where the shell looks for such scripts.", options, run);
     std::vector<std::string> shells;
     for (const auto& shell : kShells) shells.emplace_back(shell.shell);
     hide(command);

@@ -17,11 +17,12 @@ struct DiffOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes a line for every difference, by the order of the keys: - and a key that only the\n"
-    "first image has, + and one that only the second has, ~ and one whose data differs; then a\n"
-    "tab and the data fields, for ~ those of the second. A newline is written \\n, a tab in a key\n"
-    "\\t and a backslash \\\\.\n"
-    "\nExit status: 0 when there is no difference, 1 when there is one.";
+    R"(Writes one line per difference, in the order of the keys: - and a key that only the first
+image has, + and a key that only the second has, ~ and a key whose data differs; then a tab
+and the data fields, for ~ those of the second image. A newline is written as \n, a tab in a
+key as \t and a backslash as \\.
+
+Exit status: 0 when there is no difference, 1 when there is one.)";
 
 // An image's keys, one after the other.
 class Keys {

@@ -21,14 +21,15 @@ struct DumpOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes a source that builds to the same bytes, its keys in ascending order. Says so instead\n"
-    "when there is none: an image of a source with keys that were cut off or empty, or with other\n"
-    "separators whose keys or data hold a tab or a newline, cannot be given back. An image whose\n"
-    "cells another writer placed differently is: the source has its keys and data and builds to\n"
-    "other bytes, the first of which is reported.\n"
-    "The source of a folded image needs 'dictool build --fold'. Where lint has objections, as to\n"
-    "data that ends in a carriage return, the source needs 'dictool build --lenient'.\n"
-    "\nExit status: 0 when the source builds to the same bytes, 1 when it builds to others.";
+    R"(Writes a source that builds to the same bytes, its keys in ascending order. Some images have
+no such source, and that is reported instead: if keys of their source were cut off or empty,
+or if it had other separators and its keys or data contain a tab or a newline. If another
+writer placed the cells differently, the source has the same keys and data but builds to other
+bytes; the first of these is reported.
+The source of a folded image needs 'dictool build --fold'. If lint reports errors, such as data
+that ends in a carriage return, the source needs 'dictool build --lenient'.
+
+Exit status: 0 when the source builds to the same bytes, 1 when it builds to others.)";
 
 // The record that marks a folded image, and to which no key refers.
 constexpr std::size_t kFoldedMarkBytes =
@@ -168,7 +169,7 @@ void reportDifference(const Image& image, std::size_t byte) {
         "byte " + std::to_string(byte) + (inCells ? " (cell " + std::to_string(cell) + ")" : "");
     report(DICTIONARY_WARNING, {image.file()}, "placed-otherwise",
            "the source builds to other bytes from " + place +
-               " on, for the cells are placed otherwise; keys and data are the same");
+               " on, because the cells are placed differently; keys and data are the same");
 }
 
 int run(const DumpOptions& options) {

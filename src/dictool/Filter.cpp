@@ -68,7 +68,7 @@ int filter(const FilterOptions& options, Lines& lines, Output& output, const Pre
     const bool found = runLines(lines, output, threads, makeLineWork);
     output.finish();
     if (!found && sawReturn) {
-        remark("nothing is found, and lines end in a carriage return; try --windows");
+        remark("nothing was found, and lines end in a carriage return; try --windows");
     }
     if (lines.failed()) return kTrouble;
     return found || options.exitZero ? kDone : kNone;
@@ -78,18 +78,19 @@ int filter(const FilterOptions& options, Lines& lines, Output& output, const Pre
 
 void addMoreImages(CLI::App& command, std::vector<std::string>& images) {
     addTexts(command, "-D,--dictionary", images,
-             "Another image, searched as one with IMAGE; the last that has a key counts")
+             "Another image, searched as one with IMAGE; the last image that has a key wins")
         .placeholder("IMAGE");
 }
 
 void addFilterOptions(CLI::App& command, FilterOptions& options) {
     addFlag(command, "--windows", options.windows,
-            "Leave out a carriage return that ends a line and a mark that begins it");
-    addNumber(command, "-j,--jobs", options.threads, 0, kMaxThreads, "Threads; 0 for one a core");
+            "Drop a carriage return at the end of a line and a byte-order mark at its start");
+    addNumber(command, "-j,--jobs", options.threads, 0, kMaxThreads,
+              "Number of threads; 0 for one per core");
     addFlag(command, "--line-buffered", options.lineBuffered,
-            "Answer every line at once, as is done on a terminal");
+            "Answer each line at once, as on a terminal");
     addFlag(command, "--exit-zero", options.exitZero,
-            "Exit with 0 when nothing is found, too, for hosts that take 1 for a failure");
+            "Exit with 0 even if nothing is found, for callers that take 1 for a failure");
 }
 
 int filterFiles(const FilterOptions& options, const std::vector<std::string>& files,

@@ -68,7 +68,7 @@ void defineHelp(CLI::App& program, Action& action) {
     static HelpOptions options;
     options.program = &program;
     CLI::App& command = addCommand(program, action, "help", "Explain a command",
-                                   "Without a COMMAND, about the program.", options, run);
+                                   "Without COMMAND, explains the program.", options, run);
     hide(command);
     addText(command, "COMMAND", options.command, "The command");
 }

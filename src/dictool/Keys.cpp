@@ -21,16 +21,14 @@ struct KeysOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes the keys that begin with PREFIX, or all, in the order of their bytes: one line per\n"
-    "key; with --data the key, a tab and its data fields separated by tabs. tsv: the number of "
-    "the\n"
-    "line, key and data fields. json: {\"key\":..,\"data\":[..]}. --count writes how many they "
-    "are\n"
-    "instead.\n"
-    "\nA newline is written \\n, a tab in a key \\t and a backslash \\\\, but with -z everything "
-    "is\n"
-    "written as it is.\n"
-    "\nExit status: 0 when there is such a key, 1 when there is none.";
+    R"(Writes the keys that begin with PREFIX, or all keys, in the order of their bytes: one line
+per key; with --data the key, a tab and its data fields separated by tabs. tsv: the number of
+the line, key and data fields. json: {"key":..,"data":[..]}. --count writes only their number.
+
+A newline is written as \n, a tab in a key as \t and a backslash as \\. With -z everything is
+written as it is.
+
+Exit status: 0 when there is such a key, 1 when there is none.)";
 
 void formatKey(std::string& out, const KeyLine& line, const KeysOptions& options) {
     if (options.format == "json") return keyJson(out, line);
@@ -68,8 +66,8 @@ void defineKeys(CLI::App& program, Action& action) {
     addMoreImages(command, options.moreImages);
     addLineFormat(command, options.format, options.zeroEnded);
     addFlag(command, "-c,--count", options.count, "Write how many keys there are");
-    addFlag(command, "-d,--data", options.data, "In text form, write data, too");
-    addNumber(command, "-l,--limit", options.limit, "No more keys than this; 0 for all");
+    addFlag(command, "-d,--data", options.data, "In text form, also write data");
+    addNumber(command, "-l,--limit", options.limit, "At most this many keys; 0 for all");
 }
 
 }  // namespace dictool

@@ -12,16 +12,16 @@ struct LookupOptions : FilterOptions {
 };
 
 constexpr char kDetails[] =
-    "Without a KEY, takes every line of standard input for one. Writes a line for every key that\n"
-    "is in the image: the key, a tab, its data fields separated by tabs; with -f tsv the number\n"
-    "of the key in front; with -f json a line for every key, {\"line\":N,\"key\":..,\n"
-    "\"found\":true,\"data\":[..]}. --missing writes the keys that are not in the image instead,\n"
-    "in text form just as they came.\n"
-    "\nA newline is written \\n, a tab in a key \\t and a backslash \\\\, but with -z everything "
-    "is\n"
-    "written as it is.\n"
-    "\nExit status: 0 when a line was to be written for a key, other than one of \"found\":false;\n"
-    "1 when none was.";
+    R"(Without KEY, each line of standard input is a key. Writes one line per key that is in the
+image: the key, a tab, its data fields separated by tabs; with -f tsv the number of the key
+comes first; with -f json there is one line for every key, found or not, {"line":N,"key":..,
+"found":true,"data":[..]}. --missing writes the keys that are not in the image instead, in text
+form as they were given.
+
+A newline is written as \n, a tab in a key as \t and a backslash as \\. With -z everything is
+written as it is.
+
+Exit status: 0 when a key was found, or with --missing when one was not; else 1.)";
 
 FormatAnswer formatOf(const LookupOptions& options) {
     if (options.format == "tsv") return answerTable;
@@ -96,7 +96,7 @@ void defineLookup(CLI::App& program, Action& action) {
     CLI::App& command =
         addCommand(program, action, "lookup", "Look up whole keys", kDetails, options, run);
     addArgument(command, "IMAGE", options.image, "The image");
-    addArguments(command, "KEY", options.keys, "Keys; none for one per line of standard input");
+    addArguments(command, "KEY", options.keys, "Keys; if none, one per line of standard input");
     addFlag(command, "-m,--missing", options.missing, "Write the keys that are not there instead");
     addMoreImages(command, options.moreImages);
     addLineFormat(command, options.format, options.zeroEnded);

@@ -52,7 +52,7 @@ int runReporting(int count, char** arguments) {
         return kClosedPipe;
     } catch (const std::bad_alloc&) {
         report(DICTIONARY_ERROR, {}, "no-memory",
-               "memory is short; free some or use fewer threads");
+               "there is not enough memory; free some or use fewer threads");
     } catch (const std::exception& error) {
         report(DICTIONARY_ERROR, {}, "internal", error.what());
     }

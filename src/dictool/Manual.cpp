@@ -59,7 +59,7 @@ std::string headOf(const CLI::Option& option) {
 std::string textOf(const CLI::Option& option) {
     const std::string usual = defaultOf(option);
     const std::string text = summaryOf(option) + ".";
-    return usual.empty() ? text : text + " Without it: " + usual + ".";
+    return usual.empty() ? text : text + " Default: " + usual + ".";
 }
 
 std::string pageNameOf(std::string command) {
@@ -119,7 +119,7 @@ void defineManual(CLI::App& program, Action& action) {
     static ManualOptions options;
     options.program = &program;
     CLI::App& command = addCommand(program, action, "manual", "Write a manual page",
-                                   "That of a command, or of the program.", options, run);
+                                   "Of a command, or of the program.", options, run);
     std::vector<std::string> names;
     for (const CLI::App* listed : commandsOf(program)) names.push_back(nameOf(*listed));
     hide(command);

@@ -84,7 +84,7 @@ private:
 
 void addMatchOptions(CLI::App& command, MatchOptions& options) {
     addTextOptions(command, options);
-    addFlag(command, "-d,--data", options.data, "In text form, write position and data, too");
+    addFlag(command, "-d,--data", options.data, "In text form, also write position and data");
     addChoice(command, "--offset", options.offset, {"byte", "char"}, "What positions count");
     addLineFormat(command, options.format, options.zeroEnded);
     addFilterOptions(command, options);

@@ -17,7 +17,7 @@ constexpr mode_t kNewFileMode = 0666;
 constexpr int kClosed = -1;
 
 Failure cannotWrite(const std::string& name) {
-    return systemFailure(name, "cannot-write", "check that the place exists and has room");
+    return systemFailure(name, "cannot-write", "check that the folder exists and has room");
 }
 
 }  // namespace

@@ -13,12 +13,12 @@ struct ReplaceOptions : TextOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes every line read, with each key of it replaced by the first data field of the key's\n"
-    "first record, or by that of --field. The keys are those of segment: the longest ones from "
-    "the\n"
-    "start on, or with --count-field or --cost-field the cheapest. Everything else is copied byte\n"
-    "for byte. A key whose field is empty or missing stays.\n"
-    "\nExit status: 0 when a line was changed, 1 when none was.";
+    R"(Writes every line read, with each of its keys replaced by the first data field of the key's
+first record, or by that of --field. The keys are those of segment: the longest ones from the
+start on, or with --count-field or --cost-field the cheapest. Everything else is copied byte
+for byte. A key whose field is empty or missing stays.
+
+Exit status: 0 when a line was changed, 1 when none was.)";
 
 class ReplaceWork : public LineWork {
 public:
@@ -71,7 +71,7 @@ void defineReplace(CLI::App& program, Action& action) {
     addTextOptions(command, options);
     addNumber(command, "--field", options.field, "The data field that replaces a key, from 1");
     addText(command, "--alternatives", options.alternatives,
-            "What separates alternatives in the field, of which the first counts")
+            "What separates alternatives in the field; the first one is taken")
         .placeholder("TEXT");
     addFlag(command, "--remove-empty", options.removeEmpty,
             "Remove a key whose field is empty or missing");

@@ -7,15 +7,15 @@ namespace dictool {
 namespace {
 
 constexpr char kDetails[] =
-    "Writes a line for every line read: the longest key at the first position that has one, then\n"
-    "the same after it, and so on, each followed by a tab. The formats are those of search. With\n"
-    "--keep, what lies between the keys is written likewise, without data (null in json).\n"
-    "\nWith --count-field or --cost-field, of all ways to cut a line into keys and unknown\n"
-    "characters the one that costs least: a key costs the logarithm of the sum of all counts "
-    "minus\n"
-    "that of its own count, and an unknown character counts 1; or a key costs what its field "
-    "says.\n"
-    "\nExit status: 0 when a key was found, 1 when none was.";
+    R"(Writes one line per line read: the longest key at the first position that has one, the same
+after its end, and so on, each followed by a tab. The formats are those of search. With --keep,
+the text between keys is written in the same way, without data (null in json).
+
+With --count-field or --cost-field, writes the cheapest of all ways to cut a line into keys and
+unknown characters: a key costs the logarithm of the sum of all counts minus that of its own
+count, and an unknown character counts 1; or a key costs what its field says.
+
+Exit status: 0 when a key was found, 1 when none was.)";
 
 int run(const MatchOptions& options) {
     return filterMatches(options, DICTIONARY_FIND_SEGMENT);
@@ -29,7 +29,7 @@ void defineSegment(CLI::App& program, Action& action) {
         addCommand(program, action, "segment", "Cut texts into keys", kDetails, options, run);
     addMatchOptions(command, options);
     addWeightOptions(command, options);
-    addFlag(command, "-k,--keep", options.keep, "Write what lies between keys, too");
+    addFlag(command, "-k,--keep", options.keep, "Also write the text between keys");
     addFlag(command, "--pieces", options.pieces,
             "The same, with each unknown character as a piece of its own");
     addFlag(command, "--join-runs", options.joinRuns,

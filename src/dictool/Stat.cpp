@@ -17,9 +17,10 @@ struct StatOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes sizes, cells and keys, and how many keys have how many characters, how many nodes lie\n"
-    "how deep and how many have how many children. A cell takes 12 bytes; the first one is the\n"
-    "header and counts as free, as do the cells kept for first characters that no key has.";
+    R"(Writes sizes and the numbers of cells and keys; how many keys have how many characters; how
+many nodes are at which depth, and how many have how many children. A cell takes 12 bytes. The
+first one is the header and counts as free, as do the cells kept for first characters that no
+key has.)";
 
 void addRow(std::string& text, const std::string& label, const std::string& value) {
     constexpr std::size_t kLabelWidth = 18, kValueWidth = 14;

@@ -25,7 +25,8 @@ FindRequest::FindRequest(const dictionary::Image& image, int mode, const TextOpt
 
 void addTextOptions(CLI::App& command, TextOptions& options) {
     addArgument(command, "IMAGE", options.image, "The image");
-    addArguments(command, "FILE", options.files, "Texts; standard input for none and for -");
+    addArguments(command, "FILE", options.files,
+                 "Texts; standard input if none is given, and for -");
     addMoreImages(command, options.moreImages);
     addFlag(command, "-w,--word", options.wholeWords,
             "Only keys that neither begin nor end inside a word");
@@ -33,9 +34,9 @@ void addTextOptions(CLI::App& command, TextOptions& options) {
 
 void addWeightOptions(CLI::App& command, TextOptions& options) {
     const Option count = addNumber(command, "--count-field", options.countField,
-                                   "Cut by counts, which are in this data field, from 1");
+                                   "Cut by the counts in this data field, from 1");
     Option cost = addNumber(command, "--cost-field", options.costField,
-                            "Cut by costs, which are in this data field, from 1");
+                            "Cut by the costs in this data field, from 1");
     cost.excludes(count);
     addReal(command, "--unknown-cost", options.unknownCost, "What an unknown character costs")
         .needs(cost);

@@ -18,10 +18,11 @@ struct VerifyOptions {
 };
 
 constexpr char kDetails[] =
-    "Says ok for an image over which every lookup with every text stays inside, and for any other\n"
-    "file what is wrong with it, with the cell and the byte. All other commands verify the images\n"
-    "they are given, too. Exit status: 0 when all are sound; 4 when one is not; 2 when one cannot\n"
-    "be read.";
+    R"(Says ok for an image that no lookup of any text can leave, and for any other file what is
+wrong with it, with the cell and the byte. All other commands verify the images they are given,
+too.
+
+Exit status: 0 when all are sound; 4 when one is not; 2 when one cannot be read.)";
 
 Status verify(const std::string& file, bool quiet) {
     DictionaryError error;
@@ -50,7 +51,7 @@ int run(const VerifyOptions& options) {
 
 void defineVerify(CLI::App& program, Action& action) {
     static VerifyOptions options;
-    CLI::App& command = addCommand(program, action, "verify", "Tell whether images are sound",
+    CLI::App& command = addCommand(program, action, "verify", "Check whether images are sound",
                                    kDetails, options, run);
     addArguments(command, "IMAGE", options.images, "Images").required();
     addFlag(command, "-q,--quiet", options.quiet, "Say nothing about sound images");

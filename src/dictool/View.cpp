@@ -16,8 +16,8 @@ struct ViewOptions {
 };
 
 constexpr char kDetails[] =
-    "Writes one page that needs nothing else: how full the cells are as a picture, how long the\n"
-    "keys are, how the nodes branch, and sizes.";
+    R"(Writes one self-contained page: a picture of how full the cells are, how long the keys are,
+how the nodes branch, and sizes.)";
 
 constexpr std::size_t kPictureWidth = 256;
 constexpr std::size_t kPictureHeight = 96;

@@ -238,7 +238,7 @@ class Commands(Case):
         building.send_signal(signal.SIGTERM)
         told = building.communicate()[1]
         self.assertEqual((building.returncode, set(os.listdir(HERE))), (INTERRUPTED, before))
-        self.assertEqual(told, b"dictool: interrupted; nothing is written to new\n")
+        self.assertEqual(told, b"dictool: interrupted; nothing was written to new\n")
 
     def test_bad_images(self):
         image = read("words.bin")
@@ -305,7 +305,7 @@ class Commands(Case):
         self.assertIn(r"gone\x0A\x1B[31m\xE2\x80\xAE\xFF東: error", told)
         self.assertEqual(told.count("\n"), 1)
         self.assertRefused(run("lookup", "words.bin", given="abc\r\n"), NONE,
-                           "nothing is found, and lines end in a carriage return; try --windows")
+                           "nothing was found, and lines end in a carriage return; try --windows")
 
     def test_diff(self):
         run("build", "-", "other.bin", given="\\n\tline\nabc\tn\t2\nabd\tx\n")
