@@ -42,8 +42,8 @@ This package has the shared library.")
 describe_package(DEVELOPMENT libdictionary-dev libdevel
     "library of double-array trie dictionaries - development files
 ${about}
-This package has the headers, the static library and what CMake and pkg-config
-find them by."
+This package has the headers, the static library and the files by which CMake
+and pkg-config find them."
     runtime)
 describe_package(TOOL dictool utils
     "build, check and search double-array trie dictionaries

@@ -60,18 +60,17 @@ TEST(Arguments, AreRefusedByName) {
     auto replace = sized<DictionaryReplaceOptions>();
     replace.alternatives = "";
     expectRefused(dictionaryReplaceKeys(image, nullptr, &replace, kText, &result, &error),
-                  "what separates alternatives is empty");
+                  "the separator of alternatives is empty");
 
     const std::pair<bool DictionaryFindOptions::*, std::pair<int, const char*>> flags[] = {
         {&DictionaryFindOptions::unknownPieces,
-         {DICTIONARY_FIND_ALL, "unknownPieces goes with the modes SEGMENT and WEIGHTED alone"}},
+         {DICTIONARY_FIND_ALL, "unknownPieces is only for the modes SEGMENT and WEIGHTED"}},
         {&DictionaryFindOptions::joinedRuns,
-         {DICTIONARY_FIND_ALL, "joinedRuns goes with the modes SEGMENT and WEIGHTED alone"}},
+         {DICTIONARY_FIND_ALL, "joinedRuns is only for the modes SEGMENT and WEIGHTED"}},
         {&DictionaryFindOptions::everyImage,
-         {DICTIONARY_FIND_SEGMENT,
-          "everyImage goes with the modes ALL, LONGEST and PREFIXES alone"}},
+         {DICTIONARY_FIND_SEGMENT, "everyImage is only for the modes ALL, LONGEST and PREFIXES"}},
         {&DictionaryFindOptions::wholeWords,
-         {DICTIONARY_FIND_CLASSIC, "wholeWords does not go with the mode CLASSIC"}},
+         {DICTIONARY_FIND_CLASSIC, "wholeWords is not for the mode CLASSIC"}},
     };
     for (const auto& [flag, row] : flags) {
         auto find = sized<DictionaryFindOptions>();
@@ -82,17 +81,17 @@ TEST(Arguments, AreRefusedByName) {
     auto find = sized<DictionaryFindOptions>();
     find.mode = DICTIONARY_FIND_WEIGHTED;
     expectRefused(dictionaryFindMatches(image, &find, kText, &matches, &error),
-                  "a segmenter goes with the mode WEIGHTED, and with no other");
+                  "the mode WEIGHTED needs a segmenter, and no other mode takes one");
 
     auto segmenter = sized<DictionarySegmenterOptions>();
     EXPECT_EQ(dictionaryMakeSegmenter(nullptr, &segmenter, &error), nullptr);
     expectRefused(error.code, "the handle is null");
     segmenter.unknownCost = std::nan("");
     EXPECT_EQ(dictionaryMakeSegmenter(image, &segmenter, &error), nullptr);
-    expectRefused(error.code, "the cost of unknown characters is no number");
+    expectRefused(error.code, "the cost of unknown characters is not a number");
     segmenter.weights = 7;
     EXPECT_EQ(dictionaryMakeSegmenter(image, &segmenter, &error), nullptr);
-    expectRefused(error.code, "the weights are none of DictionaryWeights");
+    expectRefused(error.code, "the weights are not one of DictionaryWeights");
 
     auto source = sized<DictionarySource>();
     source.nextItem = nextWithoutFields;

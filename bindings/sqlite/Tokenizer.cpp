@@ -31,7 +31,7 @@ Number numberOf(std::string_view option, std::string_view text) {
     const char* const end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, number);
     if (read.ec == std::errc() && read.ptr == end) return number;
-    throw Error(std::string(option) + " " + std::string(text) + " is no number");
+    throw Error(std::string(option) + " " + std::string(text) + " is not a number");
 }
 
 // The arguments of a tokenizer: the image, then options in pairs.

@@ -53,7 +53,7 @@ int modeOf(std::string_view name) {
     for (const ModeName& mode : kModes) {
         if (mode.name == name) return mode.mode;
     }
-    throw Error("mode " + std::string(name) + " is none of all, longest, segment, weighted");
+    throw Error("mode " + std::string(name) + " is not one of all, longest, segment, weighted");
 }
 
 Words::Words(DictionaryHandle* handle, const WordsOptions& options)

@@ -24,7 +24,7 @@ constexpr CodeKind kKinds[] = {
     {DICTIONARY_STOPPED, "stopped", kError, kError, "a callback stopped the call"},
     {DICTIONARY_CANNOT_READ, "cannot-read", kError, kError, "the file cannot be read"},
     {DICTIONARY_CANNOT_WRITE, "cannot-write", kError, kError,
-     "the image cannot be written; what was under its name is there still"},
+     "the image cannot be written; the old file is unchanged"},
     {DICTIONARY_TEXT_TOO_LONG, "text-too-long", kError, kError,
      "the text is longer than 2147483647 bytes; divide it"},
 
@@ -36,7 +36,7 @@ constexpr CodeKind kKinds[] = {
     {DICTIONARY_IMAGE_AREA, "area", kError, kError,
      "a feature record does not end inside the area"},
     {DICTIONARY_IMAGE_FREE_CELL, "free-cell", kError, kError, "a free cell is not as written"},
-    {DICTIONARY_IMAGE_PARENT, "parent", kError, kError, "a cell has no parent that can be"},
+    {DICTIONARY_IMAGE_PARENT, "parent", kError, kError, "the parent of a cell is impossible"},
     {DICTIONARY_IMAGE_LABEL, "label", kError, kError,
      "a cell is out of reach of its parent's base"},
     {DICTIONARY_IMAGE_BASE, "base", kError, kError, "a cell's base leads nowhere"},
@@ -77,7 +77,7 @@ constexpr CodeKind kKinds[] = {
     {DICTIONARY_NO_WEIGHT, "no-weight", kError, kError,
      "a key does not have the field with its weight"},
     {DICTIONARY_BAD_WEIGHT, "bad-weight", kError, kError,
-     "the weight of a key is not a number that can be"},
+     "the weight of a key is not a valid number"},
 };
 
 constexpr std::int64_t kNowhere = -1;

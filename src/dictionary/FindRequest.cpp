@@ -33,21 +33,21 @@ void requireRight(const DictionaryHandle& handle, const DictionaryFindOptions& o
         bool isRight;
         const char* otherwise;
     } rules[] = {
-        {isMode(options.mode), "the mode is none of DictionaryFindMode"},
-        {isUnit(options.unit), "the unit is none of DictionaryUnit"},
+        {isMode(options.mode), "the mode is not one of DictionaryFindMode"},
+        {isUnit(options.unit), "the unit is not one of DictionaryUnit"},
         {weighted == (options.segmenter != nullptr),
-         "a segmenter goes with the mode WEIGHTED, and with no other"},
+         "the mode WEIGHTED needs a segmenter, and no other mode takes one"},
         {!weighted || options.segmenter == nullptr || options.segmenter->handle == &handle,
          "the segmenter was made for another handle"},
         {!options.unknownPieces || segments(options.mode),
-         "unknownPieces goes with the modes SEGMENT and WEIGHTED alone"},
+         "unknownPieces is only for the modes SEGMENT and WEIGHTED"},
         {!options.joinedRuns || segments(options.mode),
-         "joinedRuns goes with the modes SEGMENT and WEIGHTED alone"},
+         "joinedRuns is only for the modes SEGMENT and WEIGHTED"},
         {!options.everyImage || options.mode == DICTIONARY_FIND_ALL ||
              options.mode == DICTIONARY_FIND_LONGEST || options.mode == DICTIONARY_FIND_PREFIXES,
-         "everyImage goes with the modes ALL, LONGEST and PREFIXES alone"},
+         "everyImage is only for the modes ALL, LONGEST and PREFIXES"},
         {!options.wholeWords || options.mode != DICTIONARY_FIND_CLASSIC,
-         "wholeWords does not go with the mode CLASSIC"},
+         "wholeWords is not for the mode CLASSIC"},
     };
     for (const auto& rule : rules) requireArgument(rule.isRight, rule.otherwise);
 }

@@ -137,7 +137,7 @@ bool ImageCheck::headerAddsUp() {
     const std::int32_t cellBytes = cellBytesOf(m_header);
     const std::int32_t featureBytes = featureBytesOf(m_header);
     if (isText()) {
-        return refuse(DICTIONARY_IMAGE_HEADER, kNowhere, kNowhere, "this is a text, no image");
+        return refuse(DICTIONARY_IMAGE_HEADER, kNowhere, kNowhere, "this is a text, not an image");
     }
     if (cellBytes < kCellBytes || cellBytes % kCellBytes != 0) {
         return refuseWord(DICTIONARY_IMAGE_HEADER, 0, kFeature,
@@ -299,10 +299,11 @@ bool ImageCheck::refuseCell(std::int64_t index) {
         {!isReference(cell.feature), DICTIONARY_IMAGE_FEATURE, kFeature,
          "the cell's feature does not begin a record"},
         {!endsKey(cell) && cell.feature != kNoFeature, DICTIONARY_IMAGE_FEATURE, kFeature,
-         "the cell has a feature, but ends no key"},
+         "the cell has a feature, but no key ends there"},
         {reserved, DICTIONARY_IMAGE_PARENT, kCheck,
-         "the cell is kept for a first character, but has a parent"},
-        {isRoot, DICTIONARY_IMAGE_PARENT, kCheck, "the cell is none of a first character's"},
+         "the cell is reserved for a first character, but has a parent"},
+        {isRoot, DICTIONARY_IMAGE_PARENT, kCheck,
+         "the cell has no parent, but is not that of a first character"},
         {!isCell(cell.check), DICTIONARY_IMAGE_PARENT, kCheck, "the cell's parent does not exist"},
         {isFree(parent), DICTIONARY_IMAGE_PARENT, kCheck, "the cell's parent is free"},
         {true, DICTIONARY_IMAGE_LABEL, kCheck, "the cell is out of reach of its parent's base"},

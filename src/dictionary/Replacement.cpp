@@ -127,7 +127,7 @@ DictionaryReplaceOptions readReplaceOptions(const DictionaryReplaceOptions* opti
     const DictionaryReplaceOptions read =
         readStruct(options, "the options' size is not sizeof(DictionaryReplaceOptions)");
     requireArgument(read.alternatives == nullptr || *read.alternatives != '\0',
-                    "what separates alternatives is empty");
+                    "the separator of alternatives is empty");
     return read;
 }
 
@@ -139,7 +139,7 @@ DictionaryFindOptions readSegmentation(const DictionaryHandle* handle,
     const DictionaryFindOptions read =
         readFindOptions(handle, options == nullptr ? &segment : options);
     requireArgument(read.mode == DICTIONARY_FIND_SEGMENT || read.mode == DICTIONARY_FIND_WEIGHTED,
-                    "keys are replaced in the modes SEGMENT and WEIGHTED alone");
+                    "keys are replaced only in the modes SEGMENT and WEIGHTED");
     return read;
 }
 

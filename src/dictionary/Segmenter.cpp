@@ -143,7 +143,7 @@ void WeightReader::refuse(std::int32_t cell, int code, std::string_view value) c
         line.addEscaped(shown(value));
         line.addNumber("\" in field ", m_field);
         const bool isCount = m_options.weights == DICTIONARY_WEIGHTS_COUNTS;
-        line.add(isCount ? ", which is no number from 1 on" : ", which is no number");
+        line.add(isCount ? ", which is not a number of 1 or more" : ", which is not a number");
     }
     line.finish();
     error.file = DICTIONARY_FILE_IMAGE;
@@ -221,8 +221,9 @@ DictionarySegmenterOptions readOptions(const DictionarySegmenterOptions* options
         readStruct(options, "the options' size is not sizeof(DictionarySegmenterOptions)");
     requireArgument(
         read.weights == DICTIONARY_WEIGHTS_COUNTS || read.weights == DICTIONARY_WEIGHTS_COSTS,
-        "the weights are none of DictionaryWeights");
-    requireArgument(std::isfinite(read.unknownCost), "the cost of unknown characters is no number");
+        "the weights are not one of DictionaryWeights");
+    requireArgument(std::isfinite(read.unknownCost),
+                    "the cost of unknown characters is not a number");
     return read;
 }
 

@@ -158,8 +158,8 @@ class Images(unittest.TestCase):
         self.assertIn(reason, verified.stderr)
         cases = ((f"'{damaged}'", reason), ("'/none/words.bin'", "No such file"), ("", "missing"),
                  (f"'{image}' mode some", "mode some"), (f"'{image}' mode", "no value"),
-                 (f"'{image}' mode weighted count_field 2", "no number"),
-                 (f"'{image}' mode weighted count_field x", "no number"))
+                 (f"'{image}' mode weighted count_field 2", "not a number"),
+                 (f"'{image}' mode weighted count_field x", "not a number"))
         with connect() as database:
             for arguments, said in cases:
                 with self.assertRaisesRegex(sqlite3.OperationalError, "tokenizer"):
