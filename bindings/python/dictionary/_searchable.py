@@ -13,7 +13,8 @@ from ._views import Items, Keys, Values
 _Default = TypeVar("_Default")
 _Self = TypeVar("_Self", bound="Searchable")
 
-_MODES = {"all": FIND_ALL, "longest": FIND_LONGEST, "segment": FIND_SEGMENT}
+_MODES = {"all": FIND_ALL, "longest": FIND_LONGEST, "prefixes": FIND_PREFIXES,
+          "segment": FIND_SEGMENT}
 
 
 class Description(NamedTuple):
@@ -186,7 +187,7 @@ class Searchable(Mapping[str, str], Segmentation):
         return self._opened().find_each(search, texts, skip_missing)
 
     def find_columns(self, texts: Iterable[AnyStr],
-                     mode: Literal["all", "longest", "segment"] = "all", *,
+                     mode: Literal["all", "longest", "prefixes", "segment"] = "all", *,
                      whole_words: bool = False, every_image: bool = False,
                      skip_missing: bool = False) -> Columns:
         """The matches of many texts as arrays, in one call.

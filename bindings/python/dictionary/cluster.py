@@ -44,9 +44,9 @@ class SharedImage(NamedTuple):
 
     @property
     def dictionary(self) -> Dictionary:
-        """The dictionary, inside a task. It belongs to the worker process and stays open. The first
-        call in a process opens it, and raises WorkerError if the version or the digest is not the
-        client's. Later calls find it open.
+        """The dictionary, inside a task. It belongs to the worker process. The first call in a
+        process opens it, and raises WorkerError if the version or the digest is not the client's.
+        Later calls find it open; a process keeps the last 8 images open.
         """
         return self._on(get_worker())
 

@@ -113,9 +113,9 @@ class SearchTest(FolderTest):
                 self.check_columns(words, many, name.removeprefix("find_"), found)
             everything = [each["find_all"] for each in expected]
             self.assertEqual(list(map(words.any_in, many)), list(map(bool, everything)))
-            self.assertEqual(list(map(words.prefixes, many)),
-                             [[match for match in found if not match.start]
-                              for found in everything])
+            prefixes = [[match for match in found if not match.start] for found in everything]
+            self.assertEqual(list(map(words.prefixes, many)), prefixes)
+            self.check_columns(words, many, "prefixes", prefixes)
             self.check_pieces(words, many)
 
     def check_columns(self, words, texts, mode, found):
