@@ -15,6 +15,7 @@ namespace Dictionary {
 namespace {
 
 constexpr std::int64_t kNowhere = -1;
+constexpr ImageFault kSound = {DICTIONARY_OK, kNowhere, kNowhere, "the image is sound"};
 
 constexpr std::int64_t kLengthBytes = kRecordLengthBytes;
 
@@ -121,7 +122,7 @@ private:
     bool m_hasHalves = false;
     Bits m_references;  // what a feature word may be, counted from kNoFeature
     Bits m_climbed;     // cells from which the way up is known to end
-    ImageFault m_fault = {DICTIONARY_OK, kNowhere, kNowhere, "the image is sound"};
+    ImageFault m_fault = kSound;
 };
 
 // A header has a word of zero bits, which no text has.
@@ -315,18 +316,20 @@ bool ImageCheck::refuseCell(std::int64_t index) {
 
 }  // namespace
 
-bool canBeImageSize(std::size_t size) {
-    return size >= kCellBytes && size <= std::size_t{kMaxImageBytes};
-}
-
-ImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize) {
+ImageFault checkImageSize(std::size_t size) {
     if (size > std::size_t{kMaxImageBytes}) {
         return {DICTIONARY_IMAGE_TOO_LARGE, kNowhere, kNowhere, "larger than an image can be"};
     }
-    if (image == nullptr || size < kCellBytes) {
+    if (size < kCellBytes) {
         return {DICTIONARY_IMAGE_TOO_SHORT, kNowhere, kNowhere,
                 "too short for the header of an image"};
     }
+    return kSound;
+}
+
+ImageFault checkImage(const void* image, std::size_t size, std::int32_t alphabetSize) {
+    const ImageFault fault = checkImageSize(image == nullptr ? 0 : size);
+    if (fault.code != DICTIONARY_OK) return fault;
     return ImageCheck(image, static_cast<std::int64_t>(size), alphabetSize).run();
 }
 

@@ -17,8 +17,8 @@ struct ImageFault {
     const char* text;     // in words
 };
 
-// Whether an image can have `size` bytes.
-bool canBeImageSize(std::size_t size);
+// The fault of every image of `size` bytes, or a fault of code DICTIONARY_OK.
+ImageFault checkImageSize(std::size_t size);
 
 // The first fault of the `size` bytes at `image`, or a fault of code DICTIONARY_OK. Labels are
 // from 1 to below `alphabetSize`. Throws only what the allocator throws.

@@ -14,6 +14,14 @@ namespace {
 
 constexpr std::uint64_t kNotCounted = std::numeric_limits<std::uint64_t>::max();
 
+void require(const ImageFault& fault) {
+    if (fault.code == DICTIONARY_OK) return;
+    DictionaryError error = errorOf(fault.code, fault.text);
+    error.cell = fault.cell;
+    error.offset = fault.offset;
+    throw Failure{error};
+}
+
 ImageBytes checked(ImageBytes bytes) {
     requireSoundImage(bytes.view());
     return bytes;
@@ -22,13 +30,11 @@ ImageBytes checked(ImageBytes bytes) {
 }  // namespace
 
 void requireSoundImage(std::string_view bytes) {
-    const ImageFault fault =
-        checkImage(bytes.data(), bytes.size(), CUTF8Coder().getNumOfSingleWord());
-    if (fault.code == DICTIONARY_OK) return;
-    DictionaryError error = errorOf(fault.code, fault.text);
-    error.cell = fault.cell;
-    error.offset = fault.offset;
-    throw Failure{error};
+    require(checkImage(bytes.data(), bytes.size(), CUTF8Coder().getNumOfSingleWord()));
+}
+
+void requireImageSize(std::size_t size) {
+    require(checkImageSize(size));
 }
 
 OpenImage::OpenImage(ImageBytes bytes)

@@ -58,6 +58,9 @@ private:
 // Throws a Failure unless the bytes are an image and no lookup reads outside it.
 void requireSoundImage(std::string_view bytes);
 
+// Throws the fault of every image of `size` bytes if there is one.
+void requireImageSize(std::size_t size);
+
 }  // namespace Dictionary
 
 #endif

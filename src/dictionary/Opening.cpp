@@ -62,7 +62,7 @@ auto concerning(const char* path, const Action& action) {
 }
 
 ImageBytes bytesOf(const ImageSource& source, int mode) {
-    if (!canBeImageSize(source.size())) requireSoundImage({nullptr, source.size()});
+    requireImageSize(source.size());
     return mode == DICTIONARY_OPEN_COPY ? ImageBytes::copy(source.file, source.size())
                                         : ImageBytes::map(source.file, source.size());
 }
@@ -90,7 +90,7 @@ SharedImage openBytes(std::string_view bytes, int mode) {
                     "bytes are opened in the mode COPY or BORROW");
     requireArgument(bytes.data() != nullptr || bytes.empty(), "the bytes are null");
     return concerning(nullptr, [&] {
-        if (!canBeImageSize(bytes.size())) requireSoundImage(bytes);
+        requireImageSize(bytes.size());
         return std::make_shared<const OpenImage>(
             mode == DICTIONARY_OPEN_COPY ? ImageBytes::copy(bytes) : ImageBytes::borrow(bytes));
     });

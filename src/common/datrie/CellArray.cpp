@@ -24,14 +24,14 @@ std::int64_t firstCapacity(std::int64_t rootCells) {
 
 CellArray::CellArray(std::int32_t alphabetSize)
     : m_alphabetSize(alphabetSize),
-      m_capacity(firstCapacity(std::int64_t{alphabetSize} + 1)),
-      m_hint(std::int64_t{alphabetSize} + 1),
+      m_capacity(firstCapacity(firstShared())),
+      m_hint(firstShared()),
       m_limit(kMaxCells),
       m_free(m_hint) {}
 
 void CellArray::clear() {
     m_blocks.clear();
-    m_free = FreeCells(std::int64_t{m_alphabetSize} + 1);
+    m_free = FreeCells(firstShared());
     m_limit = kMaxCells;
 }
 
@@ -97,7 +97,7 @@ std::int64_t CellArray::findBase(std::int32_t leading, const std::vector<std::in
     if (m_hint < leading || m_hint + reach >= m_limit) return kNoBase;
 
     // All children must be above the reserved cells, so no position before this one fits.
-    const std::int64_t from = std::max(m_hint, std::int64_t{m_alphabetSize} + 1 + leading - *least);
+    const std::int64_t from = std::max(m_hint, firstShared() + leading - *least);
     m_offsets.clear();
     for (const std::int32_t label : labels) {
         if (label != leading) m_offsets.push_back(std::int64_t{label} - leading);
