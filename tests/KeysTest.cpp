@@ -202,6 +202,9 @@ TEST(Keys, ArgumentsThatAreNoneFindNothing) {
     EXPECT_EQ(data[1].bytes, nullptr);
     EXPECT_EQ(dictionaryLookupKeys(handle.get(), nullptr, 3, data), 0u);
     EXPECT_EQ(dictionaryLookupKeys(handle.get(), keys, 3, data), 1u);
+    // An image without a cell for the character.
+    const DictionaryText above = textOf("東");
+    EXPECT_EQ(dictionaryLookupKeys(imageOf({{"\x01", "1"}}).get(), &above, 1, data), 0u);
     DictionaryKey key;
     EXPECT_FALSE(dictionaryNextKey(nullptr, &key));
     EXPECT_FALSE(dictionaryNextKey(cursorOf(handle).get(), nullptr));

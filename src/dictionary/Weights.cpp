@@ -40,25 +40,24 @@ void Weights::pack(std::string_view area) {
     std::vector<double> distinct = m_values;
     std::sort(distinct.begin(), distinct.end());
     distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
-    const std::size_t slotBytes = ((area.size() >> m_numbers.shift()) + 1) * sizeof(std::uint16_t);
+    const std::size_t slots = (area.size() >> m_numbers.shift()) + 1;
     const std::size_t saved = (m_values.size() - distinct.size()) * sizeof(double);
-    if (distinct.size() > kMostValues || slotBytes >= m_numbers.bytes() + saved) return;
-    m_slots = slotsFor(area, distinct);
+    if (distinct.size() > kMostValues || slots * sizeof(std::uint16_t) >= m_numbers.bytes() + saved)
+        return;
+    m_slots.resize(slots);
+    fillSlots(area, distinct);
     m_shift = m_numbers.shift();
     m_values.assign(distinct.begin(), distinct.end());
     m_values.shrink_to_fit();
     m_numbers = {};
 }
 
-std::vector<std::uint16_t> Weights::slotsFor(std::string_view area,
-                                             const std::vector<double>& distinct) const {
-    std::vector<std::uint16_t> slots((area.size() >> m_numbers.shift()) + 1);
+void Weights::fillSlots(std::string_view area, const std::vector<double>& distinct) {
     std::size_t number = 0;
     forEachRecord(area, [&](std::size_t offset, std::size_t) {
         const auto place = std::lower_bound(distinct.begin(), distinct.end(), m_values[number++]);
-        slots[offset >> m_numbers.shift()] = static_cast<std::uint16_t>(place - distinct.begin());
+        m_slots[offset >> m_numbers.shift()] = static_cast<std::uint16_t>(place - distinct.begin());
     });
-    return slots;
 }
 
 }  // namespace Dictionary

@@ -72,8 +72,7 @@ public:
     void pack(std::string_view area);
 
 private:
-    std::vector<std::uint16_t> slotsFor(std::string_view area,
-                                        const std::vector<double>& distinct) const;
+    void fillSlots(std::string_view area, const std::vector<double>& distinct);
 
     RecordNumbers m_numbers;
     std::vector<double> m_values;
