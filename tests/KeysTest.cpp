@@ -203,7 +203,7 @@ TEST(Keys, ArgumentsThatAreNoneFindNothing) {
     EXPECT_EQ(dictionaryLookupKeys(handle.get(), nullptr, 3, data), 0u);
     EXPECT_EQ(dictionaryLookupKeys(handle.get(), keys, 3, data), 1u);
     // An image without a cell for the character.
-    const DictionaryText above = textOf("東");
+    const DictionaryText above = {"東", 3};
     EXPECT_EQ(dictionaryLookupKeys(imageOf({{"\x01", "1"}}).get(), &above, 1, data), 0u);
     DictionaryKey key;
     EXPECT_FALSE(dictionaryNextKey(nullptr, &key));
