@@ -35,7 +35,8 @@ void RecordLines::index(std::uint32_t first, std::uint32_t end) {
         hashes.push_back(m_hash(m_table.key(record)));
     }
     for (std::size_t i = 0; i < hashes.size(); ++i) {
-        if (i + kAhead < hashes.size()) __builtin_prefetch(&m_slots[hashes[i + kAhead] & mask()], 1);
+        if (i + kAhead < hashes.size())
+            __builtin_prefetch(&m_slots[hashes[i + kAhead] & mask()], 1);
         const std::uint32_t record = first + static_cast<std::uint32_t>(i);
         Slot& slot = slotOf(record, hashes[i]);
         m_before[record] = slot.record;
