@@ -195,6 +195,7 @@ TEST(CheckedBuild, ReadsWhatWindowsWritesAndHandsImagesOut) {
         {"\xEF\xBB\xBF"
          "a\tx\r\nab\ty\nac\tz\r\nb\tw\r\n",
          "", folder.old},
+        {"a\tx\nab\ty\nac\tz\nb\tw\n", "", folder.old},
         {"\xEF\xBB\xBF\xFF\tx\r\n\r\nb\ty\r",
          "1:4 E bad-utf8\n2:1 E empty-record\n3:4 E unfinished\n", ""},
         {"", "", std::string(8, '\0') + std::string("\x0C\0\0\0", 4)}};

@@ -115,11 +115,15 @@ TEST(Columns, AreTheMatchesOfManyTexts) {
     const auto plain = dictionary::Image::openBytes(small.view());
     const auto folded = dictionary::Image::openBytes(large.view());
     const auto both = dictionary::Image::set({&plain, &folded});
-    for (const auto mode : {dictionary::FindMode::all, dictionary::FindMode::segment}) {
-        const auto columns = both.findColumns(texts, mode);
+    dictionary::FindOptions pieces = dictionary::FindMode::segment;
+    pieces.unknownPieces = true;
+    for (const dictionary::FindOptions& options :
+         {dictionary::FindOptions(dictionary::FindMode::all),
+          dictionary::FindOptions(dictionary::FindMode::segment), pieces}) {
+        const auto columns = both.findColumns(texts, options);
         std::size_t at = 0;
         for (std::size_t text = 0; text < texts.size(); ++text) {
-            for (const dictionary::Match& match : both.find(texts[text], mode)) {
+            for (const dictionary::Match& match : both.find(texts[text], options)) {
                 ASSERT_LT(at, columns.size());
                 EXPECT_EQ(columns.text()[at], text);
                 EXPECT_EQ(columns.start()[at], match.start);
