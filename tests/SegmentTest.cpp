@@ -248,10 +248,6 @@ TEST(Segment, ReadsCounts) {
     // The second b is no key; an unknown character counts 1.
     EXPECT_EQ(subject.pieces("abb"), "[ab]b/");
     EXPECT_EQ(subject.pieces(""), "");
-    // The last data text begins in the last bytes of the area.
-    Subject two({{"a", "0001"}, {"b", "1"}});
-    two.weigh(DICTIONARY_WEIGHTS_COUNTS, 1);
-    EXPECT_EQ(two.pieces("ab"), "[a][b]");
 }
 
 TEST(Segment, PrefersTheLongerFirstWord) {

@@ -40,7 +40,8 @@ void Weights::pack(std::string_view area) {
     std::vector<double> distinct = m_values;
     std::sort(distinct.begin(), distinct.end());
     distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
-    const std::size_t slots = (area.size() >> m_numbers.shift()) + 1;
+    // No record is shorter than a slot, so each begins in one that ends inside the area.
+    const std::size_t slots = area.size() >> m_numbers.shift();
     const std::size_t saved = (m_values.size() - distinct.size()) * sizeof(double);
     if (distinct.size() > kMostValues || slots * sizeof(std::uint16_t) >= m_numbers.bytes() + saved)
         return;
