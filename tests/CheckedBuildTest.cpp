@@ -19,7 +19,6 @@
 #include "DATInterface.h"
 #include "Descriptor.h"
 #include "Dictionary.h"
-#include "SourceRecords.h"
 #include "TemporaryFile.h"
 
 namespace {
@@ -380,7 +379,7 @@ void checkAllWays(const std::string& source, const std::string& problems) {
 }
 
 TEST(CheckedBuild, CutsRecordsWhereverTheirEndsFall) {
-    constexpr std::size_t kStretch = 1 << 20, kMost = Dictionary::SourceRecords::kMaxRecordBytes;
+    constexpr std::size_t kStretch = 1 << 20, kMost = 4'194'298;
     const std::string tooLong = "1:" + std::to_string(kMost + 1) + " E record-too-long\n";
     for (const std::size_t around : {kStretch, kMost, 5 * kStretch}) {
         for (std::size_t size = around - 3; size <= around + 1; ++size) {

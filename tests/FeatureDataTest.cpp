@@ -34,6 +34,7 @@ TEST(FeatureData, RecordsFollowEachOtherAndTheAreaDoubles) {
         data.text = text;
         data.length = static_cast<int>(data.text.size());
         EXPECT_EQ(read(area, area.write(data)), text);
+        area.reset(true, nullptr, 0, 0);
     }
 }
 
