@@ -200,9 +200,7 @@ void KeyTrie::addTail(std::uint32_t rank, std::vector<Tail>& tails) const {
         --tail.depth;
         for (std::uint32_t equal = rank - 1;; --equal) {
             tail.smallestKey = std::min(tail.smallestKey, keyAt(equal));
-            if (equal == 0 || m_branches[equal].shared < before || lengthAt(equal - 1) > before) {
-                break;
-            }
+            if (equal == 0 || m_branches[equal].shared < before) break;
         }
     }
     if (tail.depth + 1 >= length) return;
