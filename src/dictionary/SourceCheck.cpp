@@ -65,8 +65,11 @@ const std::vector<Finding>& SourceCheck::examine(const SourceRecord& record, std
         examineText(record, keySize);
     }
     if (!record.finished) add(DICTIONARY_UNFINISHED, record.text.size());
-    std::stable_sort(m_found.begin(), m_found.end(),
-                     [](const Finding& a, const Finding& b) { return a.column < b.column; });
+    // Sorting takes memory, even for one.
+    if (m_found.size() > 1) {
+        std::stable_sort(m_found.begin(), m_found.end(),
+                         [](const Finding& a, const Finding& b) { return a.column < b.column; });
+    }
     return m_found;
 }
 
