@@ -117,6 +117,10 @@ TEST(CppInterface, TakesTextsThatAreMadeOnDemand) {
     EXPECT_TRUE(found[0] == "1\t" && found[1] == "2\t");
     EXPECT_EQ(image.findEach(made)[0][0].data, "1\t");
     EXPECT_EQ(image.findColumns(made).size(), 2u);
+    const std::vector<std::pair<std::string, decltype(made)>> items = {{"x", made}};
+    ImageBuffer built;
+    buildItems(items, built);
+    EXPECT_EQ(Image::openBytes(built.view()).lookup("x"), keys[0] + '\t' + keys[1] + '\t');
 }
 
 TEST(CppInterface, FindsInEveryWay) {

@@ -18,6 +18,7 @@
 #include <functional>
 #include <initializer_list>
 #include <iterator>
+#include <list>
 #include <memory>
 #include <new>
 #include <optional>
@@ -79,33 +80,39 @@ inline std::string_view viewOf(DictionaryText text) {
     return {text.bytes, text.size};
 }
 
-/// The texts of a range. Those that its iterator returns by value are kept.
-template <class Range>
+/// Texts as Dictionary.h takes them. Views those that are added, but keeps those that are made on
+/// demand.
 class Texts {
 public:
-    explicit Texts(const Range& range) {
-        if constexpr (std::is_lvalue_reference_v<Text>) {
-            add(range);
+    Texts() = default;
+    Texts(const Texts&) = delete;
+
+    template <class Text>
+    void add(Text&& text) {
+        constexpr bool kIsView = std::is_lvalue_reference_v<Text> ||
+                                 std::is_pointer_v<std::decay_t<Text>> ||
+                                 std::is_same_v<std::decay_t<Text>, std::string_view>;
+        if constexpr (kIsView) {
+            m_texts.push_back(textOf(std::string_view(text)));
         } else {
-            for (auto&& text : range) m_kept.push_back(std::forward<decltype(text)>(text));
-            add(m_kept);
+            m_texts.push_back(textOf(m_kept.emplace_back(std::string_view(text))));
         }
     }
-    Texts(const Texts&) = delete;
+    template <class Range>
+    void addEach(const Range& range) {
+        for (auto&& text : range) add(std::forward<decltype(text)>(text));
+    }
+    void clear() {
+        m_texts.clear();
+        m_kept.clear();
+    }
 
     const DictionaryText* data() const { return m_texts.data(); }
     std::size_t size() const { return m_texts.size(); }
 
 private:
-    using Text = decltype(*std::begin(std::declval<const Range&>()));
-
-    template <class Kept>
-    void add(const Kept& texts) {
-        for (const auto& text : texts) m_texts.push_back(textOf(std::string_view(text)));
-    }
-
-    std::vector<std::decay_t<Text>> m_kept;
     std::vector<DictionaryText> m_texts;
+    std::list<std::string> m_kept;  // their bytes stay where they are
 };
 
 /// Keeps what a callback throws until the library has returned.
@@ -403,7 +410,8 @@ public:
     /// of elements that convert to std::string_view.
     template <class Range>
     std::vector<std::optional<std::string_view>> lookupEach(const Range& keys) const {
-        const detail::Texts texts(keys);
+        detail::Texts texts;
+        texts.addEach(keys);
         std::vector<DictionaryText> data(texts.size());
         dictionaryLookupKeys(handle(), texts.data(), texts.size(), data.data());
         std::vector<std::optional<std::string_view>> found(texts.size());
@@ -430,7 +438,8 @@ public:
     template <class Range>
     std::vector<std::vector<Match>> findEach(const Range& texts,
                                              const FindOptions& options = {}) const {
-        const detail::Texts given(texts);
+        detail::Texts given;
+        given.addEach(texts);
         List list;
         std::vector<std::size_t> ends(given.size());
         const DictionaryFindOptions how = optionsOf(options);
@@ -451,7 +460,8 @@ public:
     /// The same as columns.
     template <class Range>
     Columns findColumns(const Range& texts, const FindOptions& options = {}) const {
-        const detail::Texts given(texts);
+        detail::Texts given;
+        given.addEach(texts);
         const DictionaryFindOptions how = optionsOf(options);
         Columns found;
         DictionaryError error;
@@ -735,7 +745,8 @@ private:
             m_item.emplace(*m_next);
         }
         const auto& [key, data] = *m_item;
-        m_fields.assign(1, textOf(std::string_view(key)));
+        m_fields.clear();
+        m_fields.add(key);
         addData(data);
         fields = m_fields.data();
         count = m_fields.size();
@@ -745,9 +756,9 @@ private:
     template <class Data>
     void addData(const Data& data) {
         if constexpr (std::is_convertible_v<const Data&, std::string_view>) {
-            m_fields.push_back(textOf(data));
+            m_fields.add(data);
         } else {
-            for (const auto& field : data) m_fields.push_back(textOf(std::string_view(field)));
+            m_fields.addEach(data);
         }
     }
 
@@ -755,7 +766,7 @@ private:
     End m_end;
     bool m_begun = false;
     Kept m_item = {};
-    std::vector<DictionaryText> m_fields;
+    Texts m_fields;
     Thrown m_thrown;
 };
 

@@ -33,7 +33,9 @@ public:
     }
 
     // Must be called after the last cell.
-    void finish() { handOut(m_used); }
+    void finish() {
+        if (m_used > 0) handOut(m_used);
+    }
 
 private:
     void handOut(std::size_t size) {
